@@ -1,0 +1,15 @@
+// The command groups of lumenote-cli. Each group lives in its own file and adds
+// its subcommands to the application; run_cli.cpp installs them in the order
+// they appear in --help.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "cli/cli_context.hpp"
+
+namespace lumenote::cli {
+
+// `paths`: where Lumenote keeps its files for this user.
+void installPathsCommand(CLI::App& app, CliContext& context);
+
+}  // namespace lumenote::cli

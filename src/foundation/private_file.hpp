@@ -1,0 +1,111 @@
+// Private files: the one implementation of the file rules every JSON document
+// of the system follows (size cap before reading, no symbolic links, regular
+// files only, atomic replacement with fsync, quarantine instead of deletion,
+// folders 0700 and files 0600).
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/dates.hpp"
+#include "foundation/result.hpp"
+
+namespace lumenote {
+
+enum class PrivateFileError {
+    missing,          // no file at the path
+    symbolicLink,     // the path is a symbolic link (never followed)
+    notRegularFile,   // a folder, FIFO, socket or device
+    tooLarge,         // larger than the caller's cap; nothing was read
+    unreadable,       // open or read failed for another reason
+    folderUnusable,   // the parent folder could not be created or made private
+    writeFailed,      // writing, syncing or renaming the temporary file failed
+    quarantineFailed  // the damaged file could not be moved aside
+};
+
+// A short English description, used in diagnostics and in the messages of the
+// stores that wrap this helper.
+std::string_view describe(PrivateFileError error);
+
+// The system calls an atomic write makes, so that tests can make one fail
+// part-way. The default implementation calls POSIX directly.
+class FileWriteOperations {
+  public:
+    virtual ~FileWriteOperations() = default;
+    // write(2) semantics: returns the number of bytes written or -1.
+    virtual long write(int descriptor, const char* data, std::size_t size);
+    virtual int fsync(int descriptor);
+    virtual int rename(const char* from, const char* to);
+};
+
+// The operations used when none are injected.
+FileWriteOperations& systemFileWriteOperations();
+
+namespace private_file {
+
+// Creates `folder` and any missing parents with mode 0700, and narrows an
+// existing folder to 0700. Fails when it exists but is not a folder.
+Result<void, PrivateFileError> ensureFolder(const std::filesystem::path& folder);
+
+// Reads the whole file at `path`. The file is opened with O_NOFOLLOW (a
+// symbolic link is refused, never followed), must be a regular file, and its
+// size is checked on the opened descriptor against `maximumBytes` before any
+// byte is read: a file of exactly `maximumBytes` is read, one byte more is
+// `tooLarge`.
+Result<std::string, PrivateFileError> read(const std::filesystem::path& path,
+                                           std::size_t maximumBytes);
+
+// Replaces the file at `path` with `contents` atomically: writes a temporary
+// sibling (mode 0600), fsyncs it, renames it over `path`, then fsyncs the
+// folder. On any failure the previous file is left whole and the temporary
+// file is removed. The parent folder is created (0700) when missing.
+Result<void, PrivateFileError> writeAtomically(
+    const std::filesystem::path& path, std::string_view contents,
+    FileWriteOperations& operations = systemFileWriteOperations());
+
+// The name a damaged file is moved to: the file's stem, ".corrupt-", the whole
+// seconds since 1970 of `now`, then the original extension, in the same folder
+// ("active-session-v1.json" -> "active-session-v1.corrupt-1763280000.json").
+// When that name is taken a counter is appended to the seconds ("-2", "-3" ...).
+std::filesystem::path quarantinePath(const std::filesystem::path& path, Date now);
+
+// Moves a damaged file aside under quarantinePath (never deletes it) and sets
+// the moved file to mode 0600. Returns where it now lies. A symbolic link is
+// moved as the link itself, never followed.
+Result<std::filesystem::path, PrivateFileError> quarantine(const std::filesystem::path& path,
+                                                           Date now);
+
+}  // namespace private_file
+
+// The outcome of loading a versioned JSON document through loadVersionedJson.
+enum class VersionedJsonStatus {
+    missing,       // no file: start empty
+    loaded,        // `text` holds the document of a supported version
+    newerVersion,  // a format version above the supported one: leave it untouched, read-only
+    quarantined,   // undecodable or of an invalid version: moved aside, start empty
+    refused        // symbolic link, not a regular file, too large or unreadable: left in place
+};
+
+struct VersionedJsonLoad {
+    VersionedJsonStatus status = VersionedJsonStatus::missing;
+    std::string text;                              // the file's bytes when `loaded`
+    std::optional<long long> formatVersion;        // as read, when one was read
+    std::optional<std::filesystem::path> movedTo;  // where a quarantined file went
+    std::optional<PrivateFileError> error;         // why the file was `refused`
+};
+
+// Reads a small JSON document whose root object carries an integer member
+// named `versionKey`. The member is read first on its own, so that a newer
+// layout is recognised without decoding the rest: a version above
+// `supportedVersion` is `newerVersion` and the file is left byte-for-byte as
+// it is. Text that is not a JSON object, or lacks a positive integer version,
+// is quarantined. Decoding the rest of the document is the caller's job; a
+// caller that then finds it invalid calls private_file::quarantine itself.
+VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size_t maximumBytes,
+                                    long long supportedVersion, std::string_view versionKey,
+                                    Date now);
+
+}  // namespace lumenote

@@ -1,0 +1,143 @@
+// The small enumerations every part of the recorder speaks in, with the raw
+// text each case is stored and exchanged as.
+#pragma once
+
+#include <array>
+#include <string_view>
+#include <utility>
+
+#include "foundation/raw_enum.hpp"
+
+namespace lumenote {
+
+enum class ActivityClassification { focused, distracting, neutral, unclassified, ignored };
+enum class StudySessionStatus { running, paused, completed, interrupted };
+enum class SessionTimingMode { timer, openEnded };
+enum class StudySessionMode { computerBased, mixedStudy, offlineBookStudy };
+enum class ActivitySourceType { application, browserFallback, website, localPDF, system };
+enum class ConfirmedStudyState { passiveStudy, confirmedBreak };
+enum class ConfirmedStudyStateSource { returnPrompt, sessionControl, replayEdit, sessionMode };
+enum class BrowserFallbackReason {
+    awaitingFreshEvent,
+    staleEvent,
+    extensionDisconnected,
+    privateOrRestricted,
+    applicationSwitch,
+    inactivity,
+    paused,
+    unknown
+};
+// How the label of a local PDF was obtained.
+enum class BrowserPDFLabelSource { filename, manual };
+// The state the running session is in right now; never stored.
+enum class LiveStudyState { computerActivity, passiveStudy, unconfirmedNoInput };
+
+template <>
+struct RawValues<ActivityClassification> {
+    using E = ActivityClassification;
+    static constexpr std::array<std::pair<E, std::string_view>, 5> entries{{
+        {E::focused, "focused"},
+        {E::distracting, "distracting"},
+        {E::neutral, "neutral"},
+        {E::unclassified, "unclassified"},
+        {E::ignored, "ignored"},
+    }};
+};
+
+template <>
+struct RawValues<StudySessionStatus> {
+    using E = StudySessionStatus;
+    static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{
+        {E::running, "running"},
+        {E::paused, "paused"},
+        {E::completed, "completed"},
+        {E::interrupted, "interrupted"},
+    }};
+};
+
+template <>
+struct RawValues<SessionTimingMode> {
+    using E = SessionTimingMode;
+    static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
+        {E::timer, "timer"},
+        {E::openEnded, "open_ended"},
+    }};
+};
+
+template <>
+struct RawValues<StudySessionMode> {
+    using E = StudySessionMode;
+    static constexpr std::array<std::pair<E, std::string_view>, 3> entries{{
+        {E::computerBased, "computerBased"},
+        {E::mixedStudy, "mixedStudy"},
+        {E::offlineBookStudy, "offlineBookStudy"},
+    }};
+};
+
+template <>
+struct RawValues<ActivitySourceType> {
+    using E = ActivitySourceType;
+    static constexpr std::array<std::pair<E, std::string_view>, 5> entries{{
+        {E::application, "application"},
+        {E::browserFallback, "browserFallback"},
+        {E::website, "website"},
+        {E::localPDF, "localPDF"},
+        {E::system, "system"},
+    }};
+};
+
+template <>
+struct RawValues<ConfirmedStudyState> {
+    using E = ConfirmedStudyState;
+    static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
+        {E::passiveStudy, "passiveStudy"},
+        {E::confirmedBreak, "confirmedBreak"},
+    }};
+};
+
+template <>
+struct RawValues<ConfirmedStudyStateSource> {
+    using E = ConfirmedStudyStateSource;
+    static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{
+        {E::returnPrompt, "returnPrompt"},
+        {E::sessionControl, "sessionControl"},
+        {E::replayEdit, "replayEdit"},
+        {E::sessionMode, "sessionMode"},
+    }};
+};
+
+template <>
+struct RawValues<BrowserFallbackReason> {
+    using E = BrowserFallbackReason;
+    static constexpr std::array<std::pair<E, std::string_view>, 8> entries{{
+        {E::awaitingFreshEvent, "awaitingFreshEvent"},
+        {E::staleEvent, "staleEvent"},
+        {E::extensionDisconnected, "extensionDisconnected"},
+        {E::privateOrRestricted, "privateOrRestricted"},
+        {E::applicationSwitch, "applicationSwitch"},
+        {E::inactivity, "inactivity"},
+        {E::paused, "paused"},
+        {E::unknown, "unknown"},
+    }};
+};
+
+template <>
+struct RawValues<BrowserPDFLabelSource> {
+    using E = BrowserPDFLabelSource;
+    static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
+        {E::filename, "filename"},
+        {E::manual, "manual"},
+    }};
+};
+
+template <>
+struct RawValues<LiveStudyState> {
+    using E = LiveStudyState;
+    static constexpr std::array<std::pair<E, std::string_view>, 3> entries{{
+        {E::computerActivity, "computerActivity"},
+        {E::passiveStudy, "passiveStudy"},
+        {E::unconfirmedNoInput, "unconfirmedNoInput"},
+    }};
+};
+
+}  // namespace lumenote
