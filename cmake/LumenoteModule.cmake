@@ -2,7 +2,7 @@
 # target a folder, built from every source file in it, and one test executable
 # a module.
 
-set(LUMENOTE_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion)
+set(LUMENOTE_WARNINGS -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wno-sign-conversion -Wno-missing-field-initializers)
 
 function(lumenote_apply_common target)
   target_compile_options(${target} PRIVATE ${LUMENOTE_WARNINGS})

@@ -1,0 +1,17 @@
+#include "recording/recording_store.hpp"
+
+namespace lumenote {
+
+void StoreChangeSet::append(const StoreChangeSet& later) {
+    sessions.insert(sessions.end(), later.sessions.begin(), later.sessions.end());
+    segments.insert(segments.end(), later.segments.begin(), later.segments.end());
+    confirmedIntervals.insert(confirmedIntervals.end(), later.confirmedIntervals.begin(),
+                              later.confirmedIntervals.end());
+    pdfIdentities.insert(pdfIdentities.end(), later.pdfIdentities.begin(),
+                         later.pdfIdentities.end());
+    deletedSessions.insert(deletedSessions.end(), later.deletedSessions.begin(),
+                           later.deletedSessions.end());
+    durable = durable || later.durable;
+}
+
+}  // namespace lumenote

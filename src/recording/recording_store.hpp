@@ -1,0 +1,92 @@
+// The storage the recorder writes through: sessions with their segments and
+// confirmations, classification rules and local PDF records. The SQLite
+// implementation lives in store/; tests may substitute their own.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "classification/classification_records.hpp"
+#include "foundation/result.hpp"
+#include "foundation/uuid.hpp"
+#include "recording/session_records.hpp"
+
+namespace lumenote {
+
+// A store failure: the description is the underlying error's text, which the
+// callers embed in their own fixed messages ("... could not be saved: {error}").
+struct StoreError {
+    std::string description;
+};
+
+// Changes written together in one transaction: either all of them land or
+// none does. Upserts insert a record or replace the stored one with the same
+// id (for sessions: the session's own columns; its children are written
+// through the segment and interval lists, never implied).
+struct StoreChangeSet {
+    std::vector<StudySession> sessions;
+    std::vector<ActivitySegment> segments;  // `session` must name the owner
+    std::vector<ConfirmedNoInputInterval> confirmedIntervals;  // likewise
+    std::vector<LocalPDFIdentity> pdfIdentities;
+    // Applied after the upserts; deleting a session deletes its segments,
+    // confirmations and PDF identities with it.
+    std::vector<Uuid> deletedSessions;
+    // Sync to disk before returning (ending a session, restoring data).
+    bool durable = false;
+
+    bool empty() const {
+        return sessions.empty() && segments.empty() && confirmedIntervals.empty() &&
+               pdfIdentities.empty() && deletedSessions.empty();
+    }
+    // Adds `later` after this set's own changes (a later upsert of the same id wins).
+    void append(const StoreChangeSet& later);
+};
+
+// Which sessions a listing returns.
+struct SessionQuery {
+    std::optional<Date> startingAtOrAfter;
+    std::optional<Date> startingBefore;
+    bool newestFirst = true;
+    std::optional<std::size_t> limit;
+    std::size_t offset = 0;
+    bool includeChildren = false;  // segments, confirmations and PDF identity ids
+};
+
+class RecordingStore {
+public:
+    virtual ~RecordingStore() = default;
+
+    virtual Result<void, StoreError> apply(const StoreChangeSet& changes) = 0;
+
+    // A session with its segments (in start order), confirmations and PDF
+    // identity ids; nullopt when there is none with that id.
+    virtual Result<std::optional<StudySession>, StoreError> loadSession(const Uuid& id) = 0;
+    virtual Result<std::vector<StudySession>, StoreError> listSessions(
+        const SessionQuery& query) = 0;
+    // Sessions whose status is running or paused (found after a crash).
+    virtual Result<std::vector<StudySession>, StoreError> liveSessions() = 0;
+    virtual Result<std::size_t, StoreError> sessionCount() = 0;
+    virtual Result<void, StoreError> deleteAllSessions() = 0;
+
+    virtual Result<std::vector<AppClassification>, StoreError> appClassifications() = 0;
+    virtual Result<void, StoreError> saveAppClassification(const AppClassification& rule) = 0;
+    virtual Result<void, StoreError> deleteAllAppClassifications() = 0;
+    virtual Result<std::vector<WebsiteClassification>, StoreError> websiteClassifications() = 0;
+    virtual Result<void, StoreError> saveWebsiteClassification(
+        const WebsiteClassification& rule) = 0;
+    virtual Result<void, StoreError> deleteAllWebsiteClassifications() = 0;
+
+    virtual Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
+        const std::optional<Uuid>& session) = 0;  // all when no session is given
+    virtual Result<void, StoreError> savePdfIdentity(const LocalPDFIdentity& identity) = 0;
+    // Removes every label whose source is the filename; returns how many changed.
+    virtual Result<std::size_t, StoreError> clearFilenameDerivedPdfLabels() = 0;
+    virtual Result<void, StoreError> deleteAllPdfIdentities() = 0;
+    virtual Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() = 0;
+    virtual Result<void, StoreError> saveLocalPDFPreferences(
+        const LocalPDFPreferences& preferences) = 0;
+    virtual Result<void, StoreError> deleteLocalPDFPreferences() = 0;
+};
+
+}  // namespace lumenote
