@@ -46,22 +46,31 @@ FileWriteOperations& systemFileWriteOperations();
 
 namespace private_file {
 
-// Creates `folder` and any missing parents with mode 0700, and narrows an
-// existing folder to 0700. Fails when it exists but is not a folder.
+// Creates `folder` and any missing parents with mode 0700 (whatever the
+// umask), and narrows an existing `folder` to 0700; parents that already exist
+// are left as they are. Folders may be reached through symbolic links (a user
+// may move a data folder elsewhere); only files are never followed. Fails with
+// `folderUnusable` when a component exists but is not a folder, or when a
+// folder cannot be created or narrowed.
 Result<void, PrivateFileError> ensureFolder(const std::filesystem::path& folder);
 
 // Reads the whole file at `path`. The file is opened with O_NOFOLLOW (a
-// symbolic link is refused, never followed), must be a regular file, and its
-// size is checked on the opened descriptor against `maximumBytes` before any
-// byte is read: a file of exactly `maximumBytes` is read, one byte more is
-// `tooLarge`.
+// symbolic link is refused, never followed) and O_NONBLOCK (a FIFO cannot
+// block the open), must be a regular file, and its size is checked on the
+// opened descriptor against `maximumBytes` before any byte is read: a file of
+// exactly `maximumBytes` is read, one byte more is `tooLarge`. A file that
+// grows past the cap while being read is `tooLarge` as well.
 Result<std::string, PrivateFileError> read(const std::filesystem::path& path,
                                            std::size_t maximumBytes);
 
 // Replaces the file at `path` with `contents` atomically: writes a temporary
-// sibling (mode 0600), fsyncs it, renames it over `path`, then fsyncs the
-// folder. On any failure the previous file is left whole and the temporary
-// file is removed. The parent folder is created (0700) when missing.
+// sibling (mode 0600) named "." + file name + a random part + ".temporary", so
+// that folder readers can skip it by name, fsyncs it, renames it over `path`,
+// then fsyncs the folder. The parent folder is ensured with ensureFolder. Any
+// failure up to the rename leaves the previous file whole and removes the
+// temporary file; a failure to sync the folder afterwards is still
+// `writeFailed`, though the new contents are then already in place. When
+// `path` is a symbolic link the link itself is replaced, its target untouched.
 Result<void, PrivateFileError> writeAtomically(
     const std::filesystem::path& path, std::string_view contents,
     FileWriteOperations& operations = systemFileWriteOperations());
@@ -72,9 +81,12 @@ Result<void, PrivateFileError> writeAtomically(
 // When that name is taken a counter is appended to the seconds ("-2", "-3" ...).
 std::filesystem::path quarantinePath(const std::filesystem::path& path, Date now);
 
-// Moves a damaged file aside under quarantinePath (never deletes it) and sets
-// the moved file to mode 0600. Returns where it now lies. A symbolic link is
-// moved as the link itself, never followed.
+// Moves a damaged file aside under quarantinePath (never deletes it, never
+// replaces an existing file) and sets a regular file to mode 0600. Returns
+// where it now lies. A symbolic link is moved as the link itself, never
+// followed. The mode is narrowed just before the move, so that a failure
+// leaves the file where it was instead of moved aside but still readable by
+// others.
 Result<std::filesystem::path, PrivateFileError> quarantine(const std::filesystem::path& path,
                                                            Date now);
 
@@ -101,9 +113,12 @@ struct VersionedJsonLoad {
 // named `versionKey`. The member is read first on its own, so that a newer
 // layout is recognised without decoding the rest: a version above
 // `supportedVersion` is `newerVersion` and the file is left byte-for-byte as
-// it is. Text that is not a JSON object, or lacks a positive integer version,
-// is quarantined. Decoding the rest of the document is the caller's job; a
-// caller that then finds it invalid calls private_file::quarantine itself.
+// it is. Text that is not well-formed JSON with an object at its root, or
+// lacks a positive integer version (one that fits 64 bits; 1.0 is not an
+// integer), is quarantined. When the quarantine itself fails the file stays in
+// place and the result is `refused` with `quarantineFailed`. Decoding the rest
+// of the document is the caller's job; a caller that then finds it invalid
+// calls private_file::quarantine itself.
 VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size_t maximumBytes,
                                     long long supportedVersion, std::string_view versionKey,
                                     Date now);
