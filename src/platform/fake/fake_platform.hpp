@@ -1,0 +1,108 @@
+// Scripted stand-ins for the platform: a clock that moves only when told, an
+// idle source, a frontmost application, a notification sink and a browser.
+// Used by the tests and the scenario runner.
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "recording/platform_services.hpp"
+#include "recording/time_providers.hpp"
+
+namespace lumenote::fake {
+
+// Both clocks of a simulated machine. The monotonic clock advances with
+// advance(); the wall clock follows it and can also be set or jumped on its
+// own, as a user changing the system time would.
+class FakeClock {
+  public:
+    explicit FakeClock(Date wallStart = Date{0}) : wallNow_(wallStart) {}
+    FakeClock(const FakeClock&) = delete;
+    FakeClock& operator=(const FakeClock&) = delete;
+
+    MonotonicTimeProvider& monotonic() { return monotonicView_; }
+    WallClock& wall() { return wallView_; }
+    double monotonicNow() const { return monotonicNow_; }
+    Date wallNow() const { return wallNow_; }
+
+    void advance(double seconds) {
+        monotonicNow_ += seconds;
+        wallNow_ = wallNow_.addingSeconds(seconds);
+    }
+    void jumpWallClock(double seconds) { wallNow_ = wallNow_.addingSeconds(seconds); }
+    void setWallClock(Date date) { wallNow_ = date; }
+
+  private:
+    struct MonotonicView final : MonotonicTimeProvider {
+        explicit MonotonicView(FakeClock& owner) : clock(owner) {}
+        double now() override { return clock.monotonicNow_; }
+        FakeClock& clock;
+    };
+    struct WallView final : WallClock {
+        explicit WallView(FakeClock& owner) : clock(owner) {}
+        Date now() override { return clock.wallNow_; }
+        FakeClock& clock;
+    };
+
+    double monotonicNow_ = 0.0;
+    Date wallNow_;
+    MonotonicView monotonicView_{*this};
+    WallView wallView_{*this};
+};
+
+// Idle seconds follow the clock from the moment input stops.
+class FakeIdle final : public IdleTimeProvider {
+  public:
+    explicit FakeIdle(FakeClock& clock) : clock_(clock) {}
+    double idleSeconds() override {
+        return lastInput_ ? std::max(0.0, clock_.monotonicNow() - *lastInput_) : 0.0;
+    }
+    // Input stops now: idle grows from here.
+    void stopInput() { lastInput_ = clock_.monotonicNow(); }
+    // Input resumes now: idle stays 0 until stopInput().
+    void resumeInput() { lastInput_.reset(); }
+    void setIdle(double seconds) { lastInput_ = clock_.monotonicNow() - seconds; }
+
+  private:
+    FakeClock& clock_;
+    std::optional<double> lastInput_;
+};
+
+class FakeFrontmost final : public FrontmostApplicationSource {
+  public:
+    std::optional<FrontmostApplication> frontmostApplication() override { return current; }
+    std::optional<FrontmostApplication> current;
+};
+
+class FakeNotifications final : public NotificationService {
+  public:
+    void post(const std::string& title, const std::string& body) override {
+        posted.emplace_back(title, body);
+    }
+    NotificationAuthorization authorization() override { return state; }
+
+    std::vector<std::pair<std::string, std::string>> posted;
+    NotificationAuthorization state = NotificationAuthorization::authorized;
+};
+
+// A browser whose resolution per bundle identifier is set by the test.
+class FakeBrowser final : public BrowserTrackingCoordinator {
+  public:
+    std::optional<BrowserResolution> resolution(const std::string& bundle, Date) override {
+        const auto found = resolutions.find(bundle);
+        return found == resolutions.end() ? std::nullopt
+                                          : std::optional<BrowserResolution>(found->second);
+    }
+    void setRunningSession(const std::optional<Uuid>& id) override { runningSession = id; }
+    void setFrontmostBundleIdentifier(const std::string& bundle) override { frontmost = bundle; }
+
+    std::map<std::string, BrowserResolution> resolutions;
+    std::optional<Uuid> runningSession;
+    std::string frontmost;
+};
+
+}  // namespace lumenote::fake

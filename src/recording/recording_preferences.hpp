@@ -1,0 +1,28 @@
+// The settings the recorder reads while it runs. The preferences store
+// implements this (settings/ builds on recording/, never the other way), so
+// the recorder always sees the current, clamped values.
+#pragma once
+
+#include <optional>
+
+namespace lumenote {
+
+class RecordingPreferences {
+  public:
+    virtual ~RecordingPreferences() = default;
+
+    // Seconds without input after which a stretch counts as no input.
+    virtual double inactivityThreshold() const = 0;
+    // Seconds of no input after which returning raises the question.
+    virtual double passiveStudyPromptThreshold() const = 0;
+    // Seconds of sleep that pause the session; nullopt when it never does.
+    virtual std::optional<double> longSleepThreshold() const = 0;
+    // The revision of derived totals the stored sessions carry.
+    virtual long long derivedRevision() const = 0;
+    virtual void setDerivedRevision(long long revision) = 0;
+    // Puts the application's and the receipt's preferences back to their
+    // defaults (the data reset).
+    virtual void resetApplicationPreferences() = 0;
+};
+
+}  // namespace lumenote

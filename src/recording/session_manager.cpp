@@ -1,0 +1,260 @@
+#include "recording/session_manager.hpp"
+
+#include <cmath>
+
+#include "foundation/text.hpp"
+#include "recording/recording_preferences.hpp"
+#include "recording/tracking_calculation.hpp"
+
+namespace lumenote {
+
+SessionManager::SessionManager(SessionManagerDependencies dependencies)
+    : store_(dependencies.store),
+      preferences_(dependencies.preferences),
+      idleTimeProvider_(dependencies.idleTimeProvider),
+      monotonicTimeProvider_(dependencies.monotonicTimeProvider),
+      wallClock_(dependencies.wallClock),
+      frontmostApplication_(dependencies.frontmostApplication),
+      notificationService_(dependencies.notificationService),
+      browserTrackingCoordinator_(dependencies.browserTrackingCoordinator),
+      ownBundleIdentifier_(std::move(dependencies.ownBundleIdentifier)),
+      lookup_(ownBundleIdentifier_) {
+    persistenceSaveOperation = [this](const StoreChangeSet& changes) {
+        return store_.apply(changes);
+    };
+}
+
+TrackingInstant SessionManager::nowInstant() {
+    return TrackingInstant{wallClock_.now(), monotonicTimeProvider_.now()};
+}
+
+double SessionManager::timerValueAt(double monotonicTime) const {
+    if (!timerAnchor_) {
+        return timerBaseDuration_;
+    }
+    return timerBaseDuration_ + std::max(0.0, monotonicTime - *timerAnchor_);
+}
+
+double SessionManager::currentTimerValue() {
+    return timerValueAt(monotonicTimeProvider_.now());
+}
+
+void SessionManager::publish(ObservedField field) {
+    if (changeHandler_) {
+        changeHandler_(field);
+    }
+}
+
+void SessionManager::reportFailure(SessionFailure failure, std::string_view detail) {
+    lastError_ = sessionFailureMessage(failure, detail);
+    publish(ObservedField::lastError);
+}
+
+void SessionManager::clearLastError() {
+    if (lastError_) {
+        lastError_.reset();
+        publish(ObservedField::lastError);
+    }
+}
+
+void SessionManager::clearPendingPostSession() {
+    if (pendingPostSession_) {
+        pendingPostSession_.reset();
+        publish(ObservedField::pendingPostSession);
+    }
+}
+
+Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& request) {
+    auto refuse = [this](SessionFailure failure) -> Result<void, SessionFailure> {
+        reportFailure(failure);
+        return fail(failure);
+    };
+    if (activeSession_) {
+        return refuse(SessionFailure::sessionAlreadyActive);
+    }
+    const std::string subject = text::trimmed(request.subject);
+    if (subject.empty()) {
+        return refuse(SessionFailure::subjectMissing);
+    }
+    const double planned = request.plannedDuration;
+    if (!std::isfinite(planned) || planned <= 0.0 || planned > kMaximumPlannedDuration) {
+        return refuse(SessionFailure::invalidDuration);
+    }
+
+    const TrackingInstant instant = nowInstant();
+    StudySession session(Uuid::generate(), subject, text::trimmed(request.goal), planned,
+                         instant.wallDate);
+    session.setTimingMode(request.timingMode);
+    session.setStudyMode(request.studyMode);
+    session.setOriginatingTemplateID(request.templateID);
+    session.setSchemaVersion(kCurrentSessionSchemaVersion);
+    session.setCalculationVersion(kCurrentTrackingCalculationVersion);
+
+    StoreChangeSet insert;
+    insert.sessions.push_back(session);
+    if (auto saved = persistenceSaveOperation(insert); !saved.ok()) {
+        // Nothing can be recorded without a store: refuse rather than record
+        // a session that would vanish.
+        reportFailure(SessionFailure::activityNotSaved, saved.error().description);
+        return fail(SessionFailure::activityNotSaved);
+    }
+
+    activeSession_ = std::move(session);
+    sessionSegments_.clear();
+    openPersistedSegment_.reset();
+    openSegmentWritten_ = false;
+    timerBaseDuration_ = 0.0;
+    timerAnchor_ = instant.monotonicTime;
+    pauseAnchor_.reset();
+    currentPauseDuration_ = 0.0;
+    saveTick_ = 0;
+    lookup_.clearSessionOverrides();
+    browserTrackingCoordinator_.setRunningSession(activeSession_->id);
+    publish(ObservedField::activeSession);
+    sampleAndRecord(instant);
+    return {};
+}
+
+Result<void, SessionFailure> SessionManager::pause() {
+    if (!activeSession_) {
+        return fail(SessionFailure::noActiveSession);
+    }
+    if (activeSession_->status() != StudySessionStatus::running) {
+        return fail(SessionFailure::sessionNotRunning);
+    }
+    const TrackingInstant instant = nowInstant();
+    if (auto closed = timelineEngine_.finalize(instant)) {
+        recordClosedInterval(*closed);
+    }
+    timerBaseDuration_ = timerValueAt(instant.monotonicTime);
+    timerAnchor_.reset();
+    pauseAnchor_ = instant.monotonicTime;
+    currentPauseDuration_ = 0.0;
+    activeSession_->setStatus(StudySessionStatus::paused);
+    activeSession_->timerDuration = timerBaseDuration_;
+    queueSession();
+    save();
+    browserTrackingCoordinator_.setRunningSession(std::nullopt);
+    publish(ObservedField::activeSession);
+    publish(ObservedField::currentPauseDuration);
+    return {};
+}
+
+Result<void, SessionFailure> SessionManager::resume() {
+    if (!activeSession_) {
+        return fail(SessionFailure::noActiveSession);
+    }
+    if (activeSession_->status() != StudySessionStatus::paused) {
+        return fail(SessionFailure::sessionNotPaused);
+    }
+    const TrackingInstant instant = nowInstant();
+    timerAnchor_ = instant.monotonicTime;
+    pauseAnchor_.reset();
+    currentPauseDuration_ = 0.0;
+    activeSession_->setStatus(StudySessionStatus::running);
+    queueSession();
+    save();
+    browserTrackingCoordinator_.setRunningSession(activeSession_->id);
+    publish(ObservedField::activeSession);
+    publish(ObservedField::currentPauseDuration);
+    sampleAndRecord(instant);
+    return {};
+}
+
+Result<void, SessionFailure> SessionManager::end() {
+    if (!activeSession_) {
+        return fail(SessionFailure::noActiveSession);
+    }
+    const TrackingInstant instant = nowInstant();
+    finishSession(instant, timerValueAt(instant.monotonicTime), StudySessionStatus::completed);
+    return {};
+}
+
+void SessionManager::tick() {
+    const TrackingInstant instant = nowInstant();
+    expireDeletionUndo(instant.monotonicTime);
+    if (!activeSession_) {
+        if (!pendingChanges_.empty()) {
+            save(pendingChanges_.durable);
+        }
+        return;
+    }
+    if (activeSession_->status() == StudySessionStatus::paused) {
+        currentPauseDuration_ = std::max(0.0, instant.monotonicTime - pauseAnchor_.value_or(0.0));
+        publish(ObservedField::currentPauseDuration);
+        return;
+    }
+    completeTimerIfReached(instant);
+    if (!activeSession_) {
+        return;
+    }
+    sampleAndRecord(instant);
+    if (++saveTick_ >= kSaveCadenceTicks) {
+        saveTick_ = 0;
+        activeSession_->timerDuration = timerValueAt(instant.monotonicTime);
+        queueSession();
+        queueOpenSegment(instant);
+        save();
+    }
+}
+
+void SessionManager::applicationActivated() {
+    if (activeSession_ && activeSession_->status() == StudySessionStatus::running) {
+        sampleAndRecord(nowInstant());
+    }
+}
+
+void SessionManager::completeTimerIfReached(TrackingInstant instant) {
+    if (activeSession_->timingMode() != SessionTimingMode::timer || !timerAnchor_) {
+        return;
+    }
+    const double planned = activeSession_->plannedDuration;
+    const double timer = timerValueAt(instant.monotonicTime);
+    if (timer < planned) {
+        return;
+    }
+    // The instant at which the timer reached the planned duration, which lies
+    // up to one tick (or a late tick's delay) in the past.
+    const double overshoot = timer - planned;
+    const TrackingInstant completion{instant.wallDate.addingSeconds(-overshoot),
+                                     instant.monotonicTime - overshoot};
+    finishSession(completion, planned, StudySessionStatus::completed);
+}
+
+void SessionManager::finishSession(TrackingInstant endInstant, double timerDuration,
+                                   StudySessionStatus status) {
+    if (auto closed = timelineEngine_.finalize(endInstant)) {
+        recordClosedInterval(*closed);
+    }
+    StudySession& session = *activeSession_;
+    session.timerDuration = timerDuration;
+    session.endDate = endInstant.wallDate;
+    session.setStatus(status);
+
+    StudySession withChildren = session;
+    withChildren.segments = sessionSegments_;
+    const auto version = kCurrentTrackingCalculationVersion;
+    const auto totals = TrackingCalculationService::calculateSessionTotals(
+        withChildren, endInstant.wallDate, version);
+    TrackingCalculationService::applyTotals(totals, session);
+    queueSession();
+    save(true);
+
+    StudySession finished = std::move(session);
+    finished.segments = std::move(sessionSegments_);
+    activeSession_.reset();
+    sessionSegments_.clear();
+    openPersistedSegment_.reset();
+    openSegmentWritten_ = false;
+    timerAnchor_.reset();
+    pauseAnchor_.reset();
+    timerBaseDuration_ = 0.0;
+    currentPauseDuration_ = 0.0;
+    lookup_.clearSessionOverrides();
+    browserTrackingCoordinator_.setRunningSession(std::nullopt);
+    pendingPostSession_ = std::move(finished);
+    publish(ObservedField::activeSession);
+    publish(ObservedField::pendingPostSession);
+}
+
+}  // namespace lumenote

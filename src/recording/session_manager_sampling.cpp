@@ -1,0 +1,180 @@
+// Sampling: what the manager observes on each tick and how it becomes stretches.
+#include <algorithm>
+
+#include "classification/local_pdf_classification.hpp"
+#include "classification/rule_keys.hpp"
+#include "recording/recording_preferences.hpp"
+#include "recording/session_manager.hpp"
+
+namespace lumenote {
+
+ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
+    ActivityState state;
+    const auto frontmost = frontmostApplication_.frontmostApplication();
+    state.bundleIdentifier = frontmost ? frontmost->bundleIdentifier : std::string();
+    state.applicationName = (frontmost && !frontmost->localizedName.empty())
+                                ? frontmost->localizedName
+                                : std::string(kUnknownApplicationName);
+    browserTrackingCoordinator_.setFrontmostBundleIdentifier(state.bundleIdentifier);
+    state.isInactive = idleSeconds >= preferences_.inactivityThreshold();
+
+    const bool ownApplication = state.bundleIdentifier == ownBundleIdentifier_;
+    const auto browser =
+        ownApplication ? std::nullopt
+                       : browserTrackingCoordinator_.resolution(state.bundleIdentifier, wallNow);
+    if (!browser) {
+        state.classification =
+            lookup_.applicationClassification(state.bundleIdentifier, state.applicationName);
+        return state;
+    }
+
+    state.browserBundleIdentifier = browser->browserBundleIdentifier;
+    state.tabSessionIdentifier = browser->tabSessionIdentifier;
+    if (browser->isPrivate) {
+        // Private activity is never attributed to a site or file.
+        state.activitySource = ActivitySourceType::browserFallback;
+        state.browserFallbackReason = BrowserFallbackReason::privateOrRestricted;
+        state.tabSessionIdentifier.reset();
+        state.classification =
+            lookup_.applicationClassification(state.bundleIdentifier, state.applicationName);
+        return state;
+    }
+    switch (browser->kind) {
+        case BrowserResolution::Kind::website:
+            state.activitySource = ActivitySourceType::website;
+            // The lookup normalises the name itself (normalising is not
+            // idempotent for names ending in two dots), so it gets the raw one.
+            state.hostname = normalizedHostname(browser->hostname.value_or(""));
+            state.classification = lookup_.websiteClassification(browser->hostname.value_or(""),
+                                                                 state.tabSessionIdentifier);
+            break;
+        case BrowserResolution::Kind::localPDF:
+            state.activitySource = ActivitySourceType::localPDF;
+            state.pdfIdentifier = browser->pdfIdentifier;
+            state.pdfDisplayLabel = browser->pdfDisplayLabel;
+            state.pdfLabelSource = browser->pdfLabelSource;
+            state.classification = pdfClassification(*browser, wallNow);
+            break;
+        case BrowserResolution::Kind::fallback:
+            state.activitySource = ActivitySourceType::browserFallback;
+            state.browserFallbackReason =
+                browser->fallbackReason.value_or(BrowserFallbackReason::unknown);
+            state.classification =
+                lookup_.applicationClassification(state.bundleIdentifier, state.applicationName);
+            break;
+    }
+    return state;
+}
+
+ActivityClassification SessionManager::pdfClassification(const BrowserResolution& pdf,
+                                                         Date wallNow) {
+    const LocalPDFPreferences preferences = localPDFPreferences_.value_or(LocalPDFPreferences{});
+    if (!pdf.pdfIdentifier) {
+        return localPDFClassification(nullptr, preferences);
+    }
+    auto known = pdfIdentities_.find(*pdf.pdfIdentifier);
+    if (known == pdfIdentities_.end()) {
+        // First sight of this PDF: its identity is stored with the session.
+        LocalPDFIdentity identity = makeLocalPDFIdentity(
+            NewLocalPDF{*pdf.pdfIdentifier, pdf.browserBundleIdentifier, pdf.pdfDisplayLabel,
+                        pdf.pdfLabelSource, wallNow, activeSession_->id},
+            preferences);
+        pendingChanges_.pdfIdentities.push_back(identity);
+        known = pdfIdentities_.emplace(identity.id, std::move(identity)).first;
+    }
+    return localPDFClassification(&known->second, preferences);
+}
+
+TrackingInstant SessionManager::boundaryFor(const ActivityState& next, TrackingInstant instant,
+                                            double idleSeconds) const {
+    const auto& open = timelineEngine_.openInterval();
+    if (!open || open->state.isInactive == next.isInactive) {
+        return instant;
+    }
+    // Going quiet: the active stretch ended when the idle time reached the
+    // threshold. Input returning: the quiet stretch ended when it returned.
+    const double threshold = preferences_.inactivityThreshold();
+    const double backdate =
+        next.isInactive ? std::max(0.0, idleSeconds - threshold) : std::max(0.0, idleSeconds);
+    const double earliest = open->start.monotonicTime;
+    const double monotonic = std::max(earliest, instant.monotonicTime - backdate);
+    const double shift = instant.monotonicTime - monotonic;
+    return TrackingInstant{instant.wallDate.addingSeconds(-shift), monotonic};
+}
+
+void SessionManager::sampleAndRecord(TrackingInstant instant) {
+    const double idle = idleTimeProvider_.idleSeconds();
+    const ActivityState state = sampleState(idle, instant.wallDate);
+    const TrackingInstant boundary = boundaryFor(state, instant, idle);
+    if (auto closed = timelineEngine_.observe(state, boundary)) {
+        recordClosedInterval(*closed);
+    }
+    mirrorOpenInterval();
+    publishCurrent(state);
+}
+
+ActivitySegment SessionManager::segmentFor(const ActivityState& state, Date start) const {
+    ActivitySegment segment(Uuid::generate(), start, start, 0.0, state.applicationName,
+                            state.bundleIdentifier, state.classification, state.isInactive);
+    segment.setActivitySource(state.activitySource);
+    segment.browserBundleIdentifier = state.browserBundleIdentifier;
+    segment.hostname = state.hostname;
+    segment.tabSessionIdentifier = state.tabSessionIdentifier;
+    segment.pdfIdentifier = state.pdfIdentifier;
+    segment.setPdfDisplayLabel(state.pdfDisplayLabel);
+    segment.setPdfLabelSource(state.pdfLabelSource);
+    segment.setBrowserFallbackReason(state.browserFallbackReason);
+    segment.session = activeSession_->id;
+    return segment;
+}
+
+// Every close resets the mirror, so a missing mirror means the engine's open
+// stretch is new.
+void SessionManager::mirrorOpenInterval() {
+    const auto& open = timelineEngine_.openInterval();
+    if (!open) {
+        openPersistedSegment_.reset();
+        openSegmentWritten_ = false;
+    } else if (!openPersistedSegment_) {
+        openPersistedSegment_ = segmentFor(open->state, open->start.wallDate);
+        openSegmentWritten_ = false;
+    }
+}
+
+void SessionManager::recordClosedInterval(const FinalizedActivityInterval& interval) {
+    ActivitySegment segment = openPersistedSegment_
+                                  ? *openPersistedSegment_
+                                  : segmentFor(interval.state, interval.startDate);
+    const bool written = openSegmentWritten_;
+    openPersistedSegment_.reset();
+    openSegmentWritten_ = false;
+    if (interval.duration <= 0.0 && !written) {
+        return;
+    }
+    segment.endDate = interval.endDate;
+    segment.duration = interval.duration;
+    sessionSegments_.push_back(segment);
+    pendingChanges_.segments.push_back(std::move(segment));
+    activeSession_->timerDuration = timerValueAt(monotonicTimeProvider_.now());
+    queueSession();
+    save();
+}
+
+void SessionManager::publishCurrent(const ActivityState& state) {
+    // A website or PDF is shown by its hostname or label, anything else by
+    // the application's name.
+    std::string name = state.hostname          ? *state.hostname
+                       : state.pdfDisplayLabel ? *state.pdfDisplayLabel
+                                               : state.applicationName;
+    if (name == currentApplicationName_ && state.bundleIdentifier == currentBundleIdentifier_ &&
+        state.classification == currentClassification_ && state.isInactive == currentIsInactive_) {
+        return;
+    }
+    currentApplicationName_ = std::move(name);
+    currentBundleIdentifier_ = state.bundleIdentifier;
+    currentClassification_ = state.classification;
+    currentIsInactive_ = state.isInactive;
+    publish(ObservedField::currentActivity);
+}
+
+}  // namespace lumenote

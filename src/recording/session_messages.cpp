@@ -1,0 +1,55 @@
+#include "recording/session_messages.hpp"
+
+#include <fmt/format.h>
+
+namespace lumenote {
+
+std::string sessionFailureMessage(SessionFailure failure, std::string_view detail) {
+    switch (failure) {
+        case SessionFailure::sessionAlreadyActive:
+            return "A study session is already active.";
+        case SessionFailure::subjectMissing:
+            return "Add a subject.";
+        case SessionFailure::invalidDuration:
+            return "Choose a valid duration.";
+        case SessionFailure::activityNotSaved:
+            return fmt::format("Study activity could not be saved: {}", detail);
+        case SessionFailure::totalsNotRecalculated:
+            return "Study session totals could not be recalculated.";
+        case SessionFailure::subjectEmpty:
+            return "Subject cannot be empty.";
+        case SessionFailure::subjectTooLong:
+            return fmt::format("Subject must be {} characters or fewer.", detail);
+        // Goal and notes over their limits are refused, never cut: a cut
+        // would silently lose what the user wrote.
+        case SessionFailure::goalTooLong:
+            return fmt::format("Goal must be {} characters or fewer.", detail);
+        case SessionFailure::notesTooLong:
+            return fmt::format("Notes must be {} characters or fewer.", detail);
+        case SessionFailure::deleteWhileActive:
+            return "End the active session before deleting session history.";
+        case SessionFailure::deleteFailed:
+            return fmt::format("Lumenote could not delete the selected session(s): {}", detail);
+        case SessionFailure::undoDeleteFailed:
+            return fmt::format("Lumenote could not restore the deleted session(s): {}", detail);
+        case SessionFailure::deleteAllWhileActive:
+            return "End the active session before deleting all sessions.";
+        case SessionFailure::deleteAllFailed:
+            return fmt::format("Lumenote could not delete all sessions: {}", detail);
+        case SessionFailure::resetWhileActive:
+            return "End the active session before resetting Lumenote.";
+        case SessionFailure::resetFailed:
+            return fmt::format("Could not reset Lumenote data: {}", detail);
+        case SessionFailure::sessionNotFound:
+            return "This session is no longer available.";
+        case SessionFailure::noActiveSession:
+            return "No study session is active.";
+        case SessionFailure::sessionNotRunning:
+            return "The study session is not running.";
+        case SessionFailure::sessionNotPaused:
+            return "The study session is not paused.";
+    }
+    return {};
+}
+
+}  // namespace lumenote

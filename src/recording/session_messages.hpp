@@ -1,0 +1,40 @@
+// The recorder's user-facing failures: one case each, one fixed sentence each.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace lumenote {
+
+enum class SessionFailure {
+    sessionAlreadyActive,
+    subjectMissing,
+    invalidDuration,
+    activityNotSaved,  // {error}
+    totalsNotRecalculated,
+    subjectEmpty,
+    subjectTooLong,  // the limit
+    goalTooLong,     // the limit
+    notesTooLong,    // the limit
+    deleteWhileActive,
+    deleteFailed,      // {error}
+    undoDeleteFailed,  // {error}
+    deleteAllWhileActive,
+    deleteAllFailed,  // {error}
+    resetWhileActive,
+    resetFailed,  // {error}
+    sessionNotFound,
+    noActiveSession,
+    sessionNotRunning,
+    sessionNotPaused,
+};
+
+// The sentence shown for `failure`; `detail` fills its {error} or limit.
+std::string sessionFailureMessage(SessionFailure failure, std::string_view detail = {});
+
+// Limits of the texts of a finished session, in characters (Unicode scalar values).
+inline constexpr std::size_t kSubjectCharacterLimit = 200;
+inline constexpr std::size_t kGoalCharacterLimit = 500;
+inline constexpr std::size_t kNotesCharacterLimit = 5000;
+
+}  // namespace lumenote

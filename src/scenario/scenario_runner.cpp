@@ -1,0 +1,430 @@
+#include "scenario/scenario_runner.hpp"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <map>
+#include <optional>
+
+#include "foundation/numeric.hpp"
+#include "platform/fake/fake_platform.hpp"
+#include "recording/session_json.hpp"
+#include "recording/session_manager.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preference_catalog.hpp"
+#include "settings/preferences_store.hpp"
+#include "settings/recording_preferences_adapter.hpp"
+#include "store/sqlite_recording_store.hpp"
+#include "store/store_files.hpp"
+
+namespace lumenote::scenario {
+
+namespace {
+
+using nlohmann::json;
+
+// The message a save reports while saves are made to fail.
+constexpr const char* kInjectedSaveFailure = "disk I/O error (injected)";
+
+std::optional<ActivityClassification> classificationArgument(const json& step, const char* key) {
+    const auto found = step.find(key);
+    if (found == step.end() || !found->is_string()) {
+        return std::nullopt;
+    }
+    return fromRawValue<ActivityClassification>(found->get<std::string>());
+}
+
+std::string stringArgument(const json& step, const char* key, std::string fallback = {}) {
+    const auto found = step.find(key);
+    return (found != step.end() && found->is_string()) ? found->get<std::string>() : fallback;
+}
+
+// Compares an expected JSON value with an actual one: numbers within a
+// millisecond, null meaning "absent", objects field by field (only the
+// expected fields), arrays element by element.
+bool matches(const json& expected, const json* actual, std::string& why, const std::string& path) {
+    if (expected.is_null()) {
+        if (actual != nullptr && !actual->is_null()) {
+            why = fmt::format("{}: expected absent, found {}", path, actual->dump());
+            return false;
+        }
+        return true;
+    }
+    if (actual == nullptr) {
+        why = fmt::format("{}: expected {}, found nothing", path, expected.dump());
+        return false;
+    }
+    if (expected.is_number() && actual->is_number()) {
+        if (std::fabs(expected.get<double>() - actual->get<double>()) > 0.001) {
+            why = fmt::format("{}: expected {}, found {}", path, expected.dump(), actual->dump());
+            return false;
+        }
+        return true;
+    }
+    if (expected.is_object() && actual->is_object()) {
+        for (const auto& [key, value] : expected.items()) {
+            const auto found = actual->find(key);
+            if (!matches(value, found == actual->end() ? nullptr : &*found, why,
+                         path + "." + key)) {
+                return false;
+            }
+        }
+        return true;
+    }
+    if (expected.is_array() && actual->is_array()) {
+        if (expected.size() != actual->size()) {
+            why = fmt::format("{}: expected {} entries, found {}", path, expected.size(),
+                              actual->size());
+            return false;
+        }
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            if (!matches(expected[i], &(*actual)[i], why, fmt::format("{}[{}]", path, i))) {
+                return false;
+            }
+        }
+        return true;
+    }
+    if (expected != *actual) {
+        why = fmt::format("{}: expected {}, found {}", path, expected.dump(), actual->dump());
+        return false;
+    }
+    return true;
+}
+
+// The simulated machine: the fakes, the store, the preferences and the manager.
+class ScenarioMachine {
+  public:
+    ScenarioMachine(const UserPaths& paths, Date wallStart, std::unique_ptr<RecordingStore> store)
+        : clock_(wallStart),
+          idle_(clock_),
+          store_(std::move(store)),
+          domain_(JsonFileDefaultsDomain::pathFor(paths), [this] { return clock_.wallNow(); }),
+          preferences_(domain_),
+          recordingPreferences_(preferences_) {
+        launch();
+    }
+
+    void advanceTo(double scriptSeconds) {
+        while (elapsed_ + 1.0 <= scriptSeconds + 1e-9) {
+            clock_.advance(1.0);
+            elapsed_ += 1.0;
+            manager_->tick();
+        }
+        if (scriptSeconds > elapsed_) {
+            clock_.advance(scriptSeconds - elapsed_);
+            elapsed_ = scriptSeconds;
+        }
+    }
+
+    Result<void, std::string> perform(const ScriptStep& step, ScenarioOutcome& outcome);
+
+    json storedSessions() {
+        json sessions = json::array();
+        auto listed =
+            store_->listSessions(SessionQuery{.newestFirst = false, .includeChildren = true});
+        if (listed.ok()) {
+            for (const auto& session : *listed) {
+                sessions.push_back(sessionJson(session, true));
+            }
+        }
+        return sessions;
+    }
+
+  private:
+    void launch() {
+        manager_ = std::make_unique<SessionManager>(
+            SessionManagerDependencies{*store_, recordingPreferences_, idle_, clock_.monotonic(),
+                                       clock_.wall(), frontmost_, notifications_, browser_});
+        manager_->startUp();
+        manager_->clearLastError();
+    }
+
+    Result<void, std::string> start(const json& step);
+    Result<void, std::string> setPreference(const json& step);
+    Result<void, std::string> expectSession(const ScriptStep& step, ScenarioOutcome& outcome);
+    std::optional<Uuid> sessionAt(const json& step, const char* key = "session");
+
+    fake::FakeClock clock_;
+    fake::FakeIdle idle_;
+    fake::FakeFrontmost frontmost_;
+    fake::FakeNotifications notifications_;
+    fake::FakeBrowser browser_;
+    std::unique_ptr<RecordingStore> store_;
+    JsonFileDefaultsDomain domain_;
+    PreferencesStore preferences_;
+    PreferencesForRecording recordingPreferences_;
+    std::unique_ptr<SessionManager> manager_;
+    double elapsed_ = 0.0;
+    json snapshot_ = json::array();
+};
+
+std::optional<Uuid> ScenarioMachine::sessionAt(const json& step, const char* key) {
+    const auto found = step.find(key);
+    if (found == step.end() || !found->is_number_integer()) {
+        return std::nullopt;
+    }
+    auto listed = store_->listSessions(SessionQuery{.newestFirst = false});
+    const auto index = found->get<long long>();
+    if (!listed.ok() || index < 0 || static_cast<std::size_t>(index) >= listed->size()) {
+        return std::nullopt;
+    }
+    return (*listed)[static_cast<std::size_t>(index)].id;
+}
+
+Result<void, std::string> ScenarioMachine::start(const json& step) {
+    SessionStartRequest request;
+    request.subject = stringArgument(step, "subject");
+    request.goal = stringArgument(step, "goal");
+    if (const auto duration = step.find("duration");
+        duration != step.end() && duration->is_number()) {
+        request.plannedDuration = duration->get<double>();
+    } else {
+        request.plannedDuration = preferences_.defaultDuration();
+    }
+    const std::string timing = stringArgument(step, "timing", "timer");
+    const auto timingMode = fromRawValue<SessionTimingMode>(timing);
+    const auto studyMode =
+        fromRawValue<StudySessionMode>(stringArgument(step, "mode", "computerBased"));
+    if (!timingMode || !studyMode) {
+        return fail(std::string("unknown timing or study mode"));
+    }
+    request.timingMode = *timingMode;
+    request.studyMode = *studyMode;
+    if (const auto templateText = stringArgument(step, "template"); !templateText.empty()) {
+        request.templateID = Uuid::parse(templateText);
+    }
+    // A refused start is part of what scenarios check (through expectError).
+    (void)manager_->start(request);
+    return {};
+}
+
+// Assigns through the preferences store, so clamps apply as in the application.
+Result<void, std::string> ScenarioMachine::setPreference(const json& step) {
+    const PreferenceKeyInfo* info = findPreferenceKey(stringArgument(step, "key"));
+    const auto value = step.find("value");
+    if (info == nullptr || value == step.end()) {
+        return fail(std::string("setPreference needs a known key and a value"));
+    }
+    PreferenceValue converted;
+    if (value->is_boolean()) {
+        converted = value->get<bool>();
+    } else if (value->is_number_integer() && info->kind != PreferenceValueKind::seconds) {
+        converted = value->get<long long>();
+    } else if (value->is_number()) {
+        converted = value->get<double>();
+    } else if (value->is_string()) {
+        converted = value->get<std::string>();
+    }
+    if (!assignPreference(preferences_, *info, converted).ok()) {
+        return fail(std::string("the value does not suit the key"));
+    }
+    return {};
+}
+
+Result<void, std::string> ScenarioMachine::expectSession(const ScriptStep& step,
+                                                         ScenarioOutcome& outcome) {
+    const json sessions = storedSessions();
+    const auto index = step.arguments.value("session", -1);
+    if (index < 0 || static_cast<std::size_t>(index) >= sessions.size()) {
+        outcome.failedExpectations.push_back(fmt::format(
+            "line {}: no stored session {} ({} stored)", step.lineNumber, index, sessions.size()));
+        return {};
+    }
+    json expected = step.arguments;
+    for (const char* key : {"at", "do", "session"}) {
+        expected.erase(key);
+    }
+    const json& actual = sessions[static_cast<std::size_t>(index)];
+    if (const auto count = expected.find("segmentCount"); count != expected.end()) {
+        if (actual["segments"].size() != count->get<std::size_t>()) {
+            outcome.failedExpectations.push_back(
+                fmt::format("line {}: expected {} segments, found {}", step.lineNumber,
+                            count->dump(), actual["segments"].size()));
+        }
+        expected.erase("segmentCount");
+    }
+    std::string why;
+    if (!matches(expected, &actual, why, fmt::format("session[{}]", index))) {
+        outcome.failedExpectations.push_back(fmt::format("line {}: {}", step.lineNumber, why));
+    }
+    return {};
+}
+
+Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
+                                                   ScenarioOutcome& outcome) {
+    const json& args = step.arguments;
+    const std::string& action = step.action;
+    if (action == "start") {
+        return start(args);
+    }
+    if (action == "frontmost") {
+        frontmost_.current =
+            FrontmostApplication{stringArgument(args, "name"), stringArgument(args, "bundle")};
+        manager_->applicationActivated();
+        return {};
+    }
+    if (action == "noInput") {
+        idle_.stopInput();
+        return {};
+    }
+    if (action == "input") {
+        idle_.resumeInput();
+        manager_->applicationActivated();
+        return {};
+    }
+    if (action == "pause") {
+        (void)manager_->pause();
+        return {};
+    }
+    if (action == "resume") {
+        (void)manager_->resume();
+        return {};
+    }
+    if (action == "end") {
+        (void)manager_->end();
+        return {};
+    }
+    if (action == "wallClockJump") {
+        clock_.jumpWallClock(args.value("seconds", 0.0));
+        return {};
+    }
+    if (action == "wallClock") {
+        const auto date = parseIso8601(stringArgument(args, "iso"));
+        if (!date) {
+            return fail(std::string("\"iso\" must be an ISO 8601 date"));
+        }
+        clock_.setWallClock(*date);
+        return {};
+    }
+    if (action == "setPreference") {
+        return setPreference(args);
+    }
+    if (action == "classifyApp" || action == "classifyWebsite" || action == "overrideApp" ||
+        action == "overrideTab") {
+        const auto classification = classificationArgument(args, "classification");
+        if (!classification) {
+            return fail(std::string("unknown classification"));
+        }
+        if (action == "classifyApp") {
+            manager_->saveApplicationClassification(stringArgument(args, "bundle"),
+                                                    stringArgument(args, "name"), *classification);
+        } else if (action == "classifyWebsite") {
+            manager_->saveWebsiteClassification(stringArgument(args, "hostname"), *classification);
+        } else if (action == "overrideApp") {
+            manager_->setSessionApplicationOverride(stringArgument(args, "bundle"),
+                                                    *classification);
+        } else {
+            const auto tab = Uuid::parse(stringArgument(args, "tab"));
+            if (!tab) {
+                return fail(std::string("\"tab\" must be a UUID"));
+            }
+            manager_->setTabOverride(*tab, *classification);
+        }
+        return {};
+    }
+    if (action == "browser") {
+        // The frontmost browser now shows a website (or nothing, without "hostname").
+        BrowserResolution resolution;
+        resolution.browserBundleIdentifier = stringArgument(args, "bundle");
+        const std::string hostname = stringArgument(args, "hostname");
+        if (!hostname.empty()) {
+            resolution.kind = BrowserResolution::Kind::website;
+            resolution.hostname = hostname;
+        } else {
+            resolution.fallbackReason = BrowserFallbackReason::awaitingFreshEvent;
+        }
+        resolution.tabSessionIdentifier = Uuid::parse(stringArgument(args, "tab"));
+        browser_.resolutions[resolution.browserBundleIdentifier] = resolution;
+        manager_->applicationActivated();
+        return {};
+    }
+    if (action == "deleteSessions" || action == "undoDelete" || action == "deleteAll") {
+        if (action == "undoDelete") {
+            (void)manager_->undoSessionDeletion();
+        } else if (action == "deleteAll") {
+            (void)manager_->deleteAllSessions();
+        } else {
+            std::vector<Uuid> ids;
+            for (const auto& index : args.value("sessions", json::array())) {
+                if (auto id = sessionAt(json{{"session", index}})) {
+                    ids.push_back(*id);
+                }
+            }
+            (void)manager_->deleteSessions(ids);
+        }
+        return {};
+    }
+    if (action == "failSaves") {
+        if (args.value("enabled", true)) {
+            manager_->persistenceSaveOperation = [](const StoreChangeSet&) {
+                return Result<void, StoreError>(fail(StoreError{kInjectedSaveFailure}));
+            };
+        } else {
+            manager_->persistenceSaveOperation = [this](const StoreChangeSet& changes) {
+                return store_->apply(changes);
+            };
+        }
+        return {};
+    }
+    if (action == "expect") {
+        return expectSession(step, outcome);
+    }
+    if (action == "expectError") {
+        const auto expected = args.find("message");
+        const auto& actual = manager_->lastError();
+        const bool wantsNone = expected == args.end() || expected->is_null();
+        if (wantsNone ? actual.has_value() : (!actual || *actual != expected->get<std::string>())) {
+            outcome.failedExpectations.push_back(fmt::format(
+                "line {}: expected error {}, found {}", step.lineNumber,
+                wantsNone ? "none" : expected->dump(), actual ? json(*actual).dump() : "none"));
+        }
+        manager_->clearLastError();
+        return {};
+    }
+    if (action == "snapshot") {
+        snapshot_ = storedSessions();
+        return {};
+    }
+    if (action == "expectSnapshot") {
+        // The stored history equals the last snapshot exactly: identifiers,
+        // fields, segments and confirmations.
+        std::string why;
+        const json current = storedSessions();
+        if (!matches(snapshot_, &current, why, "sessions")) {
+            outcome.failedExpectations.push_back(fmt::format("line {}: {}", step.lineNumber, why));
+        }
+        return {};
+    }
+    if (action == "expectStoredSessions") {
+        const auto count = args.value("count", std::size_t{0});
+        const auto stored = storedSessions().size();
+        if (stored != count) {
+            outcome.failedExpectations.push_back(fmt::format(
+                "line {}: expected {} stored sessions, found {}", step.lineNumber, count, stored));
+        }
+        return {};
+    }
+    return fail(fmt::format("unknown action \"{}\"", action));
+}
+
+}  // namespace
+
+Result<ScenarioOutcome, std::string> runScenario(const std::vector<ScriptStep>& steps,
+                                                 const UserPaths& paths, Date wallStart) {
+    auto store = SqliteRecordingStore::open(storePath(paths));
+    if (!store.ok()) {
+        return fail(storageOpenFailureMessage(store.error()));
+    }
+    ScenarioMachine machine(paths, wallStart, std::move(store).value());
+    ScenarioOutcome outcome;
+    for (const ScriptStep& step : steps) {
+        machine.advanceTo(step.at);
+        if (auto done = machine.perform(step, outcome); !done.ok()) {
+            return fail(fmt::format("line {}: {}", step.lineNumber, done.error()));
+        }
+    }
+    outcome.sessions = machine.storedSessions();
+    return outcome;
+}
+
+}  // namespace lumenote::scenario

@@ -1,0 +1,13 @@
+#include "settings/recording_preferences_adapter.hpp"
+
+namespace lumenote {
+
+std::optional<double> PreferencesForRecording::longSleepThreshold() const {
+    const LongSleepPreference preference = store_.longSleep();
+    if (preference == LongSleepPreference::never) {
+        return std::nullopt;
+    }
+    return static_cast<double>(longSleepSeconds(preference));
+}
+
+}  // namespace lumenote

@@ -1,0 +1,26 @@
+// The preferences store seen as the settings the recorder reads.
+#pragma once
+
+#include "recording/recording_preferences.hpp"
+#include "settings/preferences_store.hpp"
+
+namespace lumenote {
+
+class PreferencesForRecording final : public RecordingPreferences {
+  public:
+    explicit PreferencesForRecording(PreferencesStore& store) : store_(store) {}
+
+    double inactivityThreshold() const override { return store_.inactivityThreshold(); }
+    double passiveStudyPromptThreshold() const override {
+        return store_.passiveStudyPromptThreshold();
+    }
+    std::optional<double> longSleepThreshold() const override;
+    long long derivedRevision() const override { return store_.derivedRevision(); }
+    void setDerivedRevision(long long revision) override { store_.setDerivedRevision(revision); }
+    void resetApplicationPreferences() override { store_.resetToDefaults(); }
+
+  private:
+    PreferencesStore& store_;
+};
+
+}  // namespace lumenote
