@@ -1,0 +1,483 @@
+#include "store/sqlite_recording_store.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "foundation/private_file.hpp"
+#include "store/store_rows.hpp"
+#include "store/store_schema.hpp"
+
+namespace lumenote {
+
+namespace {
+
+constexpr int kBusyTimeoutMilliseconds = 5000;
+
+// Creates the database file owner-only before SQLite opens it: SQLite gives
+// its WAL and shared-memory files the mode of the database file.
+Result<void, StoreError> ensurePrivateFile(const std::filesystem::path& path) {
+    if (auto folder = private_file::ensureFolder(path.parent_path()); !folder) {
+        return fail(StoreError{"the folder " + path.parent_path().string() +
+                               " could not be created or made private"});
+    }
+    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (descriptor < 0) {
+        return fail(StoreError{path.string() + ": " + std::strerror(errno)});
+    }
+    const bool narrowed = ::fchmod(descriptor, 0600) == 0;
+    const int error = errno;
+    ::close(descriptor);
+    if (!narrowed) {
+        return fail(StoreError{path.string() + ": " + std::strerror(error)});
+    }
+    return {};
+}
+
+// Restores synchronous=NORMAL after a durable commit, whatever its outcome.
+class DurableCommit {
+  public:
+    explicit DurableCommit(SqliteConnection& connection) : connection_(connection) {}
+    ~DurableCommit() {
+        if (active_) {
+            (void)connection_.execute("PRAGMA synchronous = NORMAL");
+        }
+    }
+    DurableCommit(const DurableCommit&) = delete;
+    DurableCommit& operator=(const DurableCommit&) = delete;
+
+    Result<void, StoreError> begin() {
+        auto set = connection_.execute("PRAGMA synchronous = FULL");
+        active_ = set.ok();
+        return set;
+    }
+
+  private:
+    SqliteConnection& connection_;
+    bool active_ = false;
+};
+
+std::optional<StoreError> missingOwner(const StoreChangeSet& changes) {
+    for (const ActivitySegment& segment : changes.segments) {
+        if (!segment.session) {
+            return StoreError{"activity segment " + segment.id.upperString() + " names no session"};
+        }
+    }
+    for (const ConfirmedNoInputInterval& interval : changes.confirmedIntervals) {
+        if (!interval.session) {
+            return StoreError{"confirmed interval " + interval.id.upperString() +
+                              " names no session"};
+        }
+    }
+    return std::nullopt;
+}
+
+template <typename Record>
+Result<void, StoreError> upsertAll(SqliteConnection& connection, const TableLayout& layout,
+                                   const std::vector<Record>& records) {
+    if (records.empty()) {
+        return {};
+    }
+    auto statement = connection.cached(layout.upsert);
+    if (!statement) {
+        return fail(statement.error());
+    }
+    for (const Record& record : records) {
+        bindRow(**statement, record);
+        if (auto written = (*statement)->run(); !written) {
+            return written;
+        }
+        (*statement)->reset();
+    }
+    return {};
+}
+
+Result<void, StoreError> upsertOne(SqliteConnection& connection, const TableLayout& layout,
+                                   const auto& record) {
+    auto statement = connection.cached(layout.upsert);
+    if (!statement) {
+        return fail(statement.error());
+    }
+    bindRow(**statement, record);
+    return (*statement)->run();
+}
+
+// Steps `statement` to its end, reading each row with `read`.
+template <typename Read>
+auto collect(StatementLoan& statement, Read read)
+    -> Result<std::vector<decltype(read(*statement))>, StoreError> {
+    std::vector<decltype(read(*statement))> records;
+    while (true) {
+        auto row = statement->step();
+        if (!row) {
+            return fail(row.error());
+        }
+        if (!*row) {
+            return records;
+        }
+        records.push_back(read(*statement));
+    }
+}
+
+template <typename Read>
+auto queryAll(SqliteConnection& connection, const std::string& sql, Read read)
+    -> Result<std::vector<decltype(read(std::declval<const SqliteStatement&>()))>, StoreError> {
+    auto statement = connection.cached(sql);
+    if (!statement) {
+        return fail(statement.error());
+    }
+    return collect(*statement, read);
+}
+
+}  // namespace
+
+Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::open(
+    const std::filesystem::path& path) {
+    if (auto file = ensurePrivateFile(path); !file) {
+        return fail(file.error());
+    }
+    auto connection = SqliteConnection::open(path.string());
+    if (!connection) {
+        return fail(connection.error());
+    }
+    return prepare(std::move(*connection));
+}
+
+Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::openInMemory() {
+    auto connection = SqliteConnection::open(":memory:");
+    if (!connection) {
+        return fail(connection.error());
+    }
+    return prepare(std::move(*connection));
+}
+
+Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::prepare(
+    std::unique_ptr<SqliteConnection> connection) {
+    connection->setBusyTimeout(kBusyTimeoutMilliseconds);
+    // journal_mode is stored in the file (an in-memory database keeps its own
+    // mode); the other two are settings of this connection.
+    if (auto configured = connection->execute(
+            "PRAGMA foreign_keys = ON; PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL");
+        !configured) {
+        return fail(configured.error());
+    }
+    if (auto migrated = migrate(*connection, storeMigrations()); !migrated) {
+        return fail(migrated.error());
+    }
+    return std::unique_ptr<SqliteRecordingStore>(new SqliteRecordingStore(std::move(connection)));
+}
+
+Result<void, StoreError> SqliteRecordingStore::execute(const std::string& sql) {
+    auto statement = connection_->cached(sql);
+    if (!statement) {
+        return fail(statement.error());
+    }
+    return (*statement)->run();
+}
+
+Result<void, StoreError> SqliteRecordingStore::apply(const StoreChangeSet& changes) {
+    if (auto missing = missingOwner(changes)) {
+        return fail(std::move(*missing));
+    }
+    if (changes.empty()) {
+        return {};
+    }
+    DurableCommit durable(*connection_);
+    if (changes.durable) {
+        if (auto set = durable.begin(); !set) {
+            return set;
+        }
+    }
+    return applyInTransaction(changes);
+}
+
+Result<void, StoreError> SqliteRecordingStore::applyInTransaction(const StoreChangeSet& changes) {
+    auto transaction = SqliteTransaction::beginImmediate(*connection_);
+    if (!transaction) {
+        return fail(transaction.error());
+    }
+    if (auto written = upsertAll(*connection_, sessionLayout(), changes.sessions); !written) {
+        return written;
+    }
+    if (auto written = upsertAll(*connection_, segmentLayout(), changes.segments); !written) {
+        return written;
+    }
+    if (auto written =
+            upsertAll(*connection_, confirmedIntervalLayout(), changes.confirmedIntervals);
+        !written) {
+        return written;
+    }
+    if (auto written = upsertAll(*connection_, pdfIdentityLayout(), changes.pdfIdentities);
+        !written) {
+        return written;
+    }
+    if (!changes.deletedSessions.empty()) {
+        auto statement = connection_->cached("DELETE FROM sessions WHERE id = ?1");
+        if (!statement) {
+            return fail(statement.error());
+        }
+        for (const Uuid& id : changes.deletedSessions) {
+            (*statement)->bind(1, id);
+            if (auto deleted = (*statement)->run(); !deleted) {
+                return deleted;
+            }
+            (*statement)->reset();
+        }
+    }
+    return transaction->commit();
+}
+
+Result<void, StoreError> SqliteRecordingStore::loadChildren(StudySession& session) {
+    {
+        auto statement = connection_->cached(
+            selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate, id"));
+        if (!statement) {
+            return fail(statement.error());
+        }
+        (*statement)->bind(1, session.id);
+        auto segments = collect(*statement, readSegment);
+        if (!segments) {
+            return fail(segments.error());
+        }
+        session.segments = std::move(*segments);
+    }
+    {
+        auto statement = connection_->cached(selectSql(
+            confirmedIntervalLayout(), "WHERE session = ?1 ORDER BY startDate, createdAt, id"));
+        if (!statement) {
+            return fail(statement.error());
+        }
+        (*statement)->bind(1, session.id);
+        auto intervals = collect(*statement, readConfirmedInterval);
+        if (!intervals) {
+            return fail(intervals.error());
+        }
+        session.confirmedNoInputIntervals = std::move(*intervals);
+    }
+    auto statement = connection_->cached(
+        "SELECT id FROM pdf_identities WHERE session = ?1 ORDER BY createdAt, id");
+    if (!statement) {
+        return fail(statement.error());
+    }
+    (*statement)->bind(1, session.id);
+    auto identities = collect(*statement, [](const SqliteStatement& row) { return row.uuidAt(0); });
+    if (!identities) {
+        return fail(identities.error());
+    }
+    session.localPDFIdentities = std::move(*identities);
+    return {};
+}
+
+Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::readSessions(
+    StatementLoan& statement, bool includeChildren) {
+    auto sessions = collect(statement, readSession);
+    if (!sessions || !includeChildren) {
+        return sessions;
+    }
+    for (StudySession& session : *sessions) {
+        if (auto loaded = loadChildren(session); !loaded) {
+            return fail(loaded.error());
+        }
+    }
+    return sessions;
+}
+
+Result<std::optional<StudySession>, StoreError> SqliteRecordingStore::loadSession(const Uuid& id) {
+    auto statement = connection_->cached(selectSql(sessionLayout(), "WHERE id = ?1"));
+    if (!statement) {
+        return fail(statement.error());
+    }
+    (*statement)->bind(1, id);
+    auto sessions = readSessions(*statement, true);
+    if (!sessions) {
+        return fail(sessions.error());
+    }
+    if (sessions->empty()) {
+        return std::optional<StudySession>();
+    }
+    return std::optional<StudySession>(std::move(sessions->front()));
+}
+
+Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::listSessions(
+    const SessionQuery& query) {
+    // The text varies only with the query's shape, so each shape is prepared
+    // once; the bounds are always parameters.
+    std::string tail = "WHERE 1";
+    if (query.startingAtOrAfter) {
+        tail += " AND startDate >= ?1";
+    }
+    if (query.startingBefore) {
+        tail += " AND startDate < ?2";
+    }
+    tail += query.newestFirst ? " ORDER BY startDate DESC, id DESC" : " ORDER BY startDate, id";
+    tail += " LIMIT ?3 OFFSET ?4";
+    auto statement = connection_->cached(selectSql(sessionLayout(), tail));
+    if (!statement) {
+        return fail(statement.error());
+    }
+    if (query.startingAtOrAfter) {
+        (*statement)->bind(1, *query.startingAtOrAfter);
+    }
+    if (query.startingBefore) {
+        (*statement)->bind(2, *query.startingBefore);
+    }
+    // A negative limit is SQLite's "no limit".
+    (*statement)->bind(3, query.limit ? static_cast<long long>(*query.limit) : -1LL);
+    (*statement)->bind(4, static_cast<long long>(query.offset));
+    return readSessions(*statement, query.includeChildren);
+}
+
+Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::liveSessions() {
+    auto statement = connection_->cached(selectSql(
+        sessionLayout(), "WHERE statusRawValue IN ('running', 'paused') ORDER BY startDate, id"));
+    if (!statement) {
+        return fail(statement.error());
+    }
+    return readSessions(*statement, true);
+}
+
+Result<std::size_t, StoreError> SqliteRecordingStore::sessionCount() {
+    auto count = connection_->queryInteger("SELECT count(*) FROM sessions");
+    if (!count) {
+        return fail(count.error());
+    }
+    return static_cast<std::size_t>(*count);
+}
+
+Result<void, StoreError> SqliteRecordingStore::deleteAllSessions() {
+    return execute("DELETE FROM sessions");
+}
+
+Result<std::vector<AppClassification>, StoreError> SqliteRecordingStore::appClassifications() {
+    return queryAll(*connection_, selectSql(appClassificationLayout(), "ORDER BY bundleIdentifier"),
+                    readAppClassification);
+}
+
+Result<void, StoreError> SqliteRecordingStore::saveAppClassification(
+    const AppClassification& rule) {
+    return upsertOne(*connection_, appClassificationLayout(), rule);
+}
+
+Result<void, StoreError> SqliteRecordingStore::deleteAllAppClassifications() {
+    return execute("DELETE FROM app_classifications");
+}
+
+Result<std::vector<WebsiteClassification>, StoreError>
+SqliteRecordingStore::websiteClassifications() {
+    return queryAll(*connection_, selectSql(websiteClassificationLayout(), "ORDER BY hostname"),
+                    readWebsiteClassification);
+}
+
+Result<void, StoreError> SqliteRecordingStore::saveWebsiteClassification(
+    const WebsiteClassification& rule) {
+    return upsertOne(*connection_, websiteClassificationLayout(), rule);
+}
+
+Result<void, StoreError> SqliteRecordingStore::deleteAllWebsiteClassifications() {
+    return execute("DELETE FROM website_classifications");
+}
+
+Result<std::vector<LocalPDFIdentity>, StoreError> SqliteRecordingStore::pdfIdentities(
+    const std::optional<Uuid>& session) {
+    if (!session) {
+        return queryAll(*connection_, selectSql(pdfIdentityLayout(), "ORDER BY createdAt, id"),
+                        readPdfIdentity);
+    }
+    auto statement = connection_->cached(
+        selectSql(pdfIdentityLayout(), "WHERE session = ?1 ORDER BY createdAt, id"));
+    if (!statement) {
+        return fail(statement.error());
+    }
+    (*statement)->bind(1, *session);
+    return collect(*statement, readPdfIdentity);
+}
+
+Result<void, StoreError> SqliteRecordingStore::savePdfIdentity(const LocalPDFIdentity& identity) {
+    return upsertOne(*connection_, pdfIdentityLayout(), identity);
+}
+
+Result<std::size_t, StoreError> SqliteRecordingStore::clearFilenameDerivedPdfLabels() {
+    const std::string_view filename = rawValue(BrowserPDFLabelSource::filename);
+    auto transaction = SqliteTransaction::beginImmediate(*connection_);
+    if (!transaction) {
+        return fail(transaction.error());
+    }
+    long long identitiesChanged = 0;
+    {
+        auto statement = connection_->cached(
+            "UPDATE pdf_identities SET displayLabelStorage = NULL, labelSourceRawValue = NULL "
+            "WHERE labelSourceRawValue = ?1");
+        if (!statement) {
+            return fail(statement.error());
+        }
+        (*statement)->bind(1, filename);
+        if (auto cleared = (*statement)->run(); !cleared) {
+            return fail(cleared.error());
+        }
+        identitiesChanged = connection_->changes();
+    }
+    auto statement = connection_->cached(
+        "UPDATE segments SET pdfDisplayLabelStorage = NULL, pdfLabelSourceRawValue = NULL "
+        "WHERE pdfLabelSourceRawValue = ?1");
+    if (!statement) {
+        return fail(statement.error());
+    }
+    (*statement)->bind(1, filename);
+    if (auto cleared = (*statement)->run(); !cleared) {
+        return fail(cleared.error());
+    }
+    if (auto committed = transaction->commit(); !committed) {
+        return fail(committed.error());
+    }
+    return static_cast<std::size_t>(identitiesChanged);
+}
+
+Result<void, StoreError> SqliteRecordingStore::deleteAllPdfIdentities() {
+    return execute("DELETE FROM pdf_identities");
+}
+
+Result<std::optional<LocalPDFPreferences>, StoreError> SqliteRecordingStore::localPDFPreferences() {
+    auto preferences =
+        queryAll(*connection_, selectSql(localPdfPreferencesLayout(), "ORDER BY rowid LIMIT 1"),
+                 readLocalPdfPreferences);
+    if (!preferences) {
+        return fail(preferences.error());
+    }
+    if (preferences->empty()) {
+        return std::optional<LocalPDFPreferences>();
+    }
+    return std::optional<LocalPDFPreferences>(preferences->front());
+}
+
+Result<void, StoreError> SqliteRecordingStore::saveLocalPDFPreferences(
+    const LocalPDFPreferences& preferences) {
+    auto transaction = SqliteTransaction::beginImmediate(*connection_);
+    if (!transaction) {
+        return fail(transaction.error());
+    }
+    {
+        auto statement = connection_->cached("DELETE FROM local_pdf_preferences WHERE id <> ?1");
+        if (!statement) {
+            return fail(statement.error());
+        }
+        (*statement)->bind(1, preferences.id);
+        if (auto deleted = (*statement)->run(); !deleted) {
+            return deleted;
+        }
+    }
+    if (auto written = upsertOne(*connection_, localPdfPreferencesLayout(), preferences);
+        !written) {
+        return written;
+    }
+    return transaction->commit();
+}
+
+Result<void, StoreError> SqliteRecordingStore::deleteLocalPDFPreferences() {
+    return execute("DELETE FROM local_pdf_preferences");
+}
+
+}  // namespace lumenote

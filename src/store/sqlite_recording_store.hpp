@@ -1,0 +1,92 @@
+// The object store on SQLite: sessions with their segments, confirmations and
+// PDF identities, the classification rules and the PDF preferences, in one
+// database file.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "recording/recording_store.hpp"
+#include "store/sqlite_connection.hpp"
+
+namespace lumenote {
+
+// One connection, used from one thread (the recorder's). Other processes may
+// read the same file at the same time: the file is in WAL mode, so readers and
+// the one writer do not block each other, and a writer waits up to five
+// seconds for another writer's lock before failing.
+//
+// Durability: commits use synchronous=NORMAL, which in WAL mode survives a
+// crash of the process but may lose the last commits on a power cut. A change
+// set marked `durable` is committed with synchronous=FULL (set just before
+// the transaction and restored just after), so that the WAL is synced before
+// apply() returns; no checkpoint is forced, as a synced WAL is already
+// durable.
+class SqliteRecordingStore final : public RecordingStore {
+  public:
+    // Opens the store at `path`, creating its folder (mode 0700) and the file
+    // (mode 0600) when absent, and brings its layout up to date. Fails when
+    // the folder or file cannot be made, the file is not a SQLite database,
+    // or it was written by a later release (its layout is then untouched).
+    static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> open(
+        const std::filesystem::path& path);
+    // A private store in memory, gone when the object ends.
+    static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> openInMemory();
+
+    // In one transaction: session upserts, then segments, confirmations and
+    // PDF identities, then session deletions. Every segment and confirmation
+    // must name its session (an existing one, or one upserted by the same
+    // set); otherwise, or on any other failure, nothing is applied.
+    Result<void, StoreError> apply(const StoreChangeSet& changes) override;
+
+    Result<std::optional<StudySession>, StoreError> loadSession(const Uuid& id) override;
+    // Ordered by start date, then id; the start-date bounds are inclusive
+    // (`startingAtOrAfter`) and exclusive (`startingBefore`).
+    Result<std::vector<StudySession>, StoreError> listSessions(const SessionQuery& query) override;
+    // With their children, oldest first.
+    Result<std::vector<StudySession>, StoreError> liveSessions() override;
+    Result<std::size_t, StoreError> sessionCount() override;
+    Result<void, StoreError> deleteAllSessions() override;
+
+    // Rules come ordered by their key.
+    Result<std::vector<AppClassification>, StoreError> appClassifications() override;
+    Result<void, StoreError> saveAppClassification(const AppClassification& rule) override;
+    Result<void, StoreError> deleteAllAppClassifications() override;
+    Result<std::vector<WebsiteClassification>, StoreError> websiteClassifications() override;
+    Result<void, StoreError> saveWebsiteClassification(const WebsiteClassification& rule) override;
+    Result<void, StoreError> deleteAllWebsiteClassifications() override;
+
+    // Ordered by creation date, then id.
+    Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
+        const std::optional<Uuid>& session) override;
+    Result<void, StoreError> savePdfIdentity(const LocalPDFIdentity& identity) override;
+    // Clears the label and its source on every PDF identity whose label came
+    // from the filename, and the copies of such labels on segments, so that no
+    // file name stays in the history. Returns the number of identities changed.
+    Result<std::size_t, StoreError> clearFilenameDerivedPdfLabels() override;
+    Result<void, StoreError> deleteAllPdfIdentities() override;
+    Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() override;
+    // Keeps a single record: one saved under another id replaces it.
+    Result<void, StoreError> saveLocalPDFPreferences(
+        const LocalPDFPreferences& preferences) override;
+    Result<void, StoreError> deleteLocalPDFPreferences() override;
+
+  private:
+    explicit SqliteRecordingStore(std::unique_ptr<SqliteConnection> connection)
+        : connection_(std::move(connection)) {}
+    static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> prepare(
+        std::unique_ptr<SqliteConnection> connection);
+
+    Result<void, StoreError> applyInTransaction(const StoreChangeSet& changes);
+    Result<void, StoreError> loadChildren(StudySession& session);
+    Result<std::vector<StudySession>, StoreError> readSessions(StatementLoan& statement,
+                                                               bool includeChildren);
+    Result<void, StoreError> execute(const std::string& sql);
+
+    std::unique_ptr<SqliteConnection> connection_;
+};
+
+}  // namespace lumenote

@@ -1,0 +1,22 @@
+// Where the object store and the recorder lock live, and what the user is told
+// when the store cannot be opened.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "foundation/user_paths.hpp"
+#include "recording/recording_store.hpp"
+
+namespace lumenote {
+
+// $XDG_DATA_HOME/Lumenote/lumenote.sqlite
+std::filesystem::path storePath(const UserPaths& paths);
+
+// $XDG_DATA_HOME/Lumenote/lumenote.lock, beside the store.
+std::filesystem::path recorderLockPath(const UserPaths& paths);
+
+// The shell's sentence for a store that could not be opened, naming the reason.
+std::string storageOpenFailureMessage(const StoreError& error);
+
+}  // namespace lumenote

@@ -1,0 +1,58 @@
+// The column layout of each stored record, and the code that binds a record
+// to a statement's parameters and reads it back from a result row.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "classification/classification_records.hpp"
+#include "recording/session_records.hpp"
+#include "store/sqlite_connection.hpp"
+
+namespace lumenote {
+
+// One table: its columns in the order rows are bound (parameters 1...n) and
+// read (result columns 0...n-1), and its ready-made SQL.
+struct TableLayout {
+    std::string table;
+    std::vector<std::string_view> columns;
+    std::string columnList;  // "id, subject, ..." for SELECT
+    // INSERT of every column that updates the row in place when the key is
+    // taken (never a delete and insert, which would cascade to children).
+    std::string upsert;
+};
+
+const TableLayout& sessionLayout();
+const TableLayout& segmentLayout();
+const TableLayout& confirmedIntervalLayout();
+const TableLayout& pdfIdentityLayout();
+const TableLayout& appClassificationLayout();
+const TableLayout& websiteClassificationLayout();
+const TableLayout& localPdfPreferencesLayout();
+
+// "SELECT <every column> FROM <table> " followed by `tail`.
+std::string selectSql(const TableLayout& layout, std::string_view tail);
+
+// The session's own columns; its children are written separately.
+void bindRow(SqliteStatement& statement, const StudySession& session);
+// The owning session is bound as the last column: NULL when `session` is
+// empty, which the table refuses for segments and confirmations.
+void bindRow(SqliteStatement& statement, const ActivitySegment& segment);
+void bindRow(SqliteStatement& statement, const ConfirmedNoInputInterval& interval);
+void bindRow(SqliteStatement& statement, const LocalPDFIdentity& identity);
+void bindRow(SqliteStatement& statement, const AppClassification& rule);
+void bindRow(SqliteStatement& statement, const WebsiteClassification& rule);
+void bindRow(SqliteStatement& statement, const LocalPDFPreferences& preferences);
+
+// Readers of a row selected with the layout's column list. A session is read
+// without its children.
+StudySession readSession(const SqliteStatement& row);
+ActivitySegment readSegment(const SqliteStatement& row);
+ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row);
+LocalPDFIdentity readPdfIdentity(const SqliteStatement& row);
+AppClassification readAppClassification(const SqliteStatement& row);
+WebsiteClassification readWebsiteClassification(const SqliteStatement& row);
+LocalPDFPreferences readLocalPdfPreferences(const SqliteStatement& row);
+
+}  // namespace lumenote

@@ -1,0 +1,37 @@
+// The numbered schema migrations of the object store, and the runner that
+// brings a database file up to the layout this release writes.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "foundation/result.hpp"
+#include "recording/recording_store.hpp"
+#include "store/sqlite_connection.hpp"
+
+namespace lumenote {
+
+// One step of the layout. A released migration is never edited: a change of
+// layout is a new migration with the next number.
+struct SchemaMigration {
+    long long version;  // 1, 2, 3 ... without gaps
+    std::string_view description;
+    std::string_view sql;  // one or more statements
+};
+
+// The migrations of this release, in order.
+std::span<const SchemaMigration> storeMigrations();
+
+// The highest migration recorded in the file; 0 for a file that has none.
+Result<long long, StoreError> recordedSchemaVersion(SqliteConnection& connection);
+
+// Applies the migrations the file has not recorded yet, all of them in one
+// transaction that also records each one in `schema_migrations`; a failing
+// migration leaves the file as it was. A file recording a version above the
+// last of `migrations` (written by a later release) is refused untouched.
+// The transaction is taken with BEGIN IMMEDIATE and the version read again
+// inside it, so that two processes opening a new file never migrate it twice.
+Result<void, StoreError> migrate(SqliteConnection& connection,
+                                 std::span<const SchemaMigration> migrations);
+
+}  // namespace lumenote

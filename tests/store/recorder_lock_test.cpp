@@ -1,0 +1,155 @@
+#include "store/recorder_lock.hpp"
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <iterator>
+
+#include <gtest/gtest.h>
+
+#include "store_test_support.hpp"
+
+namespace lumenote {
+namespace {
+
+using namespace lumenote::testing;
+
+std::string contentsOf(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// A child process that takes the lock, reports on `ready` whether it got it,
+// then holds it until the parent closes `release`, and ends without running
+// any destructor, as a crashed recorder would.
+class LockHoldingChild {
+  public:
+    explicit LockHoldingChild(const std::filesystem::path& lockFile) {
+        int ready[2];
+        int release[2];
+        if (::pipe(ready) != 0 || ::pipe(release) != 0) {
+            return;
+        }
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            ::close(ready[0]);
+            ::close(release[1]);
+            auto lock = RecorderLock::acquire(lockFile);
+            const char status = lock.ok() ? 'y' : 'n';
+            (void)::write(ready[1], &status, 1);
+            char ignored;
+            (void)::read(release[0], &ignored, 1);
+            ::_exit(0);
+        }
+        ::close(ready[1]);
+        ::close(release[0]);
+        char status = 'n';
+        locked_ = ::read(ready[0], &status, 1) == 1 && status == 'y';
+        ::close(ready[0]);
+        release_ = release[1];
+    }
+    ~LockHoldingChild() { end(); }
+
+    // Lets the child exit and waits for it.
+    void end() {
+        if (pid_ > 0) {
+            ::close(release_);
+            int status = 0;
+            ::waitpid(pid_, &status, 0);
+            pid_ = -1;
+        }
+    }
+
+    pid_t pid() const { return pid_; }
+    bool locked() const { return locked_; }
+
+  private:
+    pid_t pid_ = -1;
+    int release_ = -1;
+    bool locked_ = false;
+};
+
+class RecorderLockTest : public TemporaryFolderTest {
+  protected:
+    std::filesystem::path lockFile() const { return folder_ / "Lumenote" / "lumenote.lock"; }
+};
+
+TEST_F(RecorderLockTest, ASecondLockInTheSameProcessIsRefusedUntilTheFirstIsReleased) {
+    {
+        auto first = RecorderLock::acquire(lockFile());
+        ASSERT_TRUE(first.ok()) << recorderLockMessage(first.error());
+        EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
+        struct stat info {};
+        ASSERT_EQ(::stat(lockFile().c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 0777, 0600u);
+
+        auto second = RecorderLock::acquire(lockFile());
+        ASSERT_FALSE(second.ok());
+        EXPECT_EQ(second.error().failure, RecorderLockFailure::heldByAnotherProcess);
+        EXPECT_EQ(recorderLockMessage(second.error()), "Another Lumenote process (pid " +
+                                                           std::to_string(::getpid()) +
+                                                           ") is already recording.");
+        // The refused attempt leaves the holder's id in place.
+        EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
+    }
+    EXPECT_EQ(contentsOf(lockFile()), "");
+    EXPECT_TRUE(RecorderLock::acquire(lockFile()).ok());
+}
+
+TEST_F(RecorderLockTest, ALockHeldByAnotherProcessNamesItAndIsFreedWhenThatProcessDies) {
+    LockHoldingChild child(lockFile());
+    ASSERT_GT(child.pid(), 0);
+    ASSERT_TRUE(child.locked());
+
+    auto refused = RecorderLock::acquire(lockFile());
+    ASSERT_FALSE(refused.ok());
+    EXPECT_EQ(refused.error().holderProcessId, child.pid());
+    EXPECT_EQ(
+        recorderLockMessage(refused.error()),
+        "Another Lumenote process (pid " + std::to_string(child.pid()) + ") is already recording.");
+
+    // The child ends without releasing: its id stays in the file, yet the
+    // lock died with it.
+    child.end();
+    EXPECT_FALSE(contentsOf(lockFile()).empty());
+    auto taken = RecorderLock::acquire(lockFile());
+    ASSERT_TRUE(taken.ok()) << recorderLockMessage(taken.error());
+    EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
+}
+
+TEST_F(RecorderLockTest, AHolderWhoseIdCannotBeReadIsStillRefusedWithoutAnId) {
+    // The holder has locked but not yet written its id, or wrote something
+    // else: the refusal must not invent a process id.
+    for (const std::string contents : {"", "12ab\n", "-5\n", "99999999999999999999999\n"}) {
+        SCOPED_TRACE(contents);
+        auto holder = RecorderLock::acquire(lockFile());
+        ASSERT_TRUE(holder.ok());
+        std::ofstream(lockFile(), std::ios::binary | std::ios::trunc) << contents;
+        auto refused = RecorderLock::acquire(lockFile());
+        ASSERT_FALSE(refused.ok());
+        EXPECT_FALSE(refused.error().holderProcessId);
+        EXPECT_EQ(recorderLockMessage(refused.error()),
+                  "Another Lumenote process is already recording.");
+    }
+}
+
+TEST_F(RecorderLockTest, AnUnusableLockFileIsReportedAsSuch) {
+    std::filesystem::create_directories(lockFile());  // a folder where the file should be
+    auto lock = RecorderLock::acquire(lockFile());
+    ASSERT_FALSE(lock.ok());
+    EXPECT_EQ(lock.error().failure, RecorderLockFailure::unusable);
+    EXPECT_NE(recorderLockMessage(lock.error()).find(lockFile().string()), std::string::npos)
+        << recorderLockMessage(lock.error());
+
+    std::filesystem::remove(lockFile());
+    std::filesystem::create_symlink(folder_ / "elsewhere", lockFile());
+    auto followed = RecorderLock::acquire(lockFile());
+    ASSERT_FALSE(followed.ok());
+    EXPECT_EQ(followed.error().failure, RecorderLockFailure::unusable);
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
+}
+
+}  // namespace
+}  // namespace lumenote
