@@ -1,0 +1,17 @@
+#include "settings/analytics_count_rule.hpp"
+
+#include <cmath>
+
+namespace lumenote {
+
+bool countsForAnalytics(const StudySession& session, Date now,
+                        const SetupTestSessionPredicate& isSetupTestSession) {
+    const double start = session.startDate.secondsSinceReferenceDate;
+    if (!std::isfinite(start) ||
+        !(now.secondsSince(session.startDate) >= kMinimumAnalyticsSessionAgeSeconds)) {
+        return false;
+    }
+    return !(isSetupTestSession && isSetupTestSession(session));
+}
+
+}  // namespace lumenote
