@@ -9,6 +9,8 @@ void StoreChangeSet::append(const StoreChangeSet& later) {
                               later.confirmedIntervals.end());
     pdfIdentities.insert(pdfIdentities.end(), later.pdfIdentities.begin(),
                          later.pdfIdentities.end());
+    deletedSegments.insert(deletedSegments.end(), later.deletedSegments.begin(),
+                           later.deletedSegments.end());
     deletedSessions.insert(deletedSessions.end(), later.deletedSessions.begin(),
                            later.deletedSessions.end());
     durable = durable || later.durable;

@@ -26,18 +26,19 @@ struct StoreError {
 // through the segment and interval lists, never implied).
 struct StoreChangeSet {
     std::vector<StudySession> sessions;
-    std::vector<ActivitySegment> segments;  // `session` must name the owner
+    std::vector<ActivitySegment> segments;                     // `session` must name the owner
     std::vector<ConfirmedNoInputInterval> confirmedIntervals;  // likewise
     std::vector<LocalPDFIdentity> pdfIdentities;
-    // Applied after the upserts; deleting a session deletes its segments,
-    // confirmations and PDF identities with it.
+    // Applied after the upserts: segments first, then sessions. Deleting a
+    // session deletes its segments, confirmations and PDF identities with it.
+    std::vector<Uuid> deletedSegments;
     std::vector<Uuid> deletedSessions;
     // Sync to disk before returning (ending a session, restoring data).
     bool durable = false;
 
     bool empty() const {
         return sessions.empty() && segments.empty() && confirmedIntervals.empty() &&
-               pdfIdentities.empty() && deletedSessions.empty();
+               pdfIdentities.empty() && deletedSegments.empty() && deletedSessions.empty();
     }
     // Adds `later` after this set's own changes (a later upsert of the same id wins).
     void append(const StoreChangeSet& later);
@@ -54,7 +55,7 @@ struct SessionQuery {
 };
 
 class RecordingStore {
-public:
+  public:
     virtual ~RecordingStore() = default;
 
     virtual Result<void, StoreError> apply(const StoreChangeSet& changes) = 0;

@@ -215,20 +215,34 @@ Result<void, StoreError> SqliteRecordingStore::applyInTransaction(const StoreCha
         !written) {
         return written;
     }
-    if (!changes.deletedSessions.empty()) {
-        auto statement = connection_->cached("DELETE FROM sessions WHERE id = ?1");
-        if (!statement) {
-            return fail(statement.error());
-        }
-        for (const Uuid& id : changes.deletedSessions) {
-            (*statement)->bind(1, id);
-            if (auto deleted = (*statement)->run(); !deleted) {
-                return deleted;
-            }
-            (*statement)->reset();
-        }
+    if (auto deleted = deleteByIds("DELETE FROM segments WHERE id = ?1", changes.deletedSegments);
+        !deleted) {
+        return deleted;
+    }
+    if (auto deleted = deleteByIds("DELETE FROM sessions WHERE id = ?1", changes.deletedSessions);
+        !deleted) {
+        return deleted;
     }
     return transaction->commit();
+}
+
+Result<void, StoreError> SqliteRecordingStore::deleteByIds(const char* sql,
+                                                           const std::vector<Uuid>& ids) {
+    if (ids.empty()) {
+        return {};
+    }
+    auto statement = connection_->cached(sql);
+    if (!statement) {
+        return fail(statement.error());
+    }
+    for (const Uuid& id : ids) {
+        (*statement)->bind(1, id);
+        if (auto deleted = (*statement)->run(); !deleted) {
+            return deleted;
+        }
+        (*statement)->reset();
+    }
+    return {};
 }
 
 Result<void, StoreError> SqliteRecordingStore::loadChildren(StudySession& session) {

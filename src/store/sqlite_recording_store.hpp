@@ -81,6 +81,7 @@ class SqliteRecordingStore final : public RecordingStore {
         std::unique_ptr<SqliteConnection> connection);
 
     Result<void, StoreError> applyInTransaction(const StoreChangeSet& changes);
+    Result<void, StoreError> deleteByIds(const char* sql, const std::vector<Uuid>& ids);
     Result<void, StoreError> loadChildren(StudySession& session);
     Result<std::vector<StudySession>, StoreError> readSessions(StatementLoan& statement,
                                                                bool includeChildren);
