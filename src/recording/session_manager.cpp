@@ -17,6 +17,7 @@ SessionManager::SessionManager(SessionManagerDependencies dependencies)
       frontmostApplication_(dependencies.frontmostApplication),
       notificationService_(dependencies.notificationService),
       browserTrackingCoordinator_(dependencies.browserTrackingCoordinator),
+      checkpointStore_(dependencies.checkpointStore),
       ownBundleIdentifier_(std::move(dependencies.ownBundleIdentifier)),
       lookup_(ownBundleIdentifier_) {
     persistenceSaveOperation = [this](const StoreChangeSet& changes) {
@@ -101,6 +102,11 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
 
     activeSession_ = std::move(session);
     sessionSegments_.clear();
+    sessionConfirmations_.clear();
+    openPassiveStudyInterval_.reset();
+    passiveStudyAnchor_.reset();
+    noInputRunStart_.reset();
+    pendingNoInputPrompt_.reset();
     openPersistedSegment_.reset();
     openSegmentWritten_ = false;
     timerBaseDuration_ = 0.0;
@@ -108,8 +114,12 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     pauseAnchor_.reset();
     currentPauseDuration_ = 0.0;
     saveTick_ = 0;
+    accumulatedPauseDuration_ = 0.0;
+    confirmedBoundary_ = {instant.wallDate, 0.0};
+    unsavedBoundary_.reset();
     lookup_.clearSessionOverrides();
     browserTrackingCoordinator_.setRunningSession(activeSession_->id);
+    writeCheckpoint(instant);
     publish(ObservedField::activeSession);
     sampleAndRecord(instant);
     return {};
@@ -123,21 +133,29 @@ Result<void, SessionFailure> SessionManager::pause() {
         return fail(SessionFailure::sessionNotRunning);
     }
     const TrackingInstant instant = nowInstant();
+    pauseAt(instant, timerValueAt(instant.monotonicTime));
+    return {};
+}
+
+void SessionManager::pauseAt(TrackingInstant instant, double timerValue) {
+    closeLivePassiveStudy(instant.wallDate);
+    noInputRunStart_.reset();
     if (auto closed = timelineEngine_.finalize(instant)) {
         recordClosedInterval(*closed);
     }
-    timerBaseDuration_ = timerValueAt(instant.monotonicTime);
+    mirrorOpenInterval();
+    timerBaseDuration_ = timerValue;
     timerAnchor_.reset();
     pauseAnchor_ = instant.monotonicTime;
-    currentPauseDuration_ = 0.0;
+    currentPauseDuration_ = std::max(0.0, monotonicTimeProvider_.now() - instant.monotonicTime);
     activeSession_->setStatus(StudySessionStatus::paused);
     activeSession_->timerDuration = timerBaseDuration_;
     queueSession();
     save();
+    writeCheckpoint(nowInstant());
     browserTrackingCoordinator_.setRunningSession(std::nullopt);
     publish(ObservedField::activeSession);
     publish(ObservedField::currentPauseDuration);
-    return {};
 }
 
 Result<void, SessionFailure> SessionManager::resume() {
@@ -148,12 +166,14 @@ Result<void, SessionFailure> SessionManager::resume() {
         return fail(SessionFailure::sessionNotPaused);
     }
     const TrackingInstant instant = nowInstant();
+    accumulatedPauseDuration_ += std::max(0.0, instant.monotonicTime - pauseAnchor_.value_or(0.0));
     timerAnchor_ = instant.monotonicTime;
     pauseAnchor_.reset();
     currentPauseDuration_ = 0.0;
     activeSession_->setStatus(StudySessionStatus::running);
     queueSession();
     save();
+    writeCheckpoint(instant);
     browserTrackingCoordinator_.setRunningSession(activeSession_->id);
     publish(ObservedField::activeSession);
     publish(ObservedField::currentPauseDuration);
@@ -179,6 +199,9 @@ void SessionManager::tick() {
         }
         return;
     }
+    if (isSleeping_ || isPreparingForTermination_) {
+        return;
+    }
     if (activeSession_->status() == StudySessionStatus::paused) {
         currentPauseDuration_ = std::max(0.0, instant.monotonicTime - pauseAnchor_.value_or(0.0));
         publish(ObservedField::currentPauseDuration);
@@ -199,7 +222,8 @@ void SessionManager::tick() {
 }
 
 void SessionManager::applicationActivated() {
-    if (activeSession_ && activeSession_->status() == StudySessionStatus::running) {
+    if (activeSession_ && activeSession_->status() == StudySessionStatus::running && !isSleeping_ &&
+        !isPreparingForTermination_) {
         sampleAndRecord(nowInstant());
     }
 }
@@ -223,9 +247,15 @@ void SessionManager::completeTimerIfReached(TrackingInstant instant) {
 
 void SessionManager::finishSession(TrackingInstant endInstant, double timerDuration,
                                    StudySessionStatus status) {
+    closeLivePassiveStudy(endInstant.wallDate);
     if (auto closed = timelineEngine_.finalize(endInstant)) {
         recordClosedInterval(*closed);
     }
+    isSleeping_ = false;
+    sleepStartedAt_.reset();
+    sleepStartedTimerDuration_.reset();
+    noInputRunStart_.reset();
+    pendingNoInputPrompt_.reset();
     StudySession& session = *activeSession_;
     session.timerDuration = timerDuration;
     session.endDate = endInstant.wallDate;
@@ -233,15 +263,20 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
 
     StudySession withChildren = session;
     withChildren.segments = sessionSegments_;
+    withChildren.confirmedNoInputIntervals = sessionConfirmations_;
     const auto version = kCurrentTrackingCalculationVersion;
     const auto totals = TrackingCalculationService::calculateSessionTotals(
         withChildren, endInstant.wallDate, version);
     TrackingCalculationService::applyTotals(totals, session);
     queueSession();
-    save(true);
+    if (save(true)) {
+        removeCheckpoint();
+    }
 
     StudySession finished = std::move(session);
     finished.segments = std::move(sessionSegments_);
+    finished.confirmedNoInputIntervals = std::move(sessionConfirmations_);
+    sessionConfirmations_.clear();
     activeSession_.reset();
     sessionSegments_.clear();
     openPersistedSegment_.reset();

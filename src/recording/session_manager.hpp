@@ -30,12 +30,16 @@
 #include <vector>
 
 #include "classification/classification_lookup.hpp"
+#include "recording/active_session_checkpoint.hpp"
 #include "recording/activity_timeline.hpp"
+#include "recording/no_input_prompt.hpp"
 #include "recording/platform_services.hpp"
 #include "recording/recording_preferences.hpp"
 #include "recording/recording_store.hpp"
+#include "recording/session_checkpoint_store.hpp"
 #include "recording/session_messages.hpp"
 #include "recording/session_records.hpp"
+#include "recording/study_state_edit.hpp"
 #include "recording/time_providers.hpp"
 #include "recording/tracking_calculation_version.hpp"
 
@@ -43,6 +47,11 @@ namespace lumenote {
 
 // The application's own identifier; its activity is recorded as ignored.
 inline constexpr const char* kOwnBundleIdentifier = "com.tallywise.Lumenote";
+// The system stretch recorded while the computer sleeps or cannot be observed;
+// kept verbatim on every platform (they are stored values).
+inline constexpr const char* kSystemSleepApplicationName = "Mac asleep";
+inline constexpr const char* kLongSleepPauseNotice =
+    "Lumenote paused your session after a long Mac sleep.";
 // The label of a frontmost application that has no name.
 inline constexpr const char* kUnknownApplicationName = "Unknown application";
 // Ticks between saves of the growing open segment and the session's timer.
@@ -82,6 +91,10 @@ enum class ObservedField {
     lastError,
     sessionDeletionUndo,
     pendingPostSession,
+    pendingNoInputPrompt,
+    liveStudyState,
+    lastStudyStateEdit,
+    pendingRecovery,
 };
 
 struct SessionManagerDependencies {
@@ -93,6 +106,7 @@ struct SessionManagerDependencies {
     FrontmostApplicationSource& frontmostApplication;
     NotificationService& notificationService;
     BrowserTrackingCoordinator& browserTrackingCoordinator;
+    SessionCheckpointStore& checkpointStore;
     std::string ownBundleIdentifier = kOwnBundleIdentifier;
 };
 
@@ -102,9 +116,24 @@ class SessionManager {
 
     explicit SessionManager(SessionManagerDependencies dependencies);
 
-    // Loads the rule caches and PDF preferences and recalculates stored totals
-    // when the derived revision changed. Failures are reported in lastError().
+    // Loads the rule caches and PDF preferences, recalculates stored totals
+    // when the derived revision changed, and looks for an unfinished session
+    // to offer for recovery. Failures are reported in lastError().
     void startUp();
+
+    // ---- recovery (session_manager_recovery.cpp) ----
+    const std::optional<StudySession>& pendingRecoverySession() const {
+        return pendingRecoverySession_;
+    }
+    const std::optional<ActiveSessionRecoverySummary>& pendingRecoverySummary() const {
+        return pendingRecoverySummary_;
+    }
+    // "Continue From Now": the session goes on from now in the state it was
+    // in; the time since its last confirmed boundary is left out.
+    Result<void, SessionFailure> continueRecoveredSession();
+    // Ends the unfinished session at its last confirmed boundary as
+    // interrupted, keeping the confirmed duration.
+    Result<void, SessionFailure> endRecoveredSession();
 
     // ---- lifecycle ----
     Result<void, SessionFailure> start(const SessionStartRequest& request);
@@ -115,6 +144,39 @@ class SessionManager {
     void tick();
     // The frontmost application changed: sample at once instead of at the next tick.
     void applicationActivated();
+
+    // ---- system events (session_manager_system_events.cpp) ----
+    // The computer goes to sleep, the screen locks or sleeps, or the user
+    // session is switched away: all are recorded as sleep.
+    void willSleep();
+    // The counterpart of each of those.
+    void didWake();
+    // The application is about to quit: the open stretch and the checkpoint
+    // are written; the session stays unfinished for recovery.
+    void willTerminate();
+    bool isSleeping() const { return isSleeping_; }
+    bool isPreparingForTermination() const { return isPreparingForTermination_; }
+
+    // ---- time without input (session_manager_study_state.cpp) ----
+    enum class NoInputPromptAnswer { passiveStudy, confirmedBreak, leaveUnconfirmed, endThere };
+    // Answers the pending question; `from` and `to` narrow its range. Ending
+    // there ends the session at the run's start with the timer value then.
+    // Fails with the message shown to the user.
+    Result<void, std::string> answerNoInputPrompt(NoInputPromptAnswer answer,
+                                                  std::optional<Date> from = std::nullopt,
+                                                  std::optional<Date> to = std::nullopt);
+    // Relabels the time without input in [from, to] of a session (running or
+    // finished); an empty state returns it to unconfirmed. Fails with the
+    // message shown to the user, which is also put in lastError().
+    Result<StudyStateEdit, std::string> relabel(
+        const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
+        ConfirmedStudyStateSource source = ConfirmedStudyStateSource::replayEdit);
+    const std::optional<StudyStateEdit>& lastStudyStateEdit() const { return lastStudyStateEdit_; }
+
+    // ---- away from the computer (session_manager_passive_study.cpp) ----
+    Result<void, SessionFailure> startPassiveStudy();
+    Result<void, SessionFailure> endPassiveStudy();
+    LiveStudyState liveStudyState() const;
 
     // ---- classification rules ----
     bool saveApplicationClassification(const std::string& bundleIdentifier,
@@ -153,6 +215,13 @@ class SessionManager {
         return sessionDeletionUndoDescription_;
     }
     const std::optional<StudySession>& pendingPostSession() const { return pendingPostSession_; }
+    const std::optional<NoInputClassificationPrompt>& pendingNoInputPrompt() const {
+        return pendingNoInputPrompt_;
+    }
+    // Confirmations of the active session (the open away period excluded).
+    const std::vector<ConfirmedNoInputInterval>& activeSessionConfirmations() const {
+        return sessionConfirmations_;
+    }
     void clearPendingPostSession();
     void clearLastError();
     void setChangeHandler(std::function<void(ObservedField)> handler) {
@@ -175,6 +244,10 @@ class SessionManager {
     TrackingInstant nowInstant();
     double timerValueAt(double monotonicTime) const;
     void publish(ObservedField field);
+    // Ends the session at `instant` (in the past), removing what was recorded after it.
+    void endAt(TrackingInstant instant, double timerValue);
+    // Pauses with the stretch closed at `instant` and the timer set to `timerValue`.
+    void pauseAt(TrackingInstant instant, double timerValue);
     void reportFailure(SessionFailure failure, std::string_view detail = {});
 
     // sampling (session_manager_sampling.cpp)
@@ -196,6 +269,19 @@ class SessionManager {
     void finishSession(TrackingInstant endInstant, double timerDuration, StudySessionStatus status);
     void expireDeletionUndo(double monotonicNow);
 
+    // away from the computer and no-input runs
+    void closeLivePassiveStudy(Date at);
+    void trackNoInputRun(const ActivityState& next, TrackingInstant instant, double idleSeconds);
+    void declareOfflineStudy(const FinalizedActivityInterval& interval);
+
+    // checkpoint and recovery (session_manager_recovery.cpp)
+    void noteQueuedBoundary(TrackingInstant boundary);
+    void writeCheckpoint(TrackingInstant instant);
+    void removeCheckpoint();
+    void lookForUnfinishedSession();
+    ActiveSessionCheckpoint checkpointFromStore(const StudySession& session) const;
+    void clearPendingRecovery();
+
     RecordingStore& store_;
     RecordingPreferences& preferences_;
     IdleTimeProvider& idleTimeProvider_;
@@ -204,6 +290,7 @@ class SessionManager {
     FrontmostApplicationSource& frontmostApplication_;
     NotificationService& notificationService_;
     BrowserTrackingCoordinator& browserTrackingCoordinator_;
+    SessionCheckpointStore& checkpointStore_;
     std::string ownBundleIdentifier_;
 
     std::optional<StudySession> activeSession_;
@@ -231,6 +318,34 @@ class SessionManager {
     StoreChangeSet pendingChanges_;
     std::optional<SessionDeletionBatch> pendingSessionDeletion_;
     std::optional<double> deletionUndoDeadline_;
+
+    bool isSleeping_ = false;
+    std::optional<TrackingInstant> sleepStartedAt_;
+    std::optional<double> sleepStartedTimerDuration_;
+    bool isPreparingForTermination_ = false;
+
+    std::vector<ConfirmedNoInputInterval> sessionConfirmations_;
+    std::optional<ConfirmedNoInputInterval> openPassiveStudyInterval_;
+    std::optional<double> passiveStudyAnchor_;
+    std::optional<double> noInputRunStart_;
+    std::optional<Date> noInputRunStartDate_;
+    std::optional<NoInputClassificationPrompt> pendingNoInputPrompt_;
+    std::optional<TrackingInstant> pendingNoInputPromptStart_;
+    std::optional<StudyStateEdit> lastStudyStateEdit_;
+
+    // The end of the last stretch saved in the store and the timer there.
+    struct ConfirmedBoundary {
+        Date date;
+        double timerValue = 0.0;
+    };
+    ConfirmedBoundary confirmedBoundary_;
+    std::optional<ConfirmedBoundary> unsavedBoundary_;
+    std::optional<double> openStretchStartMonotonic_;
+    double accumulatedPauseDuration_ = 0.0;
+    std::optional<double> lastCheckpointWriteMonotonic_;
+    std::optional<ActiveSessionCheckpoint> recoveredCheckpoint_;
+    std::optional<StudySession> pendingRecoverySession_;
+    std::optional<ActiveSessionRecoverySummary> pendingRecoverySummary_;
 };
 
 }  // namespace lumenote

@@ -30,6 +30,7 @@ void SessionManager::queueOpenSegment(TrackingInstant instant) {
     openPersistedSegment_->duration = duration;
     pendingChanges_.segments.push_back(*openPersistedSegment_);
     openSegmentWritten_ = true;
+    noteQueuedBoundary(instant);
 }
 
 bool SessionManager::save(bool durable) {
@@ -44,6 +45,11 @@ bool SessionManager::save(bool durable) {
         return false;
     }
     pendingChanges_ = StoreChangeSet{};
+    if (unsavedBoundary_) {
+        confirmedBoundary_ = *unsavedBoundary_;
+        unsavedBoundary_.reset();
+        writeCheckpoint(nowInstant());
+    }
     return true;
 }
 
@@ -73,6 +79,7 @@ void SessionManager::startUp() {
             preferences_.setDerivedRevision(kDerivedTotalsRevision);
         }
     }
+    lookForUnfinishedSession();
     if (lastError_) {
         publish(ObservedField::lastError);
     }

@@ -88,7 +88,10 @@ ActivityClassification SessionManager::pdfClassification(const BrowserResolution
 TrackingInstant SessionManager::boundaryFor(const ActivityState& next, TrackingInstant instant,
                                             double idleSeconds) const {
     const auto& open = timelineEngine_.openInterval();
-    if (!open || open->state.isInactive == next.isInactive) {
+    // A system stretch (sleep) ends when observation resumes, however long
+    // the machine then reports no input.
+    if (!open || open->state.isInactive == next.isInactive ||
+        open->state.activitySource == ActivitySourceType::system) {
         return instant;
     }
     // Going quiet: the active stretch ended when the idle time reached the
@@ -105,6 +108,7 @@ TrackingInstant SessionManager::boundaryFor(const ActivityState& next, TrackingI
 void SessionManager::sampleAndRecord(TrackingInstant instant) {
     const double idle = idleTimeProvider_.idleSeconds();
     const ActivityState state = sampleState(idle, instant.wallDate);
+    trackNoInputRun(state, instant, idle);
     const TrackingInstant boundary = boundaryFor(state, instant, idle);
     if (auto closed = timelineEngine_.observe(state, boundary)) {
         recordClosedInterval(*closed);
@@ -138,6 +142,7 @@ void SessionManager::mirrorOpenInterval() {
     } else if (!openPersistedSegment_) {
         openPersistedSegment_ = segmentFor(open->state, open->start.wallDate);
         openSegmentWritten_ = false;
+        openStretchStartMonotonic_ = open->start.monotonicTime;
     }
 }
 
@@ -153,6 +158,10 @@ void SessionManager::recordClosedInterval(const FinalizedActivityInterval& inter
     }
     segment.endDate = interval.endDate;
     segment.duration = interval.duration;
+    if (openStretchStartMonotonic_) {
+        noteQueuedBoundary({interval.endDate, *openStretchStartMonotonic_ + interval.duration});
+    }
+    declareOfflineStudy(interval);
     sessionSegments_.push_back(segment);
     pendingChanges_.segments.push_back(std::move(segment));
     activeSession_->timerDuration = timerValueAt(monotonicTimeProvider_.now());

@@ -48,6 +48,12 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
             return "The study session is not running.";
         case SessionFailure::sessionNotPaused:
             return "The study session is not paused.";
+        case SessionFailure::noPassiveStudyPeriod:
+            return "No Studying away from Mac period is running.";
+        case SessionFailure::noPendingPrompt:
+            return "There is no question about time without input to answer.";
+        case SessionFailure::noRecoverableSession:
+            return "There is no unfinished session to recover.";
     }
     return {};
 }

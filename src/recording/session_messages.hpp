@@ -27,6 +27,9 @@ enum class SessionFailure {
     noActiveSession,
     sessionNotRunning,
     sessionNotPaused,
+    noPassiveStudyPeriod,
+    noPendingPrompt,
+    noRecoverableSession,
 };
 
 // The sentence shown for `failure`; `detail` fills its {error} or limit.

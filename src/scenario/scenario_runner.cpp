@@ -2,9 +2,11 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 #include <optional>
+#include <set>
 
 #include "foundation/numeric.hpp"
 #include "platform/fake/fake_platform.hpp"
@@ -40,8 +42,8 @@ std::string stringArgument(const json& step, const char* key, std::string fallba
 }
 
 // Compares an expected JSON value with an actual one: numbers within a
-// millisecond, null meaning "absent", objects field by field (only the
-// expected fields), arrays element by element.
+// millisecond, null meaning "absent", "*" meaning "present", objects field by
+// field (only the expected fields), arrays element by element.
 bool matches(const json& expected, const json* actual, std::string& why, const std::string& path) {
     if (expected.is_null()) {
         if (actual != nullptr && !actual->is_null()) {
@@ -50,9 +52,12 @@ bool matches(const json& expected, const json* actual, std::string& why, const s
         }
         return true;
     }
-    if (actual == nullptr) {
+    if (actual == nullptr || actual->is_null()) {
         why = fmt::format("{}: expected {}, found nothing", path, expected.dump());
         return false;
+    }
+    if (expected == "*") {
+        return true;  // any value, as long as there is one
     }
     if (expected.is_number() && actual->is_number()) {
         if (std::fabs(expected.get<double>() - actual->get<double>()) > 0.001) {
@@ -100,7 +105,8 @@ class ScenarioMachine {
           store_(std::move(store)),
           domain_(JsonFileDefaultsDomain::pathFor(paths), [this] { return clock_.wallNow(); }),
           preferences_(domain_),
-          recordingPreferences_(preferences_) {
+          recordingPreferences_(preferences_),
+          checkpointStore_(paths.applicationData(), clock_.wall()) {
         launch();
     }
 
@@ -108,7 +114,9 @@ class ScenarioMachine {
         while (elapsed_ + 1.0 <= scriptSeconds + 1e-9) {
             clock_.advance(1.0);
             elapsed_ += 1.0;
-            manager_->tick();
+            if (manager_) {
+                manager_->tick();
+            }
         }
         if (scriptSeconds > elapsed_) {
             clock_.advance(scriptSeconds - elapsed_);
@@ -132,15 +140,22 @@ class ScenarioMachine {
 
   private:
     void launch() {
-        manager_ = std::make_unique<SessionManager>(
-            SessionManagerDependencies{*store_, recordingPreferences_, idle_, clock_.monotonic(),
-                                       clock_.wall(), frontmost_, notifications_, browser_});
+        manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
+            *store_, recordingPreferences_, idle_, clock_.monotonic(), clock_.wall(), frontmost_,
+            notifications_, browser_, checkpointStore_});
         manager_->startUp();
         manager_->clearLastError();
     }
 
     Result<void, std::string> start(const json& step);
     Result<void, std::string> setPreference(const json& step);
+    Result<void, std::string> relaunch(const std::string& recovery);
+    Result<void, std::string> answerPrompt(const json& step);
+    Result<void, std::string> relabel(const json& step);
+    void expectPrompt(const ScriptStep& step, ScenarioOutcome& outcome);
+    // The wall date of a moment of the script, counted back from now.
+    Date dateAt(double scriptSeconds) const;
+    std::optional<Date> optionalDate(const json& step, const char* key) const;
     Result<void, std::string> expectSession(const ScriptStep& step, ScenarioOutcome& outcome);
     std::optional<Uuid> sessionAt(const json& step, const char* key = "session");
 
@@ -153,6 +168,7 @@ class ScenarioMachine {
     JsonFileDefaultsDomain domain_;
     PreferencesStore preferences_;
     PreferencesForRecording recordingPreferences_;
+    FileSessionCheckpointStore checkpointStore_;
     std::unique_ptr<SessionManager> manager_;
     double elapsed_ = 0.0;
     json snapshot_ = json::array();
@@ -221,6 +237,92 @@ Result<void, std::string> ScenarioMachine::setPreference(const json& step) {
     return {};
 }
 
+Result<void, std::string> ScenarioMachine::relaunch(const std::string& recovery) {
+    manager_.reset();
+    launch();
+    if (!manager_->pendingRecoverySession()) {
+        return {};
+    }
+    if (recovery == "continue") {
+        (void)manager_->continueRecoveredSession();
+    } else if (recovery == "end") {
+        (void)manager_->endRecoveredSession();
+    } else if (recovery != "none") {
+        return fail(std::string("\"recovery\" is continue, end or none"));
+    }
+    return {};
+}
+
+Date ScenarioMachine::dateAt(double scriptSeconds) const {
+    return clock_.wallNow().addingSeconds(scriptSeconds - elapsed_);
+}
+
+std::optional<Date> ScenarioMachine::optionalDate(const json& step, const char* key) const {
+    const auto found = step.find(key);
+    if (found == step.end() || !found->is_number()) {
+        return std::nullopt;
+    }
+    return dateAt(found->get<double>());
+}
+
+Result<void, std::string> ScenarioMachine::answerPrompt(const json& step) {
+    using Answer = SessionManager::NoInputPromptAnswer;
+    static const std::map<std::string, Answer> answers{{"passiveStudy", Answer::passiveStudy},
+                                                       {"confirmedBreak", Answer::confirmedBreak},
+                                                       {"leave", Answer::leaveUnconfirmed},
+                                                       {"endThere", Answer::endThere}};
+    const auto answer = answers.find(stringArgument(step, "answer"));
+    if (answer == answers.end()) {
+        return fail(std::string("\"answer\" is passiveStudy, confirmedBreak, leave or endThere"));
+    }
+    // A refused answer is part of what scenarios check (through expectError).
+    (void)manager_->answerNoInputPrompt(answer->second, optionalDate(step, "from"),
+                                        optionalDate(step, "to"));
+    return {};
+}
+
+Result<void, std::string> ScenarioMachine::relabel(const json& step) {
+    const auto session = sessionAt(step);
+    const auto from = optionalDate(step, "from");
+    const auto to = optionalDate(step, "to");
+    if (!session || !from || !to) {
+        return fail(std::string("relabel needs a stored session index, \"from\" and \"to\""));
+    }
+    const std::string state = stringArgument(step, "state");
+    std::optional<ConfirmedStudyState> newState;
+    if (state != "unconfirmed") {
+        newState = fromRawValue<ConfirmedStudyState>(state);
+        if (!newState) {
+            return fail(std::string("\"state\" is passiveStudy, confirmedBreak or unconfirmed"));
+        }
+    }
+    (void)manager_->relabel(*session, *from, *to, newState);
+    return {};
+}
+
+void ScenarioMachine::expectPrompt(const ScriptStep& step, ScenarioOutcome& outcome) {
+    const auto& prompt = manager_->pendingNoInputPrompt();
+    const auto text = step.arguments.find("text");
+    if (text == step.arguments.end() || text->is_null()) {
+        if (prompt) {
+            outcome.failedExpectations.push_back(
+                fmt::format("line {}: expected no question, found one", step.lineNumber));
+        }
+        return;
+    }
+    if (!prompt) {
+        outcome.failedExpectations.push_back(
+            fmt::format("line {}: expected a question, found none", step.lineNumber));
+        return;
+    }
+    const std::string actual = noInputPromptText(*prompt, LocalCalendar::utc());
+    if (actual != text->get<std::string>()) {
+        outcome.failedExpectations.push_back(fmt::format("line {}: expected question {}, found {}",
+                                                         step.lineNumber, text->dump(),
+                                                         json(actual).dump()));
+    }
+}
+
 Result<void, std::string> ScenarioMachine::expectSession(const ScriptStep& step,
                                                          ScenarioOutcome& outcome) {
     const json sessions = storedSessions();
@@ -254,6 +356,23 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
                                                    ScenarioOutcome& outcome) {
     const json& args = step.arguments;
     const std::string& action = step.action;
+    // After a crash only the machine, the files and the checks remain until
+    // the recorder is launched again.
+    static const std::set<std::string> withoutRecorder{"relaunch",
+                                                       "frontmost",
+                                                       "noInput",
+                                                       "input",
+                                                       "wallClock",
+                                                       "wallClockJump",
+                                                       "expect",
+                                                       "expectStoredSessions",
+                                                       "snapshot",
+                                                       "expectSnapshot",
+                                                       "expectNotification"};
+    if (!manager_ && !withoutRecorder.contains(action)) {
+        return fail(
+            fmt::format("\"{}\" needs a running recorder (relaunch after a crash)", action));
+    }
     if (action == "start") {
         return start(args);
     }
@@ -269,7 +388,9 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
     }
     if (action == "input") {
         idle_.resumeInput();
-        manager_->applicationActivated();
+        if (manager_) {
+            manager_->applicationActivated();
+        }
         return {};
     }
     if (action == "pause") {
@@ -363,6 +484,56 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
             manager_->persistenceSaveOperation = [this](const StoreChangeSet& changes) {
                 return store_->apply(changes);
             };
+        }
+        return {};
+    }
+    if (action == "sleep" || action == "lockScreen") {
+        manager_->willSleep();
+        return {};
+    }
+    if (action == "wake" || action == "unlockScreen") {
+        manager_->didWake();
+        return {};
+    }
+    if (action == "terminate") {
+        manager_->willTerminate();
+        return {};
+    }
+    if (action == "crash") {
+        // The process is gone: nothing is finalised; only the store and the
+        // checkpoint file remain.
+        manager_.reset();
+        return {};
+    }
+    if (action == "relaunch") {
+        return relaunch(stringArgument(args, "recovery", "none"));
+    }
+    if (action == "awayStart") {
+        (void)manager_->startPassiveStudy();
+        return {};
+    }
+    if (action == "awayEnd") {
+        (void)manager_->endPassiveStudy();
+        return {};
+    }
+    if (action == "answerPrompt") {
+        return answerPrompt(args);
+    }
+    if (action == "relabel") {
+        return relabel(args);
+    }
+    if (action == "expectPrompt") {
+        expectPrompt(step, outcome);
+        return {};
+    }
+    if (action == "expectNotification") {
+        const std::string expected = stringArgument(args, "body");
+        const bool found =
+            std::any_of(notifications_.posted.begin(), notifications_.posted.end(),
+                        [&](const auto& posted) { return posted.second == expected; });
+        if (!found) {
+            outcome.failedExpectations.push_back(fmt::format(
+                "line {}: no notification \"{}\" was posted", step.lineNumber, expected));
         }
         return {};
     }

@@ -1,0 +1,210 @@
+// The recovery checkpoint while recording, and recovery of an unfinished
+// session at the next launch.
+//
+// The checkpoint is written right after every store save that moved the
+// confirmed boundary (a segment closed, the growing segment written at the
+// save cadence, start, pause, resume) and at termination, so the checkpoint
+// and the store describe the same moment: nothing the checkpoint calls
+// confirmed is missing from the store. The boundary is the end of the last
+// saved stretch; confirmedDuration is the timer's value there.
+#include "recording/session_manager.hpp"
+#include "recording/tracking_calculation.hpp"
+
+namespace lumenote {
+
+void SessionManager::noteQueuedBoundary(TrackingInstant boundary) {
+    unsavedBoundary_ = ConfirmedBoundary{boundary.wallDate, timerValueAt(boundary.monotonicTime)};
+}
+
+void SessionManager::writeCheckpoint(TrackingInstant instant) {
+    if (!activeSession_) {
+        return;
+    }
+    const StudySession& session = *activeSession_;
+    ActiveSessionCheckpoint checkpoint;
+    checkpoint.sessionID = session.id;
+    checkpoint.startedAt = session.startDate;
+    checkpoint.expectedEndAt = session.startDate.addingSeconds(session.plannedDuration);
+    checkpoint.state = session.status() == StudySessionStatus::paused
+                           ? ActiveSessionCheckpointState::paused
+                           : ActiveSessionCheckpointState::recording;
+    checkpoint.confirmedDuration = confirmedBoundary_.timerValue;
+    checkpoint.accumulatedPauseDuration = accumulatedPauseDuration_;
+    checkpoint.lastConfirmedActivityAt = confirmedBoundary_.date;
+    checkpoint.lastPersistedSegmentBoundaryAt = confirmedBoundary_.date;
+    checkpoint.savedAt = std::max(instant.wallDate, confirmedBoundary_.date);
+    checkpoint.calculationVersion = static_cast<long long>(
+        session.calculationVersion().value_or(kCurrentTrackingCalculationVersion));
+    checkpoint.templateID = session.originatingTemplateID();
+    lastCheckpointWriteMonotonic_ = instant.monotonicTime;
+    if (!checkpointStore_.save(checkpoint).ok()) {
+        // Recording goes on: the store stays the record of truth.
+        lastError_ = recoveryFailureMessage(RecoveryFailure::checkpointNotSaved);
+        publish(ObservedField::lastError);
+    }
+}
+
+void SessionManager::removeCheckpoint() {
+    if (!checkpointStore_.remove().ok()) {
+        lastError_ = recoveryFailureMessage(RecoveryFailure::checkpointNotRemoved);
+        publish(ObservedField::lastError);
+    }
+}
+
+void SessionManager::lookForUnfinishedSession() {
+    auto loaded = checkpointStore_.load();
+    if (!loaded.ok()) {
+        lastError_ =
+            recoveryFailureMessage(RecoveryFailure::recoveryFailed, describe(loaded.error()));
+        return;
+    }
+    std::optional<ActiveSessionCheckpoint> checkpoint = loaded->checkpoint;
+    if (loaded->kind == SessionCheckpointLoadResult::Kind::corruptQuarantined) {
+        lastError_ = recoveryFailureMessage(RecoveryFailure::damagedCheckpointIsolated);
+    }
+    auto live = store_.liveSessions();
+    if (!live.ok()) {
+        lastError_ =
+            recoveryFailureMessage(RecoveryFailure::recoveryFailed, live.error().description);
+        return;
+    }
+    const StudySession* unfinished = nullptr;
+    if (checkpoint) {
+        for (const StudySession& session : *live) {
+            if (session.id == checkpoint->sessionID) {
+                unfinished = &session;
+            }
+        }
+        if (unfinished == nullptr) {
+            // The checkpoint's session is gone or already finished: nothing
+            // to recover, so the checkpoint goes without a question.
+            removeCheckpoint();
+            checkpoint.reset();
+        }
+    }
+    if (unfinished == nullptr && !live->empty()) {
+        // A live session without a checkpoint (it could never be written):
+        // recover it from what the store holds.
+        unfinished = &live->front();
+    }
+    if (unfinished == nullptr) {
+        return;
+    }
+    auto full = store_.loadSession(unfinished->id);
+    if (!full.ok() || !full->has_value()) {
+        lastError_ = recoveryFailureMessage(
+            RecoveryFailure::recoveryFailed,
+            full.ok() ? "the session could not be read" : full.error().description);
+        return;
+    }
+    StudySession session = std::move(**full);
+    if (!checkpoint) {
+        checkpoint = checkpointFromStore(session);
+    }
+    pendingRecoverySummary_ = makeRecoverySummary(*checkpoint, wallClock_.now());
+    recoveredCheckpoint_ = std::move(checkpoint);
+    pendingRecoverySession_ = std::move(session);
+    publish(ObservedField::pendingRecovery);
+}
+
+ActiveSessionCheckpoint SessionManager::checkpointFromStore(const StudySession& session) const {
+    ActiveSessionCheckpoint checkpoint;
+    checkpoint.sessionID = session.id;
+    checkpoint.startedAt = session.startDate;
+    checkpoint.expectedEndAt = session.startDate.addingSeconds(session.plannedDuration);
+    checkpoint.state = session.status() == StudySessionStatus::paused
+                           ? ActiveSessionCheckpointState::paused
+                           : ActiveSessionCheckpointState::recording;
+    Date boundary = session.startDate;
+    double recorded = 0.0;
+    for (const ActivitySegment& segment : session.segments) {
+        boundary = std::max(boundary, segment.startDate.addingSeconds(segment.duration));
+        recorded += segment.duration;
+    }
+    checkpoint.confirmedDuration = std::max(session.timerDuration, recorded);
+    checkpoint.lastConfirmedActivityAt = boundary;
+    checkpoint.lastPersistedSegmentBoundaryAt = boundary;
+    checkpoint.savedAt = boundary;
+    checkpoint.templateID = session.originatingTemplateID();
+    return checkpoint;
+}
+
+Result<void, SessionFailure> SessionManager::continueRecoveredSession() {
+    if (!pendingRecoverySession_ || activeSession_) {
+        return fail(SessionFailure::noRecoverableSession);
+    }
+    const TrackingInstant instant = nowInstant();
+    StudySession session = std::move(*pendingRecoverySession_);
+    const ActiveSessionCheckpoint checkpoint = *recoveredCheckpoint_;
+    clearPendingRecovery();
+
+    sessionSegments_ = std::move(session.segments);
+    sessionConfirmations_ = std::move(session.confirmedNoInputIntervals);
+    session.segments.clear();
+    session.confirmedNoInputIntervals.clear();
+    const bool paused = checkpoint.state == ActiveSessionCheckpointState::paused;
+    session.setStatus(paused ? StudySessionStatus::paused : StudySessionStatus::running);
+    session.timerDuration = checkpoint.confirmedDuration;
+    activeSession_ = std::move(session);
+    timerBaseDuration_ = checkpoint.confirmedDuration;
+    timerAnchor_ = paused ? std::nullopt : std::optional<double>(instant.monotonicTime);
+    pauseAnchor_ = paused ? std::optional<double>(instant.monotonicTime) : std::nullopt;
+    accumulatedPauseDuration_ = checkpoint.accumulatedPauseDuration;
+    currentPauseDuration_ = 0.0;
+    confirmedBoundary_ = {instant.wallDate, checkpoint.confirmedDuration};
+    unsavedBoundary_.reset();
+    openPersistedSegment_.reset();
+    openSegmentWritten_ = false;
+    saveTick_ = 0;
+    queueSession();
+    save();
+    writeCheckpoint(instant);
+    if (!paused) {
+        browserTrackingCoordinator_.setRunningSession(activeSession_->id);
+    }
+    publish(ObservedField::activeSession);
+    if (!paused) {
+        sampleAndRecord(instant);
+    }
+    return {};
+}
+
+Result<void, SessionFailure> SessionManager::endRecoveredSession() {
+    if (!pendingRecoverySession_) {
+        return fail(SessionFailure::noRecoverableSession);
+    }
+    StudySession session = std::move(*pendingRecoverySession_);
+    const ActiveSessionCheckpoint checkpoint = *recoveredCheckpoint_;
+    session.timerDuration = checkpoint.confirmedDuration;
+    session.endDate = std::max(checkpoint.lastConfirmedActivityAt, session.startDate);
+    session.setStatus(StudySessionStatus::interrupted);
+    const auto version = TrackingCalculationService::effectiveCalculationVersion(session);
+    TrackingCalculationService::applyTotals(
+        TrackingCalculationService::calculateSessionTotals(session, *session.endDate, version),
+        session);
+    StoreChangeSet changes;
+    changes.durable = true;
+    StudySession row = session;
+    row.segments.clear();
+    row.confirmedNoInputIntervals.clear();
+    changes.sessions.push_back(std::move(row));
+    if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
+        pendingRecoverySession_ = std::move(session);
+        lastError_ =
+            recoveryFailureMessage(RecoveryFailure::recoveryFailed, saved.error().description);
+        publish(ObservedField::lastError);
+        return fail(SessionFailure::activityNotSaved);
+    }
+    clearPendingRecovery();
+    removeCheckpoint();
+    return {};
+}
+
+void SessionManager::clearPendingRecovery() {
+    pendingRecoverySession_.reset();
+    pendingRecoverySummary_.reset();
+    recoveredCheckpoint_.reset();
+    publish(ObservedField::pendingRecovery);
+}
+
+}  // namespace lumenote

@@ -1,0 +1,123 @@
+// Answers to the no-input question and relabelling of time without input, in
+// the running session or a finished one. Recorded activity stays as it is:
+// only confirmations are added and replaced ones are stamped superseded.
+#include "recording/session_manager.hpp"
+#include "recording/session_study_state_editor.hpp"
+
+namespace lumenote {
+
+Result<StudyStateEdit, std::string> SessionManager::relabel(
+    const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
+    ConfirmedStudyStateSource source) {
+    const bool active = activeSession_ && activeSession_->id == sessionID;
+    std::optional<StudySession> session;
+    if (active) {
+        session = *activeSession_;
+        session->segments = sessionSegments_;
+        session->confirmedNoInputIntervals = sessionConfirmations_;
+    } else {
+        auto loaded = store_.loadSession(sessionID);
+        if (!loaded.ok()) {
+            lastError_ =
+                sessionFailureMessage(SessionFailure::activityNotSaved, loaded.error().description);
+            publish(ObservedField::lastError);
+            return fail(*lastError_);
+        }
+        session = std::move(*loaded);
+    }
+    auto outcome =
+        SessionStudyStateEditor::applyEdit(session, from, to, state, source, wallClock_.now());
+    if (!outcome.ok()) {
+        lastError_ = std::string(sessionStudyStateEditErrorMessage(outcome.error()));
+        publish(ObservedField::lastError);
+        return fail(*lastError_);
+    }
+    StoreChangeSet changes;
+    changes.confirmedIntervals = outcome->superseded;
+    changes.confirmedIntervals.insert(changes.confirmedIntervals.end(), outcome->inserted.begin(),
+                                      outcome->inserted.end());
+    if (!active) {
+        StudySession row = outcome->session;
+        row.segments.clear();
+        row.confirmedNoInputIntervals.clear();
+        changes.sessions.push_back(std::move(row));
+    }
+    if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
+        // A failed save leaves the previous confirmations as they were.
+        lastError_ =
+            sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description);
+        publish(ObservedField::lastError);
+        return fail(*lastError_);
+    }
+    if (active) {
+        sessionConfirmations_ = outcome->session.confirmedNoInputIntervals;
+    }
+    lastStudyStateEdit_ = outcome->edit;
+    publish(ObservedField::lastStudyStateEdit);
+    return outcome->edit;
+}
+
+Result<void, std::string> SessionManager::answerNoInputPrompt(NoInputPromptAnswer answer,
+                                                              std::optional<Date> from,
+                                                              std::optional<Date> to) {
+    if (!pendingNoInputPrompt_) {
+        return fail(sessionFailureMessage(SessionFailure::noPendingPrompt));
+    }
+    const NoInputClassificationPrompt prompt = *pendingNoInputPrompt_;
+    switch (answer) {
+        case NoInputPromptAnswer::leaveUnconfirmed:
+            break;
+        case NoInputPromptAnswer::passiveStudy:
+        case NoInputPromptAnswer::confirmedBreak: {
+            const auto state = answer == NoInputPromptAnswer::passiveStudy
+                                   ? ConfirmedStudyState::passiveStudy
+                                   : ConfirmedStudyState::confirmedBreak;
+            auto edited = relabel(prompt.sessionID, from.value_or(prompt.startDate),
+                                  to.value_or(prompt.endDate), state,
+                                  ConfirmedStudyStateSource::returnPrompt);
+            if (!edited.ok()) {
+                return fail(edited.error());
+            }
+            break;
+        }
+        case NoInputPromptAnswer::endThere:
+            if (!activeSession_ || activeSession_->id != prompt.sessionID ||
+                !pendingNoInputPromptStart_) {
+                return fail(sessionFailureMessage(SessionFailure::noActiveSession));
+            }
+            endAt(*pendingNoInputPromptStart_,
+                  prompt.timerDurationAtStartDate.value_or(
+                      timerValueAt(pendingNoInputPromptStart_->monotonicTime)));
+            break;
+    }
+    pendingNoInputPrompt_.reset();
+    pendingNoInputPromptStart_.reset();
+    publish(ObservedField::pendingNoInputPrompt);
+    return {};
+}
+
+void SessionManager::endAt(TrackingInstant instant, double timerValue) {
+    // Stretches after the end are no part of the session: those that began
+    // after it go, the one across it is cut there.
+    if (auto closed = timelineEngine_.finalize(instant)) {
+        recordClosedInterval(*closed);
+    }
+    std::vector<ActivitySegment> kept;
+    for (ActivitySegment& segment : sessionSegments_) {
+        if (segment.startDate >= instant.wallDate) {
+            pendingChanges_.deletedSegments.push_back(segment.id);
+            continue;
+        }
+        const Date end = segment.startDate.addingSeconds(segment.duration);
+        if (end > instant.wallDate) {
+            segment.duration = instant.wallDate.secondsSince(segment.startDate);
+            segment.endDate = instant.wallDate;
+            pendingChanges_.segments.push_back(segment);
+        }
+        kept.push_back(std::move(segment));
+    }
+    sessionSegments_ = std::move(kept);
+    finishSession(instant, timerValue, StudySessionStatus::completed);
+}
+
+}  // namespace lumenote
