@@ -12,4 +12,10 @@ namespace lumenote::cli {
 // `paths`: where Lumenote keeps its files for this user.
 void installPathsCommand(CLI::App& app, CliContext& context);
 
+// `prefs list|get|set|reset`: the stored preferences by key.
+void installPrefsCommands(CLI::App& app, CliContext& context);
+
+// `templates list|show|add|edit|delete|favorite|enable|disable|move`.
+void installTemplatesCommands(CLI::App& app, CliContext& context);
+
 }  // namespace lumenote::cli

@@ -18,7 +18,7 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.set_version_flag("--version", versionLine());
     app.require_subcommand(0, 1);
     app.fallthrough(false);
-    for (auto install : {installPathsCommand}) {
+    for (auto install : {installPathsCommand, installPrefsCommands, installTemplatesCommands}) {
         install(app, context);
     }
 

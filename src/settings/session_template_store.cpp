@@ -36,7 +36,7 @@ void applyDraft(SessionTemplate& target, const SessionTemplateDraft& draft) {
     target.breakDuration = draft.breakDuration;
 }
 
-std::vector<SessionTemplate>::iterator findIn(std::vector<SessionTemplate>& list, const Uuid& id) {
+std::vector<SessionTemplate>::iterator findIn(std::vector<SessionTemplate>& list, Uuid id) {
     return std::find_if(list.begin(), list.end(),
                         [&](const SessionTemplate& t) { return t.id == id; });
 }
@@ -82,7 +82,7 @@ void SessionTemplateStore::reload() {
     observers_.notify();
 }
 
-const SessionTemplate* SessionTemplateStore::find(const Uuid& id) const {
+const SessionTemplate* SessionTemplateStore::find(Uuid id) const {
     const auto found = std::find_if(templates_.begin(), templates_.end(),
                                     [&](const SessionTemplate& t) { return t.id == id; });
     return found == templates_.end() ? nullptr : &*found;
@@ -113,7 +113,7 @@ Result<void, Error> SessionTemplateStore::commit(const Change& change) {
 }
 
 Result<SessionTemplate, Error> SessionTemplateStore::commitTo(
-    const Uuid& id, const std::function<std::optional<Error>(SessionTemplate&)>& change) {
+    Uuid id, const std::function<std::optional<Error>(SessionTemplate&)>& change) {
     auto committed = commit([&](std::vector<SessionTemplate>& list) -> std::optional<Error> {
         const auto found = findIn(list, id);
         if (found == list.end()) {
@@ -153,7 +153,7 @@ Result<SessionTemplate, Error> SessionTemplateStore::create(const SessionTemplat
     return created;
 }
 
-Result<SessionTemplate, Error> SessionTemplateStore::update(const Uuid& id,
+Result<SessionTemplate, Error> SessionTemplateStore::update(Uuid id,
                                                             const SessionTemplateDraft& draft) {
     auto committed = commit([&](std::vector<SessionTemplate>& list) -> std::optional<Error> {
         const auto found = findIn(list, id);
@@ -175,7 +175,7 @@ Result<SessionTemplate, Error> SessionTemplateStore::update(const Uuid& id,
     return *find(id);
 }
 
-Result<void, Error> SessionTemplateStore::deleteTemplate(const Uuid& id) {
+Result<void, Error> SessionTemplateStore::deleteTemplate(Uuid id) {
     return commit([&](std::vector<SessionTemplate>& list) -> std::optional<Error> {
         const auto found = findIn(list, id);
         if (found == list.end()) {
@@ -186,31 +186,31 @@ Result<void, Error> SessionTemplateStore::deleteTemplate(const Uuid& id) {
     });
 }
 
-Result<SessionTemplate, Error> SessionTemplateStore::setFavorite(const Uuid& id, bool isFavorite) {
+Result<SessionTemplate, Error> SessionTemplateStore::setFavorite(Uuid id, bool isFavorite) {
     return commitTo(id, [&](SessionTemplate& t) -> std::optional<Error> {
         t.isFavorite = isFavorite;
         return std::nullopt;
     });
 }
 
-Result<SessionTemplate, Error> SessionTemplateStore::toggleFavorite(const Uuid& id) {
+Result<SessionTemplate, Error> SessionTemplateStore::toggleFavorite(Uuid id) {
     const SessionTemplate* current = find(id);
     return setFavorite(id, current == nullptr || !current->isFavorite);
 }
 
-Result<SessionTemplate, Error> SessionTemplateStore::setEnabled(const Uuid& id, bool isEnabled) {
+Result<SessionTemplate, Error> SessionTemplateStore::setEnabled(Uuid id, bool isEnabled) {
     return commitTo(id, [&](SessionTemplate& t) -> std::optional<Error> {
         t.isEnabled = isEnabled;
         return std::nullopt;
     });
 }
 
-Result<SessionTemplate, Error> SessionTemplateStore::toggleEnabled(const Uuid& id) {
+Result<SessionTemplate, Error> SessionTemplateStore::toggleEnabled(Uuid id) {
     const SessionTemplate* current = find(id);
     return setEnabled(id, current == nullptr || !current->isEnabled);
 }
 
-Result<void, Error> SessionTemplateStore::move(const Uuid& id, std::size_t position) {
+Result<void, Error> SessionTemplateStore::move(Uuid id, std::size_t position) {
     return commit([&](std::vector<SessionTemplate>& list) -> std::optional<Error> {
         const auto found = findIn(list, id);
         if (found == list.end()) {
@@ -227,7 +227,7 @@ Result<void, Error> SessionTemplateStore::move(const Uuid& id, std::size_t posit
     });
 }
 
-Result<SessionTemplate, Error> SessionTemplateStore::markUsed(const Uuid& id) {
+Result<SessionTemplate, Error> SessionTemplateStore::markUsed(Uuid id) {
     return commitTo(id, [&](SessionTemplate& t) -> std::optional<Error> {
         const Date now = now_();
         if (!std::isfinite(now.secondsSinceReferenceDate)) {

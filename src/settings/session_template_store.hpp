@@ -54,26 +54,29 @@ class SessionTemplateStore {
     const std::optional<std::string>& loadMessage() const { return loadMessage_; }
     std::optional<long long> unsupportedFormatVersion() const { return unsupportedFormatVersion_; }
 
-    const SessionTemplate* find(const Uuid& id) const;
+    const SessionTemplate* find(Uuid id) const;
     // The template with this name, compared as names are for uniqueness.
     const SessionTemplate* findByName(std::string_view name) const;
+
+    // The changes take ids by value: the id of a published template stays
+    // valid while the change replaces the list it came from.
 
     // A new, enabled, non-favourite template placed last in manual order.
     Result<SessionTemplate, Error> create(const SessionTemplateDraft& draft);
     // Replaces the editable fields and sets `modifiedDate` to now.
-    Result<SessionTemplate, Error> update(const Uuid& id, const SessionTemplateDraft& draft);
-    Result<void, Error> deleteTemplate(const Uuid& id);
-    Result<SessionTemplate, Error> setFavorite(const Uuid& id, bool isFavorite);
-    Result<SessionTemplate, Error> toggleFavorite(const Uuid& id);
-    Result<SessionTemplate, Error> setEnabled(const Uuid& id, bool isEnabled);
-    Result<SessionTemplate, Error> toggleEnabled(const Uuid& id);
+    Result<SessionTemplate, Error> update(Uuid id, const SessionTemplateDraft& draft);
+    Result<void, Error> deleteTemplate(Uuid id);
+    Result<SessionTemplate, Error> setFavorite(Uuid id, bool isFavorite);
+    Result<SessionTemplate, Error> toggleFavorite(Uuid id);
+    Result<SessionTemplate, Error> setEnabled(Uuid id, bool isEnabled);
+    Result<SessionTemplate, Error> toggleEnabled(Uuid id);
     // Moves the template to `position` (0-based, clamped to the end) of the
     // listing and renumbers `manualSortOrder` 0, 1, 2 ... in the new order.
     // Favourites still list first, so a template cannot move across the
     // boundary between favourites and the others.
-    Result<void, Error> move(const Uuid& id, std::size_t position);
+    Result<void, Error> move(Uuid id, std::size_t position);
     // Sets `lastUsedDate` to now, when a session starts from the template.
-    Result<SessionTemplate, Error> markUsed(const Uuid& id);
+    Result<SessionTemplate, Error> markUsed(Uuid id);
 
     Observers::Token addObserver(Observers::Callback callback) {
         return observers_.add(std::move(callback));
@@ -88,7 +91,7 @@ class SessionTemplateStore {
     Result<void, Error> commit(const Change& change);
     // Like commit, for a change to one existing template; returns it as stored.
     Result<SessionTemplate, Error> commitTo(
-        const Uuid& id, const std::function<std::optional<Error>(SessionTemplate&)>& change);
+        Uuid id, const std::function<std::optional<Error>(SessionTemplate&)>& change);
 
     SessionTemplatePersisting& repository_;
     Clock now_;

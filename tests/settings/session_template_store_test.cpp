@@ -192,6 +192,17 @@ TEST_F(SessionTemplateStoreTest, UpdateKeepsIdentityAndStampsTheModificationDate
     EXPECT_EQ(kindOf(store.update(Uuid::generate(), draft("Fine"))), Kind::missingTemplate);
 }
 
+TEST_F(SessionTemplateStoreTest, ChangesMayNameATemplateByTheIdOfThePublishedList) {
+    SessionTemplateStore& store = open();
+    add(store, "First");
+    const auto& published = store.templates();
+    EXPECT_EQ(store.update(published.front().id, draft("Renamed"))->name, "Renamed");
+    EXPECT_TRUE(store.toggleFavorite(published.front().id)->isFavorite);
+    EXPECT_TRUE(store.markUsed(published.front().id)->lastUsedDate.has_value());
+    EXPECT_TRUE(store.deleteTemplate(published.front().id).ok());
+    EXPECT_TRUE(store.templates().empty());
+}
+
 TEST_F(SessionTemplateStoreTest, ChangesToAMissingTemplateAreRefused) {
     SessionTemplateStore& store = open();
     add(store, "Only");

@@ -1,0 +1,29 @@
+// Durations typed on the command line ("25m", "90m", "1h30m", "45s", or a
+// bare number of seconds such as "1500") and their short display form.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "foundation/result.hpp"
+
+namespace lumenote::cli {
+
+enum class DurationArgumentError {
+    notADuration  // empty, an unknown unit, units out of order, or a fraction
+};
+
+// The sentence shown when a duration cannot be read.
+std::string_view message(DurationArgumentError error);
+
+// Reads a whole number of seconds, or one to three parts "<digits>h",
+// "<digits>m", "<digits>s" in that order (units in either case) with no
+// spaces; each part may exceed its unit ("90m", "5400s"). Returns seconds.
+// Each part is at most nine digits, so the result is always finite.
+Result<double, DurationArgumentError> parseDurationArgument(std::string_view text);
+
+// The same notation for whole seconds (fractions are rounded): 1500 ->
+// "25m", 5400 -> "1h30m", 45 -> "45s", 3605 -> "1h0m5s", 0 -> "0s".
+std::string formatDurationArgument(double seconds);
+
+}  // namespace lumenote::cli

@@ -1,0 +1,279 @@
+// `prefs`: list, read, change and reset the stored preferences by key. A
+// change goes through the preferences store's own setter, so a value is
+// clamped exactly as the application clamps it, and the command says so.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+#include <chrono>
+#include <memory>
+
+#include "cli/commands.hpp"
+#include "cli/duration_argument.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preference_catalog.hpp"
+#include "settings/preferences_store.hpp"
+
+namespace lumenote::cli {
+
+namespace {
+
+Date systemNow() {
+    return Date::fromSystemClock(std::chrono::system_clock::now());
+}
+
+// The user's preferences, opened for one command.
+struct OpenPreferences {
+    JsonFileDefaultsDomain domain;
+    PreferencesStore store;
+
+    explicit OpenPreferences(CliContext& context)
+        : domain(JsonFileDefaultsDomain::pathFor(context.paths), systemNow), store(domain) {
+        if (const auto& moved = domain.lastQuarantinedPath()) {
+            context.err << fmt::format(
+                "The preferences file could not be read and was moved to {}; defaults are used.\n",
+                moved->string());
+        }
+    }
+
+    // Refuses when the last change could not be written; true when it was.
+    bool saved(CliContext& context) const {
+        if (const auto error = domain.lastWriteError()) {
+            context.refuse(
+                fmt::format("Lumenote could not save its preferences ({}).", describe(*error)));
+            return false;
+        }
+        return true;
+    }
+};
+
+std::string valueText(const PreferenceValue& value) {
+    return std::visit(
+        [](const auto& held) -> std::string {
+            using T = std::decay_t<decltype(held)>;
+            if constexpr (std::is_same_v<T, bool>) {
+                return held ? "true" : "false";
+            } else if constexpr (std::is_same_v<T, std::string>) {
+                return held;
+            } else {
+                return fmt::format("{}", held);
+            }
+        },
+        value);
+}
+
+// Strings are quoted in listings so that an empty value stays visible.
+std::string listedText(const PreferenceValue& value) {
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        return fmt::format("{:?}", *text);
+    }
+    return valueText(value);
+}
+
+std::string lowercase(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return result;
+}
+
+std::optional<long long> parseInteger(std::string_view text) {
+    int base = 10;
+    if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
+        text.remove_prefix(2);
+        base = 16;
+    }
+    long long value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+std::optional<double> parseSeconds(std::string_view text) {
+    double value = 0.0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (!text.empty() && error == std::errc() && end == text.data() + text.size()) {
+        return value;
+    }
+    if (auto duration = parseDurationArgument(text)) {
+        return duration.value();
+    }
+    return std::nullopt;
+}
+
+// The typed form of `text` for a key of `kind`; nullopt when it cannot be one.
+std::optional<PreferenceValue> parseValue(const PreferenceKeyInfo& info, std::string_view text) {
+    switch (info.kind) {
+        case PreferenceValueKind::boolean: {
+            const std::string word = lowercase(text);
+            if (word == "true" || word == "yes" || word == "on" || word == "1") {
+                return true;
+            }
+            if (word == "false" || word == "no" || word == "off" || word == "0") {
+                return false;
+            }
+            return std::nullopt;
+        }
+        case PreferenceValueKind::integer:
+            if (auto integer = parseInteger(text)) {
+                return *integer;
+            }
+            return std::nullopt;
+        case PreferenceValueKind::seconds:
+            if (auto seconds = parseSeconds(text)) {
+                return *seconds;
+            }
+            return std::nullopt;
+        case PreferenceValueKind::text:
+            return std::string(text);
+    }
+    return std::nullopt;
+}
+
+std::string expectation(const PreferenceKeyInfo& info) {
+    if (!info.choices.empty()) {
+        std::string list;
+        for (std::string_view choice : info.choices) {
+            list += list.empty() ? "" : ", ";
+            list += choice;
+        }
+        return "use one of " + list;
+    }
+    switch (info.kind) {
+        case PreferenceValueKind::boolean:
+            return "use true or false";
+        case PreferenceValueKind::integer:
+            return "use a whole number";
+        case PreferenceValueKind::seconds:
+            return "use a number of seconds or a duration such as 25m";
+        case PreferenceValueKind::text:
+            break;
+    }
+    return "use some text";
+}
+
+const PreferenceKeyInfo* knownKey(CliContext& context, std::string_view key) {
+    const PreferenceKeyInfo* info = findPreferenceKey(key);
+    if (info == nullptr) {
+        context.refuse(fmt::format(
+            "There is no preference named \"{}\". Run \"lumenote-cli prefs list\" to see them all.",
+            key));
+    }
+    return info;
+}
+
+void listPreferences(CliContext& context) {
+    OpenPreferences preferences(context);
+    std::size_t width = 0;
+    for (const PreferenceKeyInfo& info : preferenceKeyCatalog()) {
+        width = std::max(width, info.key.size());
+    }
+    for (const PreferenceKeyInfo& info : preferenceKeyCatalog()) {
+        const PreferenceValue value = preferenceValue(preferences.store, info);
+        const bool isDefault = value == defaultPreferenceValue(info);
+        context.out << fmt::format("{:<{}} = {}{}\n", info.key, width, listedText(value),
+                                   isDefault ? "  (default)" : "");
+    }
+}
+
+void getPreference(CliContext& context, const std::string& key) {
+    const PreferenceKeyInfo* info = knownKey(context, key);
+    if (info == nullptr) {
+        return;
+    }
+    OpenPreferences preferences(context);
+    context.out << valueText(preferenceValue(preferences.store, *info)) << '\n';
+}
+
+// What to say when the stored value differs from the one asked for.
+std::string adjustmentNote(const PreferenceKeyInfo& info, const PreferenceValue& requested,
+                           const PreferenceValue& stored) {
+    if (info.kind == PreferenceValueKind::text) {
+        return fmt::format("{} was stored as {}.", info.key, listedText(stored));
+    }
+    return fmt::format("{} is out of range for {}; {} was stored instead.", valueText(requested),
+                       info.key, valueText(stored));
+}
+
+void setPreference(CliContext& context, const std::string& key, const std::string& text) {
+    const PreferenceKeyInfo* info = knownKey(context, key);
+    if (info == nullptr) {
+        return;
+    }
+    const auto requested = parseValue(*info, text);
+    if (!requested) {
+        context.refuse(fmt::format("\"{}\" is not a valid value for {}: {}.", text, info->key,
+                                   expectation(*info)));
+        return;
+    }
+    OpenPreferences preferences(context);
+    const auto assigned = assignPreference(preferences.store, *info, *requested);
+    if (!assigned) {
+        const std::string expected = assigned.error() == PreferenceAssignmentError::outOfRange
+                                         ? "use a whole number from 0 to 4294967295"
+                                         : expectation(*info);
+        context.refuse(
+            fmt::format("\"{}\" is not a valid value for {}: {}.", text, info->key, expected));
+        return;
+    }
+    if (!preferences.saved(context)) {
+        return;
+    }
+    context.out << fmt::format("{} = {}\n", info->key, valueText(assigned.value()));
+    if (assigned.value() != *requested) {
+        context.out << adjustmentNote(*info, *requested, assigned.value()) << '\n';
+    }
+    const GlobalHotkeyBinding& binding = preferences.store.globalHotkey();
+    if ((info->key == preference_keys::globalHotkeyKeyCode ||
+         info->key == preference_keys::globalHotkeyModifiers) &&
+        !isUsableGlobalHotkey(binding.keyCode, binding.modifiers)) {
+        context.out << fmt::format(
+            "{} is not a usable shortcut: it needs Ctrl, Alt, Shift or Super and a key with a "
+            "name. Lumenote uses {} until it is changed.\n",
+            globalHotkeyDisplayText(binding), globalHotkeyDisplayText(GlobalHotkeyBinding{}));
+    }
+}
+
+void resetPreferences(CliContext& context) {
+    OpenPreferences preferences(context);
+    preferences.store.resetToDefaults();
+    if (preferences.saved(context)) {
+        context.out << "Preferences were reset to their defaults.\n";
+    }
+}
+
+}  // namespace
+
+void installPrefsCommands(CLI::App& app, CliContext& context) {
+    auto* prefs = app.add_subcommand("prefs", "Show and change Lumenote's preferences");
+    prefs->require_subcommand(1);
+
+    prefs->add_subcommand("list", "Show every preference, its value and whether it is the default")
+        ->callback([&context] { listPreferences(context); });
+
+    auto getKey = std::make_shared<std::string>();
+    auto* get = prefs->add_subcommand("get", "Print the value of one preference");
+    get->add_option("key", *getKey, "The preference's key, such as tracking.inactivityThreshold")
+        ->required();
+    get->callback([&context, getKey] { getPreference(context, *getKey); });
+
+    auto setArguments = std::make_shared<std::pair<std::string, std::string>>();
+    auto* set = prefs->add_subcommand(
+        "set", "Change one preference; out-of-range values are clamped as in the application");
+    set->add_option("key", setArguments->first, "The preference's key")->required();
+    set->add_option("value", setArguments->second,
+                    "true/false, a number, seconds (or 25m, 1h30m) or text, by key")
+        ->required();
+    set->callback([&context, setArguments] {
+        setPreference(context, setArguments->first, setArguments->second);
+    });
+
+    prefs
+        ->add_subcommand("reset",
+                         "Put every preference back to its default (history and templates stay)")
+        ->callback([&context] { resetPreferences(context); });
+}
+
+}  // namespace lumenote::cli
