@@ -141,6 +141,16 @@ TEST_F(PrefsCommandsTest, AnUnreadableFileIsReportedAndDefaultsAreUsed) {
               1U);
 }
 
+TEST_F(PrefsCommandsTest, AChangeThatCannotBeWrittenIsRefused) {
+    // A file where the preferences folder belongs: nothing can be written there.
+    lumenote::testing::writeFile(defaultsPath().parent_path(), "in the way");
+    const CliRun set = run({"prefs", "set", "general.startHidden", "true"});
+    EXPECT_EQ(set.status, 1);
+    EXPECT_THAT(set.err, HasSubstr("Lumenote could not save its preferences ("));
+    EXPECT_EQ(set.out, "");
+    EXPECT_EQ(lumenote::testing::readFile(defaultsPath().parent_path()), "in the way");
+}
+
 TEST_F(PrefsCommandsTest, EverySubcommandHasHelp) {
     for (const char* command : {"list", "get", "set", "reset"}) {
         const CliRun help = run({"prefs", command, "--help"});
