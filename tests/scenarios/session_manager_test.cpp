@@ -1,0 +1,260 @@
+// The session manager over a real SQLite file, fake clocks and an in-memory
+// checkpoint store: start refusals, saving, recalculation and the undo window.
+#include "recording/session_manager.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <limits>
+
+#include "platform/fake/fake_platform.hpp"
+#include "settings/in_memory_defaults_domain.hpp"
+#include "settings/preferences_store.hpp"
+#include "settings/recording_preferences_adapter.hpp"
+#include "store/sqlite_recording_store.hpp"
+
+namespace lumenote {
+namespace {
+
+class SessionManagerTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        char pattern[] = "/tmp/lumenote-manager.XXXXXX";
+        ASSERT_NE(mkdtemp(pattern), nullptr);
+        folder_ = pattern;
+        auto opened = SqliteRecordingStore::open(folder_ / "lumenote.sqlite");
+        ASSERT_TRUE(opened.ok());
+        store_ = std::move(opened).value();
+        frontmost_.current = FrontmostApplication{"Editor", "org.example.Editor"};
+        launch();
+    }
+    void TearDown() override {
+        manager_.reset();
+        store_.reset();
+        std::filesystem::remove_all(folder_);
+    }
+
+    void launch() {
+        manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
+            *store_, recordingPreferences_, idle_, clock_.monotonic(), clock_.wall(), frontmost_,
+            notifications_, browser_, checkpoints_});
+        manager_->startUp();
+    }
+
+    void tickFor(int seconds) {
+        for (int i = 0; i < seconds; ++i) {
+            clock_.advance(1.0);
+            manager_->tick();
+        }
+    }
+
+    SessionStartRequest request(double duration = 1500.0) {
+        SessionStartRequest start;
+        start.subject = "Biology";
+        start.plannedDuration = duration;
+        return start;
+    }
+
+    std::vector<StudySession> stored() {
+        auto listed =
+            store_->listSessions(SessionQuery{.newestFirst = false, .includeChildren = true});
+        return listed.ok() ? *listed : std::vector<StudySession>{};
+    }
+
+    std::filesystem::path folder_;
+    fake::FakeClock clock_{Date{800000000.0}};
+    fake::FakeIdle idle_{clock_};
+    fake::FakeFrontmost frontmost_;
+    fake::FakeNotifications notifications_;
+    fake::FakeBrowser browser_;
+    InMemorySessionCheckpointStore checkpoints_;
+    InMemoryDefaultsDomain domain_;
+    PreferencesStore preferences_{domain_};
+    PreferencesForRecording recordingPreferences_{preferences_};
+    std::unique_ptr<SqliteRecordingStore> store_;
+    std::unique_ptr<SessionManager> manager_;
+};
+
+TEST_F(SessionManagerTest, PlannedDurationBoundaries) {
+    struct Case {
+        double duration;
+        bool accepted;
+    };
+    for (const Case& c :
+         {Case{86400.0, true}, Case{86400.5, false}, Case{0.0, false}, Case{-1.0, false},
+          Case{std::nan(""), false}, Case{std::numeric_limits<double>::infinity(), false},
+          Case{0.001, true}}) {
+        SCOPED_TRACE(c.duration);
+        const auto started = manager_->start(request(c.duration));
+        EXPECT_EQ(started.ok(), c.accepted);
+        if (c.accepted) {
+            ASSERT_TRUE(manager_->end().ok());
+        } else {
+            EXPECT_EQ(started.error(), SessionFailure::invalidDuration);
+            EXPECT_EQ(manager_->lastError(), "Choose a valid duration.");
+            EXPECT_FALSE(manager_->activeSession());
+        }
+        manager_->clearLastError();
+    }
+}
+
+TEST_F(SessionManagerTest, SubjectOfOnlyWhiteSpaceIsRefused) {
+    SessionStartRequest start = request();
+    start.subject = " \t\n ";
+    EXPECT_EQ(manager_->start(start).error(), SessionFailure::subjectMissing);
+    EXPECT_EQ(manager_->lastError(), "Add a subject.");
+    EXPECT_TRUE(stored().empty());
+}
+
+TEST_F(SessionManagerTest, SecondStartChangesNothing) {
+    ASSERT_TRUE(manager_->start(request()).ok());
+    const Uuid first = manager_->activeSession()->id;
+    SessionStartRequest other = request();
+    other.subject = "Chemistry";
+    EXPECT_EQ(manager_->start(other).error(), SessionFailure::sessionAlreadyActive);
+    EXPECT_EQ(manager_->activeSession()->id, first);
+    EXPECT_EQ(manager_->activeSession()->subject, "Biology");
+    EXPECT_EQ(stored().size(), 1u);
+}
+
+TEST_F(SessionManagerTest, EndDateIsSetExactlyWhenTheSessionStopsBeingLive) {
+    ASSERT_TRUE(manager_->start(request()).ok());
+    tickFor(5);
+    ASSERT_TRUE(manager_->pause().ok());
+    EXPECT_FALSE(stored()[0].endDate);
+    ASSERT_TRUE(manager_->end().ok());
+    const StudySession finished = stored()[0];
+    EXPECT_EQ(finished.status(), StudySessionStatus::completed);
+    ASSERT_TRUE(finished.endDate);
+    EXPECT_TRUE(checkpoints_.checkpoint == std::nullopt);
+}
+
+TEST_F(SessionManagerTest, OpenSegmentIsWrittenAtTheSaveCadenceNotEveryTick) {
+    ASSERT_TRUE(manager_->start(request(86400.0)).ok());
+    tickFor(kSaveCadenceTicks - 1);
+    EXPECT_TRUE(stored()[0].segments.empty());
+    tickFor(1);
+    ASSERT_EQ(stored()[0].segments.size(), 1u);
+    EXPECT_DOUBLE_EQ(stored()[0].segments[0].duration, kSaveCadenceTicks);
+    tickFor(kSaveCadenceTicks);
+    ASSERT_EQ(stored()[0].segments.size(), 1u);
+    EXPECT_DOUBLE_EQ(stored()[0].segments[0].duration, 2.0 * kSaveCadenceTicks);
+    ASSERT_TRUE(checkpoints_.checkpoint);
+    EXPECT_DOUBLE_EQ(checkpoints_.checkpoint->confirmedDuration, 2.0 * kSaveCadenceTicks);
+}
+
+TEST_F(SessionManagerTest, FailedCheckpointWriteNeverStopsRecording) {
+    checkpoints_.failWrites = true;
+    ASSERT_TRUE(manager_->start(request()).ok());
+    EXPECT_EQ(manager_->lastError(),
+              "The recovery checkpoint could not be saved. Persisted study activity remains "
+              "available.");
+    tickFor(30);
+    frontmost_.current = FrontmostApplication{"Browser", "org.example.Browser"};
+    manager_->applicationActivated();
+    tickFor(30);
+    ASSERT_TRUE(manager_->end().ok());
+    EXPECT_EQ(stored()[0].segments.size(), 2u);
+    EXPECT_DOUBLE_EQ(stored()[0].timerDuration, 60.0);
+}
+
+TEST_F(SessionManagerTest, DamagedCheckpointIsReportedAtLaunch) {
+    checkpoints_.returnsCorrupt = true;
+    launch();
+    EXPECT_EQ(manager_->lastError(),
+              "A damaged recovery checkpoint was isolated. Persisted study activity remains "
+              "available.");
+    EXPECT_FALSE(manager_->pendingRecoverySession());
+}
+
+TEST_F(SessionManagerTest, CheckpointOfAFinishedSessionIsRemovedWithoutAQuestion) {
+    ASSERT_TRUE(manager_->start(request()).ok());
+    tickFor(10);
+    const auto leftOver = checkpoints_.checkpoint;
+    ASSERT_TRUE(manager_->end().ok());
+    checkpoints_.checkpoint = leftOver;
+    launch();
+    EXPECT_FALSE(manager_->pendingRecoverySession());
+    EXPECT_FALSE(checkpoints_.checkpoint);
+    EXPECT_FALSE(manager_->lastError());
+}
+
+TEST_F(SessionManagerTest, ChangedDerivedRevisionRecalculatesFinishedSessions) {
+    ASSERT_TRUE(manager_->start(request()).ok());
+    tickFor(90);
+    ASSERT_TRUE(manager_->end().ok());
+    StudySession tampered = stored()[0];
+    tampered.unclassifiedDurationStorage = 1.0;
+    tampered.segments.clear();
+    StoreChangeSet changes;
+    changes.sessions.push_back(tampered);
+    ASSERT_TRUE(store_->apply(changes).ok());
+
+    preferences_.setDerivedRevision(kDerivedTotalsRevision);
+    launch();
+    EXPECT_DOUBLE_EQ(stored()[0].unclassifiedDuration(), 1.0);
+    preferences_.setDerivedRevision(kDerivedTotalsRevision - 1);
+    launch();
+    EXPECT_DOUBLE_EQ(stored()[0].unclassifiedDuration(), 90.0);
+    EXPECT_EQ(preferences_.derivedRevision(), kDerivedTotalsRevision);
+}
+
+TEST_F(SessionManagerTest, DeletionUndoOfferEndsAfterItsTime) {
+    ASSERT_TRUE(manager_->start(request()).ok());
+    tickFor(5);
+    ASSERT_TRUE(manager_->end().ok());
+    ASSERT_TRUE(manager_->deleteSessions({stored()[0].id}).ok());
+    EXPECT_TRUE(manager_->canUndoSessionDeletion());
+    EXPECT_EQ(manager_->sessionDeletionUndoDescription(), "1 sessions deleted");
+    tickFor(static_cast<int>(kDeletionUndoSeconds) - 1);
+    EXPECT_TRUE(manager_->canUndoSessionDeletion());
+    tickFor(1);
+    EXPECT_FALSE(manager_->canUndoSessionDeletion());
+    EXPECT_FALSE(manager_->undoSessionDeletion().ok());
+    EXPECT_TRUE(stored().empty());
+}
+
+TEST_F(SessionManagerTest, EditingTrimsAndLimitsTheTexts) {
+    ASSERT_TRUE(manager_->start(request()).ok());
+    ASSERT_TRUE(manager_->end().ok());
+    const Uuid id = stored()[0].id;
+    const std::string twoHundred(200, 's');
+    EXPECT_TRUE(manager_->editSession(id, "  " + twoHundred + "\n", " goal ", "  ").ok());
+    EXPECT_EQ(stored()[0].subject, twoHundred);
+    EXPECT_EQ(stored()[0].goal, "goal");
+    EXPECT_FALSE(stored()[0].notes());
+    EXPECT_EQ(manager_->editSession(id, twoHundred + "s", "", std::nullopt).error(),
+              SessionFailure::subjectTooLong);
+    EXPECT_EQ(manager_->lastError(), "Subject must be 200 characters or fewer.");
+    // Characters, not bytes: 200 two-byte letters fit.
+    std::string accented;
+    for (int i = 0; i < 200; ++i) {
+        accented += "é";
+    }
+    EXPECT_TRUE(manager_->editSession(id, accented, "", std::nullopt).ok());
+    EXPECT_EQ(manager_->editSession(id, "   ", "", std::nullopt).error(),
+              SessionFailure::subjectEmpty);
+    EXPECT_EQ(manager_->editSession(id, "x", std::string(501, 'g'), std::nullopt).error(),
+              SessionFailure::goalTooLong);
+    EXPECT_EQ(stored()[0].subject, accented);
+}
+
+TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreferences) {
+    ASSERT_TRUE(manager_->saveApplicationClassification("org.example.Editor", "Editor",
+                                                        ActivityClassification::focused));
+    preferences_.setInactivityThreshold(600);
+    ASSERT_TRUE(manager_->start(request()).ok());
+    EXPECT_EQ(manager_->resetAllData().error(), SessionFailure::resetWhileActive);
+    ASSERT_TRUE(manager_->end().ok());
+    ASSERT_TRUE(manager_->resetAllData().ok());
+    EXPECT_TRUE(stored().empty());
+    EXPECT_TRUE(store_->appClassifications()->empty());
+    EXPECT_EQ(
+        manager_->classificationLookup().applicationClassification("org.example.Editor", "Editor"),
+        ActivityClassification::unclassified);
+    EXPECT_DOUBLE_EQ(preferences_.inactivityThreshold(), 90.0);
+}
+
+}  // namespace
+}  // namespace lumenote
