@@ -18,4 +18,10 @@ void installPrefsCommands(CLI::App& app, CliContext& context);
 // `templates list|show|add|edit|delete|favorite|enable|disable|move`.
 void installTemplatesCommands(CLI::App& app, CliContext& context);
 
+// `sessions`, `show`, `edit`, `delete` and `reset`: the recorded history.
+void installSessionCommands(CLI::App& app, CliContext& context);
+
+// `rules list|starter|set-app|set-website|clear-apps|clear-websites`.
+void installRulesCommands(CLI::App& app, CliContext& context);
+
 }  // namespace lumenote::cli

@@ -18,7 +18,8 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.set_version_flag("--version", versionLine());
     app.require_subcommand(0, 1);
     app.fallthrough(false);
-    for (auto install : {installPathsCommand, installPrefsCommands, installTemplatesCommands}) {
+    for (auto install : {installPathsCommand, installPrefsCommands, installTemplatesCommands,
+                         installSessionCommands, installRulesCommands}) {
         install(app, context);
     }
 

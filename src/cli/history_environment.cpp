@@ -1,0 +1,147 @@
+#include "cli/history_environment.hpp"
+
+#include <fmt/format.h>
+
+#include <cctype>
+
+#include "foundation/text.hpp"
+#include "store/sqlite_recording_store.hpp"
+#include "store/store_files.hpp"
+
+namespace lumenote::cli {
+
+std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::string_view detail) {
+    switch (failure) {
+        case HistoryCommandFailure::historyUnreadable:
+            return fmt::format("Session history could not be read: {}", detail);
+        case HistoryCommandFailure::sessionIdMalformed:
+            return fmt::format(
+                "\"{}\" is not a session id. Give the whole id or at least its first {} hex "
+                "digits.",
+                detail, kMinimumSessionIdPrefixDigits);
+        case HistoryCommandFailure::sessionIdUnknown:
+            return fmt::format("No session has the id {}.", detail);
+        case HistoryCommandFailure::sessionIdAmbiguous:
+            return fmt::format("More than one session has an id starting with {}:", detail);
+        case HistoryCommandFailure::editWhileActive:
+            return "End the active session before editing it.";
+        case HistoryCommandFailure::resetNotConfirmed:
+            return "Nothing was reset. To reset Lumenote, run: lumenote-cli reset --confirm RESET";
+    }
+    return {};
+}
+
+HistoryEnvironment::HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store)
+    : paths_(std::move(paths)), store_(std::move(store)), calendar_(LocalCalendar::current()) {}
+
+Result<std::unique_ptr<HistoryEnvironment>, std::string> HistoryEnvironment::open(
+    const UserPaths& paths) {
+    auto store = SqliteRecordingStore::open(storePath(paths));
+    if (!store.ok()) {
+        return fail(storageOpenFailureMessage(store.error()));
+    }
+    return std::unique_ptr<HistoryEnvironment>(
+        new HistoryEnvironment(paths, std::move(store).value()));
+}
+
+SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
+    if (manager_) {
+        return *manager_;
+    }
+    defaults_ = std::make_unique<JsonFileDefaultsDomain>(
+        JsonFileDefaultsDomain::pathFor(paths_), [this] { return platform_.wallClock.now(); });
+    preferences_ = std::make_unique<PreferencesStore>(*defaults_);
+    recordingPreferences_ = std::make_unique<PreferencesForRecording>(*preferences_);
+    manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
+        *store_, *recordingPreferences_, platform_.idleTime, platform_.monotonicClock,
+        platform_.wallClock, platform_.frontmostApplication, platform_.notifications,
+        platform_.browserTracking, checkpoints_});
+    manager_->startUp();
+    if (const auto& problem = manager_->lastError()) {
+        warnings << *problem << '\n';
+        manager_->clearLastError();
+    }
+    return *manager_;
+}
+
+Result<bool, StoreError> HistoryEnvironment::holdsLiveSession() {
+    auto live = store_->liveSessions();
+    if (!live.ok()) {
+        return fail(live.error());
+    }
+    return !live->empty();
+}
+
+namespace {
+
+// The hex digits of `text` in lower case with hyphens dropped; nullopt when
+// anything else appears.
+std::optional<std::string> hexDigits(std::string_view text) {
+    std::string digits;
+    for (const char c : text) {
+        if (c == '-') {
+            continue;
+        }
+        if (!std::isxdigit(static_cast<unsigned char>(c))) {
+            return std::nullopt;
+        }
+        digits.push_back(static_cast<char>(std::tolower(static_cast<unsigned char>(c))));
+    }
+    return digits;
+}
+
+}  // namespace
+
+Result<Uuid, std::string> HistoryEnvironment::resolveSessionId(std::string_view text) {
+    const std::string given = text::trimmed(text);
+    if (const auto whole = Uuid::parse(given)) {
+        auto loaded = store_->loadSession(*whole);
+        if (!loaded.ok()) {
+            return fail(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                     loaded.error().description));
+        }
+        if (!loaded->has_value()) {
+            return fail(
+                historyCommandFailureMessage(HistoryCommandFailure::sessionIdUnknown, given));
+        }
+        return *whole;
+    }
+    const auto prefix = hexDigits(given);
+    if (!prefix || prefix->size() < kMinimumSessionIdPrefixDigits || prefix->size() > 32) {
+        return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIdMalformed, given));
+    }
+    auto sessions = store_->listSessions(SessionQuery{});
+    if (!sessions.ok()) {
+        return fail(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                 sessions.error().description));
+    }
+    std::vector<Uuid> matches;
+    for (const StudySession& session : *sessions) {
+        if (hexDigits(session.id.lowerString())->starts_with(*prefix)) {
+            matches.push_back(session.id);
+        }
+    }
+    if (matches.empty()) {
+        return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIdUnknown, given));
+    }
+    if (matches.size() > 1) {
+        std::string message =
+            historyCommandFailureMessage(HistoryCommandFailure::sessionIdAmbiguous, given);
+        for (const Uuid& id : matches) {
+            message += "\n  " + id.upperString();
+        }
+        return fail(std::move(message));
+    }
+    return matches.front();
+}
+
+std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(CliContext& context) {
+    auto opened = HistoryEnvironment::open(context.paths);
+    if (!opened.ok()) {
+        context.refuse(opened.error());
+        return nullptr;
+    }
+    return std::move(opened).value();
+}
+
+}  // namespace lumenote::cli

@@ -1,0 +1,102 @@
+// What the history and rules commands of lumenote-cli work through: the
+// object store, the preferences and a session manager over a platform that
+// observes nothing, opened in one place so that every command sees the same
+// wiring; plus session-id lookup and the commands' own refusals.
+//
+// The command line never records. A session recorded by another process (the
+// recorder) is visible only as a stored session whose status is running or
+// paused, so such a stored session counts as the active session: deleting,
+// deleting all, resetting and editing it are refused while it exists. Editing
+// a live session is refused because the recorder rewrites its session row at
+// every save, which would silently undo the edit.
+#pragma once
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/cli_context.hpp"
+#include "foundation/dates.hpp"
+#include "foundation/result.hpp"
+#include "foundation/user_paths.hpp"
+#include "recording/headless_platform.hpp"
+#include "recording/recording_store.hpp"
+#include "recording/session_checkpoint_store.hpp"
+#include "recording/session_manager.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preferences_store.hpp"
+#include "settings/recording_preferences_adapter.hpp"
+
+namespace lumenote::cli {
+
+// Refusals of the history commands that the recorder itself never makes.
+enum class HistoryCommandFailure {
+    historyUnreadable,   // {error}: the store could not be read
+    sessionIdMalformed,  // {id}
+    sessionIdUnknown,    // {id}
+    sessionIdAmbiguous,  // {id}
+    editWhileActive,
+    resetNotConfirmed,
+};
+
+std::string historyCommandFailureMessage(HistoryCommandFailure failure,
+                                         std::string_view detail = {});
+
+// The fewest hex digits a session-id prefix must have.
+inline constexpr std::size_t kMinimumSessionIdPrefixDigits = 8;
+
+class HistoryEnvironment {
+  public:
+    // Opens (creating when absent) the store under `paths`. Fails with the
+    // sentence for a store that cannot be opened.
+    static Result<std::unique_ptr<HistoryEnvironment>, std::string> open(const UserPaths& paths);
+
+    HistoryEnvironment(const HistoryEnvironment&) = delete;
+    HistoryEnvironment& operator=(const HistoryEnvironment&) = delete;
+
+    RecordingStore& store() { return *store_; }
+    // The local time zone the commands show dates in.
+    const LocalCalendar& calendar() const { return calendar_; }
+
+    // The session manager, built on first use: reading the preferences and
+    // starting it up (loading the rule caches, and recalculating stored totals
+    // when their revision changed, as the application does at launch) happen
+    // only for commands that change something. A problem met while starting
+    // up is written to `warnings` and cleared, so that the manager's last
+    // error afterwards belongs to the command's own operation.
+    SessionManager& manager(std::ostream& warnings);
+
+    // Whether the store holds a running or paused session.
+    Result<bool, StoreError> holdsLiveSession();
+
+    // The session named by `text`: a full id in either letter case, or a
+    // prefix of at least kMinimumSessionIdPrefixDigits hex digits (hyphens
+    // ignored) that exactly one stored session starts with. Fails with the
+    // message to show; an ambiguous prefix lists the sessions it matches,
+    // newest first.
+    Result<Uuid, std::string> resolveSessionId(std::string_view text);
+
+  private:
+    HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store);
+
+    UserPaths paths_;
+    std::unique_ptr<RecordingStore> store_;
+    LocalCalendar calendar_;
+    HeadlessPlatform platform_;
+    // The recovery checkpoint belongs to the recorder: the command line must
+    // never read, move aside or remove it, so its manager keeps an empty
+    // checkpoint in memory instead.
+    InMemorySessionCheckpointStore checkpoints_;
+    std::unique_ptr<JsonFileDefaultsDomain> defaults_;
+    std::unique_ptr<PreferencesStore> preferences_;
+    std::unique_ptr<PreferencesForRecording> recordingPreferences_;
+    std::unique_ptr<SessionManager> manager_;
+};
+
+// Opens the environment for a command. When the store cannot be opened the
+// command is refused with the reason and nullptr is returned.
+std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(CliContext& context);
+
+}  // namespace lumenote::cli

@@ -1,0 +1,192 @@
+#include "cli/session_text.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "foundation/numeric.hpp"
+#include "foundation/text.hpp"
+#include "recording/focus_score_text.hpp"
+
+namespace lumenote::cli {
+
+namespace {
+
+namespace Tracking = TrackingCalculationService;
+
+constexpr std::size_t kSubjectColumnLimit = 40;
+constexpr std::string_view kEllipsis = "…";
+
+// "2026-11-16 09:00:00" in the calendar's zone.
+std::string localDateTime(Date date, const LocalCalendar& calendar) {
+    const std::string iso = calendar.formatIso8601(date);
+    return iso.substr(0, 10) + " " + iso.substr(11, 8);
+}
+
+std::string localTimeOfDay(Date date, const LocalCalendar& calendar) {
+    return calendar.formatIso8601(date).substr(11, 8);
+}
+
+// `text` on one line, cut to `limit` characters with an ellipsis.
+std::string cellText(std::string_view text, std::size_t limit) {
+    std::string line = text::collapsingWhiteSpace(text);
+    if (text::characterCount(line) <= limit) {
+        return line;
+    }
+    return text::prefixCharacters(line, limit - 1) + std::string(kEllipsis);
+}
+
+// Pads to `width` characters (not bytes), so that non-ASCII subjects line up.
+std::string padded(const std::string& cell, std::size_t width) {
+    const std::size_t count = text::characterCount(cell);
+    return count >= width ? cell : cell + std::string(width - count, ' ');
+}
+
+std::optional<double> displayedScore(const StudySession& session) {
+    return Tracking::displayableFocusScore(session.focusScore,
+                                           session.focusedDuration + session.distractedDuration);
+}
+
+std::string segmentLabel(const ActivitySegment& segment) {
+    switch (segment.activitySource()) {
+        case ActivitySourceType::website:
+            if (segment.hostname) {
+                return *segment.hostname;
+            }
+            break;
+        case ActivitySourceType::localPDF:
+            return segment.pdfDisplayLabel().value_or("Local PDF");
+        default:
+            break;
+    }
+    if (segment.bundleIdentifier.empty()) {
+        return segment.applicationName;
+    }
+    return fmt::format("{} ({})", segment.applicationName, segment.bundleIdentifier);
+}
+
+}  // namespace
+
+std::string countText(std::size_t count, std::string_view singular, std::string_view plural) {
+    return fmt::format("{} {}", count, count == 1 ? singular : plural);
+}
+
+std::string clockDurationText(double seconds) {
+    const double whole = std::isfinite(seconds) ? std::floor(std::max(0.0, seconds)) : 0.0;
+    const auto total = static_cast<long long>(std::min(whole, kMaximumDurationSeconds));
+    return fmt::format("{}:{:02}:{:02}", total / 3600, total / 60 % 60, total % 60);
+}
+
+std::optional<double> storedCoverage(const StudySession& session) {
+    const double evidence = session.focusedDuration + session.distractedDuration;
+    const double accounted = evidence + session.neutralDuration + session.unclassifiedDuration() +
+                             session.inactiveDuration;
+    if (!std::isfinite(accounted) || accounted < 1.0) {
+        return std::nullopt;
+    }
+    return percentRatio(evidence, accounted);
+}
+
+std::string sessionTableText(const std::vector<StudySession>& sessions,
+                             const LocalCalendar& calendar) {
+    if (sessions.empty()) {
+        return "No sessions recorded yet.\n";
+    }
+    struct Row {
+        std::string started, subject, status, timer, score, id;
+    };
+    std::vector<Row> rows{{"Started", "Subject", "Status", "Timer", "Focus", "Id"}};
+    for (const StudySession& session : sessions) {
+        rows.push_back(
+            {localDateTime(session.startDate, calendar),
+             cellText(session.subject, kSubjectColumnLimit),
+             std::string(rawValue(session.status())), clockDurationText(session.timerDuration),
+             Tracking::formatFocusScore(displayedScore(session)), session.id.upperString()});
+    }
+    std::size_t subjectWidth = 0;
+    std::size_t statusWidth = 0;
+    std::size_t timerWidth = 0;
+    std::size_t scoreWidth = 0;
+    for (const Row& row : rows) {
+        subjectWidth = std::max(subjectWidth, text::characterCount(row.subject));
+        statusWidth = std::max(statusWidth, row.status.size());
+        timerWidth = std::max(timerWidth, row.timer.size());
+        scoreWidth = std::max(scoreWidth, text::characterCount(row.score));
+    }
+    std::string table;
+    for (const Row& row : rows) {
+        table += fmt::format("{}  {}  {}  {}  {}  {}\n", padded(row.started, 19),
+                             padded(row.subject, subjectWidth), padded(row.status, statusWidth),
+                             padded(row.timer, timerWidth), padded(row.score, scoreWidth), row.id);
+    }
+    return table;
+}
+
+std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar) {
+    std::string detail;
+    auto line = [&detail](std::string_view label, std::string_view value) {
+        detail += fmt::format("{:<14}{}\n", label, value);
+    };
+    line("Subject:", session.subject);
+    line("Goal:", session.goal.empty() ? Tracking::kAbsentScoreText : session.goal);
+    if (session.notes()) {
+        // Later lines of the notes are indented under the first.
+        std::string notes;
+        for (const char c : *session.notes()) {
+            notes += c;
+            if (c == '\n') {
+                notes += std::string(14, ' ');
+            }
+        }
+        line("Notes:", notes);
+    }
+    line("Id:", session.id.upperString());
+    line("Status:", rawValue(session.status()));
+    line("Started:", localDateTime(session.startDate, calendar));
+    line("Ended:", session.endDate ? localDateTime(*session.endDate, calendar)
+                                   : std::string(Tracking::kAbsentScoreText));
+    line("Timing:", session.timingMode() == SessionTimingMode::timer
+                        ? fmt::format("timer of {}", clockDurationText(session.plannedDuration))
+                        : std::string("open-ended"));
+    line("Study mode:", rawValue(session.studyMode()));
+    line("Timer:", clockDurationText(session.timerDuration));
+    if (const auto score = displayedScore(session)) {
+        line("Focus score:", Tracking::formatFocusScore(score));
+        line("Coverage:", Tracking::formatScoreCoverage(storedCoverage(session)));
+    } else {
+        detail += fmt::format("{}\n", Tracking::kFocusScoreNotAvailableText);
+    }
+
+    detail += "Totals\n";
+    const std::pair<std::string_view, double> totals[] = {
+        {"Focused", session.focusedDuration},
+        {"Distracted", session.distractedDuration},
+        {"Neutral", session.neutralDuration},
+        {"Unclassified", session.unclassifiedDuration()},
+        {"Ignored", session.ignoredDuration()},
+        {"No input", session.inactiveDuration},
+        {"Passive study", session.passiveStudyDuration()},
+        {"Break", session.confirmedBreakDuration()},
+        {"System excluded", session.systemExcludedDuration()},
+    };
+    for (const auto& [name, seconds] : totals) {
+        detail += fmt::format("  {:<16}{:>9}\n", name, clockDurationText(seconds));
+    }
+
+    if (session.segments.empty()) {
+        detail += "No segments recorded.\n";
+        return detail;
+    }
+    detail += fmt::format("Segments ({})\n", session.segments.size());
+    for (const ActivitySegment& segment : session.segments) {
+        detail += fmt::format("  {}–{}  {:>8}  {:<12}  {}{}\n",
+                              localTimeOfDay(segment.startDate, calendar),
+                              localTimeOfDay(segment.endDate, calendar),
+                              clockDurationText(segment.duration), segment.classificationRawValue,
+                              segmentLabel(segment), segment.isInactive ? " · no input" : "");
+    }
+    return detail;
+}
+
+}  // namespace lumenote::cli

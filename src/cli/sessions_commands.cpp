@@ -1,0 +1,316 @@
+// `sessions`, `show`, `edit`, `delete` and `reset`: the recorded history.
+// Changes go through the session manager, so that they are refused and
+// reported with the same rules and sentences as in the application. The
+// deletion undo offer of the application does not outlive this process, so
+// the command line cannot undo a deletion.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/commands.hpp"
+#include "cli/history_environment.hpp"
+#include "cli/session_text.hpp"
+#include "recording/session_json.hpp"
+
+namespace lumenote::cli {
+
+namespace {
+
+constexpr std::string_view kResetConfirmation = "RESET";
+
+void printJson(CliContext& context, const nlohmann::json& value) {
+    // Text that is not valid UTF-8 is replaced rather than failing the output.
+    context.out << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
+}
+
+// Refuses with `failure` when the store holds a running or paused session.
+// Returns whether the command may go on.
+bool noLiveSession(HistoryEnvironment& environment, CliContext& context, SessionFailure failure) {
+    auto live = environment.holdsLiveSession();
+    if (!live.ok()) {
+        context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                    live.error().description));
+        return false;
+    }
+    if (*live) {
+        context.refuse(sessionFailureMessage(failure));
+        return false;
+    }
+    return true;
+}
+
+// Reports a refused manager operation with the sentence the manager chose.
+void refuseFromManager(CliContext& context, const SessionManager& manager, SessionFailure failure) {
+    context.refuse(manager.lastError().value_or(sessionFailureMessage(failure)));
+}
+
+std::optional<StudySession> loadResolved(HistoryEnvironment& environment, CliContext& context,
+                                         const std::string& idText) {
+    auto id = environment.resolveSessionId(idText);
+    if (!id.ok()) {
+        context.refuse(id.error());
+        return std::nullopt;
+    }
+    auto loaded = environment.store().loadSession(*id);
+    if (!loaded.ok()) {
+        context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                    loaded.error().description));
+        return std::nullopt;
+    }
+    if (!loaded->has_value()) {
+        context.refuse(sessionFailureMessage(SessionFailure::sessionNotFound));
+        return std::nullopt;
+    }
+    return std::move(**loaded);
+}
+
+void installList(CLI::App& app, CliContext& context) {
+    auto* command = app.add_subcommand("sessions", "List the recorded sessions, newest first");
+    auto asJson = std::make_shared<bool>(false);
+    command->add_flag("--json", *asJson, "Print the sessions as a JSON array");
+    command->callback([&context, asJson] {
+        auto environment = openHistoryEnvironment(context);
+        if (!environment) {
+            return;
+        }
+        auto sessions = environment->store().listSessions(SessionQuery{.newestFirst = true});
+        if (!sessions.ok()) {
+            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                        sessions.error().description));
+            return;
+        }
+        if (*asJson) {
+            nlohmann::json array = nlohmann::json::array();
+            for (const StudySession& session : *sessions) {
+                array.push_back(sessionJson(session, false));
+            }
+            printJson(context, array);
+            return;
+        }
+        context.out << sessionTableText(*sessions, environment->calendar());
+    });
+}
+
+void installShow(CLI::App& app, CliContext& context) {
+    auto* command = app.add_subcommand("show", "Show one session with its segments");
+    auto id = std::make_shared<std::string>();
+    auto asJson = std::make_shared<bool>(false);
+    command->add_option("ID", *id, "The session's id, or at least its first 8 hex digits")
+        ->required();
+    command->add_flag("--json", *asJson, "Print the session and its segments as JSON");
+    command->callback([&context, id, asJson] {
+        auto environment = openHistoryEnvironment(context);
+        if (!environment) {
+            return;
+        }
+        const auto session = loadResolved(*environment, context, *id);
+        if (!session) {
+            return;
+        }
+        if (*asJson) {
+            printJson(context, sessionJson(*session, true));
+            return;
+        }
+        context.out << sessionDetailText(*session, environment->calendar());
+    });
+}
+
+struct EditOptions {
+    std::string id;
+    std::optional<std::string> subject;
+    std::optional<std::string> goal;
+    std::optional<std::string> notes;
+};
+
+void installEdit(CLI::App& app, CliContext& context) {
+    auto* command =
+        app.add_subcommand("edit", "Change the subject, goal or notes of a finished session");
+    auto options = std::make_shared<EditOptions>();
+    command->add_option("ID", options->id, "The session's id, or at least its first 8 hex digits")
+        ->required();
+    command->add_option("--subject", options->subject, "The new subject (at most 200 characters)");
+    command->add_option("--goal", options->goal, "The new goal (at most 500 characters)");
+    command->add_option("--notes", options->notes,
+                        "The new notes (at most 5,000 characters; empty removes them)");
+    command->callback([&context, options] {
+        if (!options->subject && !options->goal && !options->notes) {
+            context.err << "edit: give --subject, --goal or --notes\n";
+            context.exitCode = kExitUsage;
+            return;
+        }
+        auto environment = openHistoryEnvironment(context);
+        if (!environment) {
+            return;
+        }
+        const auto session = loadResolved(*environment, context, options->id);
+        if (!session) {
+            return;
+        }
+        if (session->isLive()) {
+            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::editWhileActive));
+            return;
+        }
+        SessionManager& manager = environment->manager(context.err);
+        const auto edited =
+            manager.editSession(session->id, options->subject.value_or(session->subject),
+                                options->goal.value_or(session->goal),
+                                options->notes ? options->notes : session->notes());
+        if (!edited.ok()) {
+            refuseFromManager(context, manager, edited.error());
+            return;
+        }
+        context.out << fmt::format("Session {} updated.\n", session->id.upperString());
+    });
+}
+
+struct DeleteOptions {
+    std::vector<std::string> ids;
+    bool all = false;
+};
+
+void deleteSelected(HistoryEnvironment& environment, CliContext& context,
+                    const std::vector<std::string>& idTexts) {
+    // Every id is resolved before anything is deleted: one bad id deletes nothing.
+    std::vector<Uuid> ids;
+    for (const std::string& text : idTexts) {
+        auto id = environment.resolveSessionId(text);
+        if (!id.ok()) {
+            context.refuse(id.error());
+            return;
+        }
+        if (std::find(ids.begin(), ids.end(), *id) == ids.end()) {
+            ids.push_back(*id);
+        }
+    }
+    if (!noLiveSession(environment, context, SessionFailure::deleteWhileActive)) {
+        return;
+    }
+    SessionManager& manager = environment.manager(context.err);
+    if (auto deleted = manager.deleteSessions(ids); !deleted.ok()) {
+        refuseFromManager(context, manager, deleted.error());
+        return;
+    }
+    context.out << countText(ids.size(), "session", "sessions") << " deleted.\n";
+}
+
+void deleteEverySession(HistoryEnvironment& environment, CliContext& context) {
+    if (!noLiveSession(environment, context, SessionFailure::deleteAllWhileActive)) {
+        return;
+    }
+    auto count = environment.store().sessionCount();
+    if (!count.ok()) {
+        context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                    count.error().description));
+        return;
+    }
+    SessionManager& manager = environment.manager(context.err);
+    if (auto deleted = manager.deleteAllSessions(); !deleted.ok()) {
+        refuseFromManager(context, manager, deleted.error());
+        return;
+    }
+    context.out << countText(*count, "session", "sessions") << " deleted.\n";
+}
+
+void installDelete(CLI::App& app, CliContext& context) {
+    auto* command = app.add_subcommand(
+        "delete", "Delete sessions with their segments (the command line cannot undo this)");
+    auto options = std::make_shared<DeleteOptions>();
+    auto* ids = command->add_option("ID", options->ids,
+                                    "Ids of the sessions, or at least their first 8 hex digits");
+    command->add_flag("--all", options->all, "Delete every session")->excludes(ids);
+    command->callback([&context, options] {
+        if (options->ids.empty() && !options->all) {
+            context.err << "delete: give the ids of the sessions to delete, or --all\n";
+            context.exitCode = kExitUsage;
+            return;
+        }
+        auto environment = openHistoryEnvironment(context);
+        if (!environment) {
+            return;
+        }
+        if (options->all) {
+            deleteEverySession(*environment, context);
+        } else {
+            deleteSelected(*environment, context, options->ids);
+        }
+    });
+}
+
+// Counts what a reset removes, for the report printed after it.
+struct ResetCounts {
+    std::size_t sessions = 0;
+    std::size_t applicationRules = 0;
+    std::size_t websiteRules = 0;
+};
+
+std::optional<ResetCounts> countResettable(RecordingStore& store, CliContext& context) {
+    auto sessions = store.sessionCount();
+    auto applications = store.appClassifications();
+    auto websites = store.websiteClassifications();
+    for (const StoreError* error : {sessions.ok() ? nullptr : &sessions.error(),
+                                    applications.ok() ? nullptr : &applications.error(),
+                                    websites.ok() ? nullptr : &websites.error()}) {
+        if (error != nullptr) {
+            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                        error->description));
+            return std::nullopt;
+        }
+    }
+    return ResetCounts{*sessions, applications->size(), websites->size()};
+}
+
+void installReset(CLI::App& app, CliContext& context) {
+    auto* command =
+        app.add_subcommand("reset", "Remove the recorded history and rules (--confirm RESET)");
+    command->footer(
+        "Removes session history, classification rules, local PDF labels, and app and receipt "
+        "preferences. Templates, automatic backups, recovery files, and Chrome setup stay.");
+    auto confirmation = std::make_shared<std::string>();
+    command->add_option("--confirm", *confirmation, "Type RESET to confirm");
+    command->callback([&context, confirmation] {
+        if (*confirmation != kResetConfirmation) {
+            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::resetNotConfirmed));
+            return;
+        }
+        auto environment = openHistoryEnvironment(context);
+        if (!environment ||
+            !noLiveSession(*environment, context, SessionFailure::resetWhileActive)) {
+            return;
+        }
+        const auto counts = countResettable(environment->store(), context);
+        if (!counts) {
+            return;
+        }
+        SessionManager& manager = environment->manager(context.err);
+        if (auto reset = manager.resetAllData(); !reset.ok()) {
+            refuseFromManager(context, manager, reset.error());
+            return;
+        }
+        context.out << "Lumenote was reset.\n"
+                    << fmt::format(
+                           "Removed: {}, {}, {}, local PDF labels, and app and receipt "
+                           "preferences.\n",
+                           countText(counts->sessions, "session", "sessions"),
+                           countText(counts->applicationRules, "application rule",
+                                     "application rules"),
+                           countText(counts->websiteRules, "website rule", "website rules"))
+                    << "Kept: templates, automatic backups, recovery files, and Chrome setup.\n";
+    });
+}
+
+}  // namespace
+
+void installSessionCommands(CLI::App& app, CliContext& context) {
+    installList(app, context);
+    installShow(app, context);
+    installEdit(app, context);
+    installDelete(app, context);
+    installReset(app, context);
+}
+
+}  // namespace lumenote::cli

@@ -1,0 +1,51 @@
+// Platform services for a process that observes nothing: the command line
+// acting on stored history and rules builds a session manager over them, so
+// that its edits, deletions and rules follow the application's own code.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "recording/platform_services.hpp"
+#include "recording/time_providers.hpp"
+
+namespace lumenote {
+
+// No application is ever frontmost.
+class NoFrontmostApplication final : public FrontmostApplicationSource {
+  public:
+    std::optional<FrontmostApplication> frontmostApplication() override { return std::nullopt; }
+};
+
+// Input is always fresh: the idle time is 0 seconds.
+class NoIdleTime final : public IdleTimeProvider {
+  public:
+    double idleSeconds() override { return 0.0; }
+};
+
+// Notifications cannot be shown: posts are dropped, as a desktop without a
+// notification server would drop them.
+class UnavailableNotifications final : public NotificationService {
+  public:
+    void post(const std::string&, const std::string&) override {}
+    NotificationAuthorization authorization() override {
+        return NotificationAuthorization::unavailable;
+    }
+};
+
+// Every service a session manager needs, with the real clocks. Not movable:
+// the manager keeps references to the members.
+struct HeadlessPlatform {
+    HeadlessPlatform() = default;
+    HeadlessPlatform(const HeadlessPlatform&) = delete;
+    HeadlessPlatform& operator=(const HeadlessPlatform&) = delete;
+
+    NoFrontmostApplication frontmostApplication;
+    NoIdleTime idleTime;
+    UnavailableNotifications notifications;
+    NoBrowserTracking browserTracking;
+    SystemMonotonicTimeProvider monotonicClock;
+    SystemWallClock wallClock;
+};
+
+}  // namespace lumenote

@@ -1,0 +1,61 @@
+#include "cli/session_text.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace lumenote::cli {
+namespace {
+
+TEST(SessionTextTest, ClockDurationsDropFractionsAndNeverGoNegative) {
+    const std::pair<double, const char*> cases[] = {
+        {0.0, "0:00:00"},
+        {59.999, "0:00:59"},
+        {60.0, "0:01:00"},
+        {3599.5, "0:59:59"},
+        {3600.0, "1:00:00"},
+        {36061.0, "10:01:01"},
+        {-5.0, "0:00:00"},
+        {std::nan(""), "0:00:00"},
+        {std::numeric_limits<double>::infinity(), "0:00:00"},
+    };
+    for (const auto& [seconds, text] : cases) {
+        EXPECT_EQ(clockDurationText(seconds), text) << seconds;
+    }
+}
+
+TEST(SessionTextTest, CoverageCountsEvidenceAgainstAccountedTimeOnly) {
+    StudySession session;
+    session.focusedDuration = 0.25;
+    session.neutralDuration = 0.5;
+    EXPECT_EQ(storedCoverage(session), std::nullopt);  // under one second accounted
+
+    session.focusedDuration = 30.0;
+    session.distractedDuration = 30.0;
+    session.neutralDuration = 20.0;
+    session.setUnclassifiedDuration(10.0);
+    session.inactiveDuration = 30.0;
+    // Ignored and system-excluded time are no part of the accounted time.
+    session.setIgnoredDuration(500.0);
+    session.setSystemExcludedDuration(500.0);
+    ASSERT_TRUE(storedCoverage(session).has_value());
+    EXPECT_DOUBLE_EQ(*storedCoverage(session), 50.0);
+}
+
+TEST(SessionTextTest, LongOrMultiLineSubjectsStayOnOneLineOfTheTable) {
+    StudySession session(Uuid{}, std::string(38, 'x') + "\nÜberlang und mehr", "", 600,
+                         Date{800000000});
+    session.setStatus(StudySessionStatus::completed);
+    const std::string table = sessionTableText({session}, LocalCalendar::utc());
+    const auto firstBreak = table.find('\n');
+    ASSERT_NE(firstBreak, std::string::npos);
+    const std::string row = table.substr(firstBreak + 1);
+    EXPECT_EQ(std::count(row.begin(), row.end(), '\n'), 1) << row;
+    // 38 characters, the space that replaced the line break, then the cut.
+    EXPECT_NE(row.find(std::string(38, 'x') + " …  completed"), std::string::npos) << row;
+    EXPECT_TRUE(row.starts_with("2026-05-09 06:13:20  ")) << row;
+}
+
+}  // namespace
+}  // namespace lumenote::cli
