@@ -104,7 +104,6 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     sessionSegments_.clear();
     sessionConfirmations_.clear();
     openPassiveStudyInterval_.reset();
-    passiveStudyAnchor_.reset();
     noInputRunStart_.reset();
     pendingNoInputPrompt_.reset();
     openPersistedSegment_.reset();
@@ -187,6 +186,15 @@ Result<void, SessionFailure> SessionManager::end() {
     }
     const TrackingInstant instant = nowInstant();
     finishSession(instant, timerValueAt(instant.monotonicTime), StudySessionStatus::completed);
+    return {};
+}
+
+Result<void, SessionFailure> SessionManager::endAsInterrupted() {
+    if (!activeSession_) {
+        return fail(SessionFailure::noActiveSession);
+    }
+    const TrackingInstant instant = nowInstant();
+    finishSession(instant, timerValueAt(instant.monotonicTime), StudySessionStatus::interrupted);
     return {};
 }
 

@@ -140,6 +140,8 @@ class SessionManager {
     Result<void, SessionFailure> pause();
     Result<void, SessionFailure> resume();
     Result<void, SessionFailure> end();
+    // Closes the active session now as interrupted (quitting without ending it).
+    Result<void, SessionFailure> endAsInterrupted();
     // Called once a second by the host loop, whether or not a session runs.
     void tick();
     // The frontmost application changed: sample at once instead of at the next tick.
@@ -326,7 +328,6 @@ class SessionManager {
 
     std::vector<ConfirmedNoInputInterval> sessionConfirmations_;
     std::optional<ConfirmedNoInputInterval> openPassiveStudyInterval_;
-    std::optional<double> passiveStudyAnchor_;
     std::optional<double> noInputRunStart_;
     std::optional<Date> noInputRunStartDate_;
     std::optional<NoInputClassificationPrompt> pendingNoInputPrompt_;
@@ -342,7 +343,6 @@ class SessionManager {
     std::optional<ConfirmedBoundary> unsavedBoundary_;
     std::optional<double> openStretchStartMonotonic_;
     double accumulatedPauseDuration_ = 0.0;
-    std::optional<double> lastCheckpointWriteMonotonic_;
     std::optional<ActiveSessionCheckpoint> recoveredCheckpoint_;
     std::optional<StudySession> pendingRecoverySession_;
     std::optional<ActiveSessionRecoverySummary> pendingRecoverySummary_;

@@ -41,7 +41,6 @@ Result<void, SessionFailure> SessionManager::startPassiveStudy() {
     interval.session = activeSession_->id;
     pendingChanges_.confirmedIntervals.push_back(interval);
     openPassiveStudyInterval_ = std::move(interval);
-    passiveStudyAnchor_ = instant.monotonicTime;
     noInputRunStart_.reset();
     save();
     publish(ObservedField::liveStudyState);
@@ -65,7 +64,6 @@ void SessionManager::closeLivePassiveStudy(Date at) {
     }
     ConfirmedNoInputInterval interval = std::move(*openPassiveStudyInterval_);
     openPassiveStudyInterval_.reset();
-    passiveStudyAnchor_.reset();
     interval.endDate = std::max(at, interval.startDate);
     sessionConfirmations_.push_back(interval);
     pendingChanges_.confirmedIntervals.push_back(std::move(interval));

@@ -12,6 +12,25 @@
 
 namespace lumenote {
 
+namespace {
+
+// The fields of a checkpoint that come from the session record itself.
+ActiveSessionCheckpoint checkpointFor(const StudySession& session) {
+    ActiveSessionCheckpoint checkpoint;
+    checkpoint.sessionID = session.id;
+    checkpoint.startedAt = session.startDate;
+    checkpoint.expectedEndAt = session.startDate.addingSeconds(session.plannedDuration);
+    checkpoint.state = session.status() == StudySessionStatus::paused
+                           ? ActiveSessionCheckpointState::paused
+                           : ActiveSessionCheckpointState::recording;
+    checkpoint.calculationVersion = static_cast<long long>(
+        session.calculationVersion().value_or(kCurrentTrackingCalculationVersion));
+    checkpoint.templateID = session.originatingTemplateID();
+    return checkpoint;
+}
+
+}  // namespace
+
 void SessionManager::noteQueuedBoundary(TrackingInstant boundary) {
     unsavedBoundary_ = ConfirmedBoundary{boundary.wallDate, timerValueAt(boundary.monotonicTime)};
 }
@@ -21,13 +40,7 @@ void SessionManager::writeCheckpoint(TrackingInstant instant) {
         return;
     }
     const StudySession& session = *activeSession_;
-    ActiveSessionCheckpoint checkpoint;
-    checkpoint.sessionID = session.id;
-    checkpoint.startedAt = session.startDate;
-    checkpoint.expectedEndAt = session.startDate.addingSeconds(session.plannedDuration);
-    checkpoint.state = session.status() == StudySessionStatus::paused
-                           ? ActiveSessionCheckpointState::paused
-                           : ActiveSessionCheckpointState::recording;
+    ActiveSessionCheckpoint checkpoint = checkpointFor(session);
     checkpoint.confirmedDuration = confirmedBoundary_.timerValue;
     checkpoint.accumulatedPauseDuration = accumulatedPauseDuration_;
     checkpoint.lastConfirmedActivityAt = confirmedBoundary_.date;
@@ -36,7 +49,6 @@ void SessionManager::writeCheckpoint(TrackingInstant instant) {
     checkpoint.calculationVersion = static_cast<long long>(
         session.calculationVersion().value_or(kCurrentTrackingCalculationVersion));
     checkpoint.templateID = session.originatingTemplateID();
-    lastCheckpointWriteMonotonic_ = instant.monotonicTime;
     if (!checkpointStore_.save(checkpoint).ok()) {
         // Recording goes on: the store stays the record of truth.
         lastError_ = recoveryFailureMessage(RecoveryFailure::checkpointNotSaved);
@@ -108,13 +120,7 @@ void SessionManager::lookForUnfinishedSession() {
 }
 
 ActiveSessionCheckpoint SessionManager::checkpointFromStore(const StudySession& session) const {
-    ActiveSessionCheckpoint checkpoint;
-    checkpoint.sessionID = session.id;
-    checkpoint.startedAt = session.startDate;
-    checkpoint.expectedEndAt = session.startDate.addingSeconds(session.plannedDuration);
-    checkpoint.state = session.status() == StudySessionStatus::paused
-                           ? ActiveSessionCheckpointState::paused
-                           : ActiveSessionCheckpointState::recording;
+    ActiveSessionCheckpoint checkpoint = checkpointFor(session);
     Date boundary = session.startDate;
     double recorded = 0.0;
     for (const ActivitySegment& segment : session.segments) {
@@ -125,7 +131,6 @@ ActiveSessionCheckpoint SessionManager::checkpointFromStore(const StudySession& 
     checkpoint.lastConfirmedActivityAt = boundary;
     checkpoint.lastPersistedSegmentBoundaryAt = boundary;
     checkpoint.savedAt = boundary;
-    checkpoint.templateID = session.originatingTemplateID();
     return checkpoint;
 }
 

@@ -1,0 +1,128 @@
+#include "cli/record_view.hpp"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+#include "cli/session_text.hpp"
+#include "recording/focus_score_text.hpp"
+
+namespace lumenote::cli {
+
+namespace {
+
+std::string classificationName(ActivityClassification classification) {
+    switch (classification) {
+        case ActivityClassification::focused:
+            return "Focused";
+        case ActivityClassification::distracting:
+            return "Distracting";
+        case ActivityClassification::neutral:
+            return "Neutral";
+        case ActivityClassification::unclassified:
+            return "Unclassified";
+        case ActivityClassification::ignored:
+            return "Ignored";
+    }
+    return {};
+}
+
+std::string timerText(const RecordingSnapshot& snapshot) {
+    if (snapshot.timingMode == SessionTimingMode::timer) {
+        const double left = std::max(0.0, snapshot.plannedDuration - snapshot.timerValue);
+        return clockDurationText(std::ceil(left)) + " left";
+    }
+    return clockDurationText(snapshot.timerValue);
+}
+
+}  // namespace
+
+std::string statusLine(const RecordingSnapshot& snapshot) {
+    std::string line = snapshot.subject + " · ";
+    if (snapshot.status == StudySessionStatus::paused) {
+        return line + fmt::format("Paused {} · {} done", clockDurationText(snapshot.pauseDuration),
+                                  clockDurationText(snapshot.timerValue));
+    }
+    line += timerText(snapshot) + " · ";
+    if (snapshot.sleeping) {
+        return line + "Computer asleep or locked";
+    }
+    switch (snapshot.liveState) {
+        case LiveStudyState::passiveStudy:
+            return line + "Studying away from the computer";
+        case LiveStudyState::unconfirmedNoInput:
+            return line + "No input · " + snapshot.activityName;
+        case LiveStudyState::computerActivity:
+            break;
+    }
+    return line + snapshot.activityName + " · " + classificationName(snapshot.classification);
+}
+
+std::string keyHelp(bool paused, bool away) {
+    return fmt::format("[p] {}  [a] {}  [e] end  [q] quit", paused ? "resume" : "pause",
+                       away ? "back to computer study" : "study away from the computer");
+}
+
+std::string promptQuestion(const NoInputClassificationPrompt& prompt,
+                           const LocalCalendar& calendar) {
+    std::string text = noInputPromptText(prompt, calendar) + "\n";
+    if (asksToEndSession(prompt)) {
+        text += std::string(kLeftRunningExplanation) + "\n";
+        text +=
+            "[x] end the session there  [s] studying away from the computer  [b] break  "
+            "[l] leave unconfirmed";
+    } else {
+        text += "[s] studying away from the computer  [b] break  [l] leave unconfirmed";
+    }
+    return text;
+}
+
+std::string recoveryOffer(const ActiveSessionRecoverySummary& summary, const std::string& subject,
+                          const LocalCalendar& calendar) {
+    return fmt::format(
+        "{}\n{}\n\"{}\" started {}; {} confirmed, {} after the last confirmed moment left "
+        "out.\n[c] Continue From Now  [e] end it as interrupted",
+        kRecoveryPromptTitle, kRecoveryPromptDetail, subject,
+        calendar.formatIso8601(summary.startTime).substr(0, 16),
+        clockDurationText(summary.confirmedDuration), clockDurationText(summary.uncertainDuration));
+}
+
+std::string quitQuestion() {
+    return "A study session is active\n"
+           "Choose how Lumenote should handle the active session before quitting.\n"
+           "[e] End Session and Quit  [k] Keep Lumenote Running  [i] Quit and Mark Session "
+           "Interrupted";
+}
+
+std::string sessionSummary(const StudySession& session) {
+    using namespace TrackingCalculationService;
+    std::string text = fmt::format("{} — {} after {}\n", session.subject, session.statusRawValue,
+                                   clockDurationText(session.timerDuration));
+    const std::pair<const char*, double> totals[] = {
+        {"Focused", session.focusedDuration},
+        {"Distracting", session.distractedDuration},
+        {"Neutral", session.neutralDuration},
+        {"Unclassified", session.unclassifiedDuration()},
+        {"No input", session.inactiveDuration},
+        {"Ignored", session.ignoredDuration()},
+        {"Studying away from the computer", session.passiveStudyDuration()},
+        {"Break", session.confirmedBreakDuration()},
+        {"Computer asleep or locked", session.systemExcludedDuration()},
+    };
+    for (const auto& [name, seconds] : totals) {
+        if (seconds >= 0.5) {
+            text += fmt::format("  {:<32}{}\n", name, clockDurationText(seconds));
+        }
+    }
+    const double evidence = session.focusedDuration + session.distractedDuration;
+    const auto score = displayableFocusScore(session.focusScore, evidence);
+    if (score) {
+        text += fmt::format("Focus score {} · {}\n", formatFocusScore(score),
+                            formatScoreCoverage(storedCoverage(session)));
+    } else {
+        text += std::string(kNotEnoughEvidenceToShowScoreText) + "\n";
+    }
+    return text;
+}
+
+}  // namespace lumenote::cli

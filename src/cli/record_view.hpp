@@ -1,0 +1,53 @@
+// What `lumenote-cli record` shows: the live status line, the questions it
+// asks and the summary at the end. Pure text over plain values, so that the
+// terminal host only decides when to draw.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "recording/active_session_checkpoint.hpp"
+#include "recording/enumerations.hpp"
+#include "recording/no_input_prompt.hpp"
+#include "recording/session_records.hpp"
+
+namespace lumenote::cli {
+
+// What the live line is drawn from.
+struct RecordingSnapshot {
+    std::string subject;
+    StudySessionStatus status = StudySessionStatus::running;
+    SessionTimingMode timingMode = SessionTimingMode::timer;
+    double plannedDuration = 0.0;  // seconds
+    double timerValue = 0.0;       // seconds counted so far
+    double pauseDuration = 0.0;    // seconds of the current pause
+    LiveStudyState liveState = LiveStudyState::computerActivity;
+    std::string activityName;  // application, website or PDF label
+    ActivityClassification classification = ActivityClassification::unclassified;
+    bool sleeping = false;
+};
+
+// "Biology · 12:34 left · Text Editor · Focused", "Biology · Paused 3:02 ·
+// 10:00 done", "Biology · 25:00 · Studying away from the computer" ... The
+// timer reads as time left in timer mode and time elapsed when open-ended.
+std::string statusLine(const RecordingSnapshot& snapshot);
+
+// The keys offered on a terminal, for the line under the status.
+std::string keyHelp(bool paused, bool away);
+
+// The no-input question with its answer keys.
+std::string promptQuestion(const NoInputClassificationPrompt& prompt,
+                           const LocalCalendar& calendar);
+
+// The recovery offer at start with its choices.
+std::string recoveryOffer(const ActiveSessionRecoverySummary& summary, const std::string& subject,
+                          const LocalCalendar& calendar);
+
+// The question asked when quitting while a session is active.
+std::string quitQuestion();
+
+// The end-of-session summary: subject, status, duration, every total that is
+// not zero, the focus score (or why there is none) and its coverage.
+std::string sessionSummary(const StudySession& session);
+
+}  // namespace lumenote::cli
