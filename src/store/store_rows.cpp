@@ -1,32 +1,49 @@
 #include "store/store_rows.hpp"
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace lumenote {
 
 namespace {
 
+// `indexed` names the columns other than the key that some index covers.
 TableLayout makeLayout(std::string table, std::initializer_list<std::string_view> columns,
-                       std::string_view key) {
-    TableLayout layout{std::move(table), columns, {}, {}};
+                       std::string_view key, std::initializer_list<std::string_view> indexed) {
+    TableLayout layout{std::move(table), columns, {}, {}, {}};
     std::string placeholders;
-    std::string updates;
+    std::string upsertAssignments;
+    std::string plainAssignments;
+    std::string unchangedColumns;
     for (std::size_t index = 0; index < layout.columns.size(); ++index) {
-        const std::string_view column = layout.columns[index];
+        const std::string column(layout.columns[index]);
+        const std::string parameter = "?" + std::to_string(index + 1);
         if (index > 0) {
             layout.columnList += ", ";
             placeholders += ", ";
         }
         layout.columnList += column;
-        placeholders += "?" + std::to_string(index + 1);
-        if (column != key) {
-            updates += updates.empty() ? "" : ", ";
-            updates += std::string(column) + " = excluded." + std::string(column);
+        placeholders += parameter;
+        if (column == key) {
+            unchangedColumns = column + " = " + parameter + unchangedColumns;
+            continue;
+        }
+        upsertAssignments += upsertAssignments.empty() ? "" : ", ";
+        upsertAssignments += column + " = excluded." + column;
+        if (std::find(indexed.begin(), indexed.end(), column) != indexed.end()) {
+            unchangedColumns += " AND " + column + " IS " + parameter;
+        } else {
+            plainAssignments += plainAssignments.empty() ? "" : ", ";
+            plainAssignments += column + " = " + parameter;
         }
     }
     layout.upsert = "INSERT INTO " + layout.table + " (" + layout.columnList + ") VALUES (" +
                     placeholders + ") ON CONFLICT (" + std::string(key) + ") DO UPDATE SET " +
-                    updates;
+                    upsertAssignments;
+    if (!plainAssignments.empty()) {
+        layout.updateUnindexed =
+            "UPDATE " + layout.table + " SET " + plainAssignments + " WHERE " + unchangedColumns;
+    }
     return layout;
 }
 
@@ -58,7 +75,7 @@ const TableLayout& sessionLayout() {
                                                   "passiveStudyDurationStorage",
                                                   "confirmedBreakDurationStorage",
                                                   "systemExcludedDurationStorage"},
-                                                 "id");
+                                                 "id", {"startDate", "statusRawValue"});
     return layout;
 }
 
@@ -70,7 +87,7 @@ const TableLayout& segmentLayout() {
                     "browserBundleIdentifier", "hostname", "tabSessionIdentifier", "pdfIdentifier",
                     "pdfDisplayLabelStorage", "pdfLabelSourceRawValue",
                     "browserFallbackReasonRawValue", "session"},
-                   "id");
+                   "id", {"startDate", "session"});
     return layout;
 }
 
@@ -79,7 +96,7 @@ const TableLayout& confirmedIntervalLayout() {
         makeLayout("confirmed_intervals",
                    {"id", "startDate", "endDate", "stateRawValue", "sourceRawValue", "createdAt",
                     "supersededAt", "session"},
-                   "id");
+                   "id", {"startDate", "session"});
     return layout;
 }
 
@@ -88,7 +105,7 @@ const TableLayout& pdfIdentityLayout() {
         makeLayout("pdf_identities",
                    {"id", "browserBundleIdentifier", "displayLabelStorage", "labelSourceRawValue",
                     "classificationRawValue", "createdAt", "session"},
-                   "id");
+                   "id", {"session"});
     return layout;
 }
 
@@ -96,20 +113,21 @@ const TableLayout& appClassificationLayout() {
     static const TableLayout layout =
         makeLayout("app_classifications",
                    {"bundleIdentifier", "applicationName", "classificationRawValue", "updatedAt"},
-                   "bundleIdentifier");
+                   "bundleIdentifier", {});
     return layout;
 }
 
 const TableLayout& websiteClassificationLayout() {
-    static const TableLayout layout = makeLayout(
-        "website_classifications", {"hostname", "classificationRawValue", "updatedAt"}, "hostname");
+    static const TableLayout layout =
+        makeLayout("website_classifications", {"hostname", "classificationRawValue", "updatedAt"},
+                   "hostname", {});
     return layout;
 }
 
 const TableLayout& localPdfPreferencesLayout() {
     static const TableLayout layout =
         makeLayout("local_pdf_preferences",
-                   {"id", "filenameLabelsEnabled", "defaultClassificationRawValue"}, "id");
+                   {"id", "filenameLabelsEnabled", "defaultClassificationRawValue"}, "id", {});
     return layout;
 }
 

@@ -158,6 +158,24 @@ TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChi
     EXPECT_EQ((*loaded)->segments, std::vector<ActivitySegment>{grown});
     EXPECT_EQ((*loaded)->confirmedNoInputIntervals.size(), 1u);
     EXPECT_EQ((*loaded)->localPDFIdentities, std::vector<Uuid>{uuidNumbered(30)});
+
+    // Changes of indexed columns (status, start, owner) reach the indexes the
+    // queries go through.
+    StudySession other = bareSession(2, kDay.addingSeconds(-50));
+    session.setStatus(StudySessionStatus::completed);
+    session.endDate = kDay.addingSeconds(60);
+    session.startDate = kDay.addingSeconds(-100);
+    grown.startDate = kDay.addingSeconds(5);
+    grown.session = other.id;
+    StoreChangeSet moves;
+    moves.sessions = {other, session};
+    moves.segments = {grown};
+    apply(**store, moves);
+    EXPECT_EQ(idsOf(*(*store)->liveSessions()), std::vector<Uuid>{other.id});
+    EXPECT_EQ(idsOf(*(*store)->listSessions({})), (std::vector<Uuid>{other.id, session.id}));
+    EXPECT_TRUE((*store)->loadSession(session.id)->value().segments.empty());
+    EXPECT_EQ((*store)->loadSession(other.id)->value().segments,
+              std::vector<ActivitySegment>{grown});
 }
 
 // ---- deletion -------------------------------------------------------------
@@ -274,7 +292,7 @@ TEST_F(SqliteRecordingStoreTest, AChangeSetThatFailsHalfwayLeavesNothingApplied)
     }
 }
 
-TEST_F(SqliteRecordingStoreTest, TheStoreFileIsPrivateAndWriteAhead) {
+TEST_F(SqliteRecordingStoreTest, TheStoreFileIsPrivateWriteAheadAndSmallPaged) {
     {
         auto store = openStore();
         ASSERT_TRUE(store);
@@ -291,6 +309,8 @@ TEST_F(SqliteRecordingStoreTest, TheStoreFileIsPrivateAndWriteAhead) {
     ASSERT_TRUE(mode.ok());
     ASSERT_TRUE(*(*mode)->step());
     EXPECT_EQ((*mode)->textAt(0), "wal");
+    // Small pages keep each save small; the size is fixed when the file is made.
+    EXPECT_EQ(*(*connection)->queryInteger("PRAGMA page_size"), 1024);
 }
 
 // ---- queries --------------------------------------------------------------
