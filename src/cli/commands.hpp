@@ -24,4 +24,8 @@ void installSessionCommands(CLI::App& app, CliContext& context);
 // `rules list|starter|set-app|set-website|clear-apps|clear-websites`.
 void installRulesCommands(CLI::App& app, CliContext& context);
 
+// `recovery status|end` and `relabel`: the unfinished session after a crash,
+// and relabelling time without input.
+void installRecoveryCommands(CLI::App& app, CliContext& context);
+
 }  // namespace lumenote::cli

@@ -31,17 +31,25 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::str
     return {};
 }
 
-HistoryEnvironment::HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store)
-    : paths_(std::move(paths)), store_(std::move(store)), calendar_(LocalCalendar::current()) {}
+HistoryEnvironment::HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,
+                                       CheckpointAccess access)
+    : paths_(std::move(paths)), store_(std::move(store)), calendar_(LocalCalendar::current()) {
+    if (access == CheckpointAccess::recovery) {
+        checkpoints_ = std::make_unique<FileSessionCheckpointStore>(paths_.applicationData(),
+                                                                    platform_.wallClock);
+    } else {
+        checkpoints_ = std::make_unique<InMemorySessionCheckpointStore>();
+    }
+}
 
 Result<std::unique_ptr<HistoryEnvironment>, std::string> HistoryEnvironment::open(
-    const UserPaths& paths) {
+    const UserPaths& paths, CheckpointAccess access) {
     auto store = SqliteRecordingStore::open(storePath(paths));
     if (!store.ok()) {
         return fail(storageOpenFailureMessage(store.error()));
     }
     return std::unique_ptr<HistoryEnvironment>(
-        new HistoryEnvironment(paths, std::move(store).value()));
+        new HistoryEnvironment(paths, std::move(store).value(), access));
 }
 
 SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
@@ -55,7 +63,7 @@ SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
     manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
         *store_, *recordingPreferences_, platform_.idleTime, platform_.monotonicClock,
         platform_.wallClock, platform_.frontmostApplication, platform_.notifications,
-        platform_.browserTracking, checkpoints_});
+        platform_.browserTracking, *checkpoints_});
     manager_->startUp();
     if (const auto& problem = manager_->lastError()) {
         warnings << *problem << '\n';
@@ -135,8 +143,9 @@ Result<Uuid, std::string> HistoryEnvironment::resolveSessionId(std::string_view 
     return matches.front();
 }
 
-std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(CliContext& context) {
-    auto opened = HistoryEnvironment::open(context.paths);
+std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(CliContext& context,
+                                                           CheckpointAccess access) {
+    auto opened = HistoryEnvironment::open(context.paths, access);
     if (!opened.ok()) {
         context.refuse(opened.error());
         return nullptr;

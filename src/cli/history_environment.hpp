@@ -47,11 +47,17 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure,
 // The fewest hex digits a session-id prefix must have.
 inline constexpr std::size_t kMinimumSessionIdPrefixDigits = 8;
 
+// Whether the manager may use the recorder's recovery checkpoint. Only the
+// recovery command takes it, and only while no recorder runs (it holds the
+// recorder lock meanwhile).
+enum class CheckpointAccess { none, recovery };
+
 class HistoryEnvironment {
   public:
     // Opens (creating when absent) the store under `paths`. Fails with the
     // sentence for a store that cannot be opened.
-    static Result<std::unique_ptr<HistoryEnvironment>, std::string> open(const UserPaths& paths);
+    static Result<std::unique_ptr<HistoryEnvironment>, std::string> open(
+        const UserPaths& paths, CheckpointAccess access = CheckpointAccess::none);
 
     HistoryEnvironment(const HistoryEnvironment&) = delete;
     HistoryEnvironment& operator=(const HistoryEnvironment&) = delete;
@@ -79,16 +85,17 @@ class HistoryEnvironment {
     Result<Uuid, std::string> resolveSessionId(std::string_view text);
 
   private:
-    HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store);
+    HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,
+                       CheckpointAccess access);
 
     UserPaths paths_;
     std::unique_ptr<RecordingStore> store_;
     LocalCalendar calendar_;
     HeadlessPlatform platform_;
-    // The recovery checkpoint belongs to the recorder: the command line must
-    // never read, move aside or remove it, so its manager keeps an empty
-    // checkpoint in memory instead.
-    InMemorySessionCheckpointStore checkpoints_;
+    // The recovery checkpoint belongs to the recorder: apart from the
+    // recovery command, the command line must never read, move aside or
+    // remove it, so its manager keeps an empty checkpoint in memory instead.
+    std::unique_ptr<SessionCheckpointStore> checkpoints_;
     std::unique_ptr<JsonFileDefaultsDomain> defaults_;
     std::unique_ptr<PreferencesStore> preferences_;
     std::unique_ptr<PreferencesForRecording> recordingPreferences_;
@@ -97,6 +104,7 @@ class HistoryEnvironment {
 
 // Opens the environment for a command. When the store cannot be opened the
 // command is refused with the reason and nullptr is returned.
-std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(CliContext& context);
+std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(
+    CliContext& context, CheckpointAccess access = CheckpointAccess::none);
 
 }  // namespace lumenote::cli

@@ -35,6 +35,13 @@ std::string timerText(const RecordingSnapshot& snapshot) {
     return clockDurationText(snapshot.timerValue);
 }
 
+// "2026-11-16 09:30" in the user's time zone.
+std::string localMinuteText(Date date, const LocalCalendar& calendar) {
+    std::string text = calendar.formatIso8601(date).substr(0, 16);
+    text[10] = ' ';
+    return text;
+}
+
 }  // namespace
 
 std::string statusLine(const RecordingSnapshot& snapshot) {
@@ -83,8 +90,8 @@ std::string recoveryOffer(const ActiveSessionRecoverySummary& summary, const std
         "{}\n{}\n\"{}\" started {}; {} confirmed, {} after the last confirmed moment left "
         "out.\n[c] Continue From Now  [e] end it as interrupted",
         kRecoveryPromptTitle, kRecoveryPromptDetail, subject,
-        calendar.formatIso8601(summary.startTime).substr(0, 16),
-        clockDurationText(summary.confirmedDuration), clockDurationText(summary.uncertainDuration));
+        localMinuteText(summary.startTime, calendar), clockDurationText(summary.confirmedDuration),
+        clockDurationText(summary.uncertainDuration));
 }
 
 std::string quitQuestion() {

@@ -19,7 +19,7 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.require_subcommand(0, 1);
     app.fallthrough(false);
     for (auto install : {installPathsCommand, installPrefsCommands, installTemplatesCommands,
-                         installSessionCommands, installRulesCommands}) {
+                         installSessionCommands, installRulesCommands, installRecoveryCommands}) {
         install(app, context);
     }
 
