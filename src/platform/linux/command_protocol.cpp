@@ -1,0 +1,128 @@
+#include "platform/linux/command_protocol.hpp"
+
+#include <cmath>
+#include <utility>
+
+#include <nlohmann/json.hpp>
+
+namespace lumenote {
+
+namespace {
+
+constexpr std::array<std::pair<RecorderCommand, std::string_view>, 5> kMethods{{
+    {RecorderCommand::togglePause, "TogglePause"},
+    {RecorderCommand::endSession, "EndSession"},
+    {RecorderCommand::startPassiveStudy, "StartPassiveStudy"},
+    {RecorderCommand::returnToComputerStudy, "ReturnToComputerStudy"},
+    {RecorderCommand::status, "Status"},
+}};
+
+constexpr std::string_view kIdleState = "idle";
+
+// Whole seconds, never negative; a value that is not a number counts as zero.
+long long wholeSeconds(double seconds, double (*round)(double)) {
+    return std::isfinite(seconds) && seconds > 0.0 ? static_cast<long long>(round(seconds)) : 0;
+}
+
+// A raw-valued field that must name a known case; nullopt when it does not.
+template <typename E>
+std::optional<E> enumField(const nlohmann::json& object, const char* key) {
+    const auto found = object.find(key);
+    if (found == object.end() || !found->is_string()) {
+        return std::nullopt;
+    }
+    return fromRawValue<E>(found->get_ref<const std::string&>());
+}
+
+}  // namespace
+
+std::string_view recorderCommandMethod(RecorderCommand command) {
+    for (const auto& [candidate, method] : kMethods) {
+        if (candidate == command) {
+            return method;
+        }
+    }
+    return {};
+}
+
+std::optional<RecorderCommand> recorderCommandFromMethod(std::string_view method) {
+    for (const auto& [command, name] : kMethods) {
+        if (name == method) {
+            return command;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string recorderStatusJson(const RecorderStatus& status) {
+    nlohmann::json object;
+    if (!status.sessionActive) {
+        object["state"] = kIdleState;
+        return object.dump();
+    }
+    object["state"] = rawValue(status.state);
+    object["subject"] = status.subject;
+    object["elapsedSeconds"] = wholeSeconds(status.elapsedSeconds, std::floor);
+    if (status.remainingSeconds) {
+        object["remainingSeconds"] = wholeSeconds(*status.remainingSeconds, std::ceil);
+    } else {
+        object["remainingSeconds"] = nullptr;
+    }
+    object["activity"] = status.currentActivity;
+    object["classification"] = rawValue(status.currentClassification);
+    object["studyState"] = rawValue(status.studyState);
+    object["asleep"] = status.asleep;
+    return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+std::string recorderStatusParseErrorMessage(RecorderStatusParseError error) {
+    switch (error) {
+        case RecorderStatusParseError::malformed:
+            return "The recorder answered with a status Lumenote cannot read.";
+    }
+    return {};
+}
+
+Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string_view json) {
+    const nlohmann::json object = nlohmann::json::parse(json, nullptr, false);
+    if (object.is_discarded() || !object.is_object()) {
+        return fail(RecorderStatusParseError::malformed);
+    }
+    const auto state = object.find("state");
+    if (state == object.end() || !state->is_string()) {
+        return fail(RecorderStatusParseError::malformed);
+    }
+    RecorderStatus status;
+    if (state->get_ref<const std::string&>() == kIdleState) {
+        return status;
+    }
+    const auto sessionState = enumField<StudySessionStatus>(object, "state");
+    const auto classification = enumField<ActivityClassification>(object, "classification");
+    const auto studyState = enumField<LiveStudyState>(object, "studyState");
+    const auto subject = object.find("subject");
+    const auto elapsed = object.find("elapsedSeconds");
+    const auto remaining = object.find("remainingSeconds");
+    const auto activity = object.find("activity");
+    const auto asleep = object.find("asleep");
+    if (!sessionState || !classification || !studyState || subject == object.end() ||
+        !subject->is_string() || elapsed == object.end() || !elapsed->is_number() ||
+        remaining == object.end() || !(remaining->is_null() || remaining->is_number()) ||
+        activity == object.end() || !activity->is_string() || asleep == object.end() ||
+        !asleep->is_boolean()) {
+        return fail(RecorderStatusParseError::malformed);
+    }
+    status.sessionActive = true;
+    status.state = *sessionState;
+    status.subject = subject->get<std::string>();
+    status.elapsedSeconds = elapsed->get<double>();
+    if (remaining->is_number()) {
+        status.remainingSeconds = remaining->get<double>();
+    }
+    status.currentActivity = activity->get<std::string>();
+    status.currentClassification = *classification;
+    status.studyState = *studyState;
+    status.asleep = asleep->get<bool>();
+    return status;
+}
+
+}  // namespace lumenote

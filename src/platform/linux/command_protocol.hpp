@@ -1,0 +1,63 @@
+// What the recorder's command service and its clients say to each other: the
+// bus names, the commands and the status document.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "foundation/result.hpp"
+#include "recording/enumerations.hpp"
+
+namespace lumenote {
+
+inline constexpr const char* kCommandServiceName = "com.tallywise.Lumenote";
+inline constexpr const char* kCommandServicePath = "/com/tallywise/Lumenote";
+inline constexpr const char* kCommandServiceInterface = "com.tallywise.Lumenote";
+// The error a command method replies with when the recorder refuses it; its
+// message is the sentence to show the user.
+inline constexpr const char* kCommandRefusedError = "com.tallywise.Lumenote.Error.Refused";
+
+enum class RecorderCommand {
+    togglePause,
+    endSession,
+    startPassiveStudy,
+    returnToComputerStudy,
+    status
+};
+
+// The D-Bus method of each command ("TogglePause", "Status", ...).
+std::string_view recorderCommandMethod(RecorderCommand command);
+// The command whose method is exactly `method`.
+std::optional<RecorderCommand> recorderCommandFromMethod(std::string_view method);
+
+// What the recorder is doing, as the Status method reports it.
+struct RecorderStatus {
+    bool sessionActive = false;
+    // The fields below describe the active session; ignored without one.
+    std::string subject;
+    StudySessionStatus state = StudySessionStatus::running;  // running or paused
+    double elapsedSeconds = 0.0;                             // the session's timer
+    std::optional<double> remainingSeconds;                  // timer mode only
+    std::string currentActivity;  // what is observed now; empty when nothing is
+    ActivityClassification currentClassification = ActivityClassification::unclassified;
+    LiveStudyState studyState = LiveStudyState::computerActivity;
+    bool asleep = false;  // the computer sleeps or cannot be observed
+
+    friend bool operator==(const RecorderStatus&, const RecorderStatus&) = default;
+};
+
+// One JSON object. Without a session it is {"state":"idle"}. Times are whole
+// seconds: elapsed rounded down and remaining rounded up (never below zero),
+// so that a display of both never shows more than the planned duration.
+// Text that is not valid UTF-8 is replaced, never refused.
+std::string recorderStatusJson(const RecorderStatus& status);
+
+enum class RecorderStatusParseError { malformed };
+std::string recorderStatusParseErrorMessage(RecorderStatusParseError error);
+// Reads what recorderStatusJson() wrote; unknown fields are ignored so that a
+// newer recorder can add some.
+Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string_view json);
+
+}  // namespace lumenote

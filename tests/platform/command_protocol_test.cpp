@@ -1,0 +1,170 @@
+#include "platform/linux/command_protocol.hpp"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "foundation/raw_enum.hpp"
+
+namespace lumenote {
+namespace {
+
+RecorderStatus runningStatus() {
+    RecorderStatus status;
+    status.sessionActive = true;
+    status.subject = "Organic chemistry";
+    status.elapsedSeconds = 600.0;
+    status.remainingSeconds = 900.0;
+    status.currentActivity = "Text Editor";
+    status.currentClassification = ActivityClassification::focused;
+    return status;
+}
+
+TEST(RecorderCommandMethod, EveryCommandRoundTripsThroughItsMethodName) {
+    for (const RecorderCommand command :
+         {RecorderCommand::togglePause, RecorderCommand::endSession,
+          RecorderCommand::startPassiveStudy, RecorderCommand::returnToComputerStudy,
+          RecorderCommand::status}) {
+        const auto method = recorderCommandMethod(command);
+        ASSERT_FALSE(method.empty());
+        EXPECT_EQ(recorderCommandFromMethod(method), command) << method;
+    }
+    for (const char* unknown : {"", "togglepause", "Pause", "Status ", "Quit"}) {
+        EXPECT_EQ(recorderCommandFromMethod(unknown), std::nullopt) << unknown;
+    }
+}
+
+TEST(RecorderStatusJson, SessionsRoundTripInWholeSeconds) {
+    std::vector<RecorderStatus> cases;
+    cases.push_back(runningStatus());
+
+    RecorderStatus paused = runningStatus();
+    paused.state = StudySessionStatus::paused;
+    paused.remainingSeconds.reset();  // open-ended
+    paused.asleep = true;
+    cases.push_back(paused);
+
+    RecorderStatus away = runningStatus();
+    away.subject = "Études – 日本語 🎓";
+    away.currentActivity = "";
+    away.currentClassification = ActivityClassification::unclassified;
+    away.studyState = LiveStudyState::passiveStudy;
+    cases.push_back(away);
+
+    for (const LiveStudyState state : allCases<LiveStudyState>()) {
+        RecorderStatus status = runningStatus();
+        status.studyState = state;
+        cases.push_back(status);
+    }
+    for (const ActivityClassification classification : allCases<ActivityClassification>()) {
+        RecorderStatus status = runningStatus();
+        status.currentClassification = classification;
+        cases.push_back(status);
+    }
+
+    for (const RecorderStatus& status : cases) {
+        const std::string json = recorderStatusJson(status);
+        const auto parsed = parseRecorderStatus(json);
+        ASSERT_TRUE(parsed.ok()) << json;
+        EXPECT_EQ(*parsed, status) << json;
+    }
+}
+
+TEST(RecorderStatusJson, IdleIsOnlyTheState) {
+    RecorderStatus idle = runningStatus();
+    idle.sessionActive = false;
+    EXPECT_EQ(recorderStatusJson(idle), R"({"state":"idle"})");
+    const auto parsed = parseRecorderStatus(R"({"state":"idle","subject":"ignored"})");
+    ASSERT_TRUE(parsed.ok());
+    EXPECT_EQ(*parsed, RecorderStatus{});
+}
+
+TEST(RecorderStatusJson, ElapsedRoundsDownAndRemainingUpSoTheyNeverExceedThePlan) {
+    struct Case {
+        double elapsed;
+        std::optional<double> remaining;
+        long long expectedElapsed;
+        std::optional<long long> expectedRemaining;
+    };
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::vector<Case> cases{
+        {10.4, 14.6, 10, 15},  // 25 s planned: 10 + 15
+        {0.999, 1499.001, 0, 1500},
+        {1500.0, 0.0, 1500, 0},
+        {1500.2, -0.2, 1500, 0},  // a late tick past the plan: never negative
+        {-0.5, 3.0, 0, 3},
+        {nan, nan, 0, 0},
+        {7200.9, std::nullopt, 7200, std::nullopt},
+    };
+    for (const Case& test : cases) {
+        RecorderStatus status = runningStatus();
+        status.elapsedSeconds = test.elapsed;
+        status.remainingSeconds = test.remaining;
+        const auto parsed = parseRecorderStatus(recorderStatusJson(status));
+        ASSERT_TRUE(parsed.ok());
+        EXPECT_EQ(parsed->elapsedSeconds, static_cast<double>(test.expectedElapsed))
+            << test.elapsed;
+        ASSERT_EQ(parsed->remainingSeconds.has_value(), test.expectedRemaining.has_value());
+        if (test.expectedRemaining) {
+            EXPECT_EQ(*parsed->remainingSeconds, static_cast<double>(*test.expectedRemaining))
+                << *test.remaining;
+        }
+    }
+}
+
+TEST(RecorderStatusJson, InvalidUtf8InAnApplicationNameIsReplacedNotThrown) {
+    RecorderStatus status = runningStatus();
+    status.currentActivity = std::string("Caf\xC3", 4) + "\xFF" + "editor";
+    std::string json;
+    ASSERT_NO_THROW(json = recorderStatusJson(status));
+    const auto parsed = parseRecorderStatus(json);
+    ASSERT_TRUE(parsed.ok()) << json;
+    EXPECT_EQ(parsed->currentActivity, "Caf\uFFFD\uFFFDeditor");
+    EXPECT_EQ(parsed->subject, status.subject);
+}
+
+TEST(RecorderStatusJson, NewerFieldsAreIgnored) {
+    const std::string json = recorderStatusJson(runningStatus());
+    const std::string withExtra = R"({"goal":"Chapter 3",)" + json.substr(1);
+    const auto parsed = parseRecorderStatus(withExtra);
+    ASSERT_TRUE(parsed.ok()) << withExtra;
+    EXPECT_EQ(*parsed, runningStatus());
+}
+
+TEST(RecorderStatusJson, MalformedDocumentsAreRefused) {
+    const std::string good = recorderStatusJson(runningStatus());
+    const auto replaced = [&good](const std::string& from, const std::string& to) {
+        std::string text = good;
+        const auto at = text.find(from);
+        EXPECT_NE(at, std::string::npos) << from;
+        return text.replace(at, from.size(), to);
+    };
+    const std::vector<std::pair<const char*, std::string>> cases{
+        {"empty", ""},
+        {"not JSON", "paused"},
+        {"truncated", good.substr(0, good.size() - 5)},
+        {"an array", "[]"},
+        {"no state", "{}"},
+        {"state not text", R"({"state":3})"},
+        {"unknown state", replaced(R"("state":"running")", R"("state":"sleeping")")},
+        {"unknown classification",
+         replaced(R"("classification":"focused")", R"("classification":"great")")},
+        {"unknown study state",
+         replaced(R"("studyState":"computerActivity")", R"("studyState":"napping")")},
+        {"elapsed as text", replaced(R"("elapsedSeconds":600)", R"("elapsedSeconds":"600")")},
+        {"remaining as text", replaced(R"("remainingSeconds":900)", R"("remainingSeconds":"900")")},
+        {"no remaining", replaced(R"("remainingSeconds":900,)", "")},
+        {"subject not text", replaced(R"("subject":"Organic chemistry")", R"("subject":null)")},
+        {"asleep not a flag", replaced(R"("asleep":false)", R"("asleep":0)")},
+    };
+    for (const auto& [label, text] : cases) {
+        const auto parsed = parseRecorderStatus(text);
+        ASSERT_FALSE(parsed.ok()) << label;
+        EXPECT_EQ(parsed.error(), RecorderStatusParseError::malformed) << label;
+    }
+}
+
+}  // namespace
+}  // namespace lumenote
