@@ -12,7 +12,7 @@ build: deps
 	cmake --build --preset default
 
 run: build
-	./build/bin/lumenote-cli --help
+	./build/bin/lumenote-cli record
 
 test: build
 	ctest --preset default

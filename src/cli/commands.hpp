@@ -24,6 +24,9 @@ void installSessionCommands(CLI::App& app, CliContext& context);
 // `rules list|starter|set-app|set-website|clear-apps|clear-websites`.
 void installRulesCommands(CLI::App& app, CliContext& context);
 
+// `record`, and pause, resume, end, away, back and status for a running recorder.
+void installRecordCommands(CLI::App& app, CliContext& context);
+
 // `recovery status|end` and `relabel`: the unfinished session after a crash,
 // and relabelling time without input.
 void installRecoveryCommands(CLI::App& app, CliContext& context);

@@ -6,8 +6,8 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
-#include "cli/record_view.hpp"
 #include "cli/session_text.hpp"
+#include "recorder/record_view.hpp"
 #include "recording/study_state_edit.hpp"
 #include "store/recorder_lock.hpp"
 #include "store/store_files.hpp"
@@ -43,7 +43,8 @@ void runRecovery(CliContext& context, bool endIt) {
         return;
     }
     if (!endIt) {
-        context.out << recoveryOffer(*summary, session->subject, environment->calendar()) << '\n';
+        context.out << recorder::recoveryOffer(*summary, session->subject, environment->calendar())
+                    << '\n';
         context.out << "Run `lumenote-cli recovery end` to end it, or `lumenote-cli record` to "
                        "be offered to continue it.\n";
         return;

@@ -18,8 +18,9 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.set_version_flag("--version", versionLine());
     app.require_subcommand(0, 1);
     app.fallthrough(false);
-    for (auto install : {installPathsCommand, installPrefsCommands, installTemplatesCommands,
-                         installSessionCommands, installRulesCommands, installRecoveryCommands}) {
+    for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
+                         installTemplatesCommands, installSessionCommands, installRulesCommands,
+                         installRecoveryCommands}) {
         install(app, context);
     }
 

@@ -1,13 +1,13 @@
-#include "cli/record_view.hpp"
+#include "recorder/record_view.hpp"
 
 #include <fmt/format.h>
 
 #include <cmath>
 
-#include "cli/session_text.hpp"
 #include "recording/focus_score_text.hpp"
+#include "recording/session_figures.hpp"
 
-namespace lumenote::cli {
+namespace lumenote::recorder {
 
 namespace {
 
@@ -132,4 +132,4 @@ std::string sessionSummary(const StudySession& session) {
     return text;
 }
 
-}  // namespace lumenote::cli
+}  // namespace lumenote::recorder

@@ -1,0 +1,123 @@
+// `record` and the commands that steer a running recorder from another
+// terminal or a desktop shortcut: pause, resume, end, away, back, status.
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include "cli/commands.hpp"
+#include "cli/duration_argument.hpp"
+#include "recorder/recorder.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preferences_store.hpp"
+
+namespace lumenote::cli {
+
+namespace {
+
+struct RecordArguments {
+    std::string subject;
+    std::string goal;
+    std::string duration;
+    bool openEnded = false;
+    std::string mode;
+    std::string templateName;
+};
+
+const std::map<std::string, StudySessionMode> kModes{
+    {"computer", StudySessionMode::computerBased},
+    {"mixed", StudySessionMode::mixedStudy},
+    {"offline", StudySessionMode::offlineBookStudy},
+};
+
+void runRecord(CliContext& context, const RecordArguments& arguments) {
+    recorder::RecorderOptions options;
+    options.interactive = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
+    options.request.subject = arguments.subject;
+    options.request.goal = arguments.goal;
+
+    // Defaults come from the preferences: the default duration and study mode.
+    SystemWallClock clock;
+    JsonFileDefaultsDomain defaults(JsonFileDefaultsDomain::pathFor(context.paths),
+                                    [&clock] { return clock.now(); });
+    PreferencesStore preferences(defaults);
+    options.request.plannedDuration = preferences.defaultDuration();
+    options.request.studyMode = preferences.defaultStudyMode();
+    if (!arguments.duration.empty()) {
+        const auto seconds = parseDurationArgument(arguments.duration);
+        if (!seconds.ok()) {
+            context.refuse(message(seconds.error()));
+            return;
+        }
+        options.request.plannedDuration = *seconds;
+        options.durationGiven = true;
+    }
+    if (arguments.openEnded) {
+        options.request.timingMode = SessionTimingMode::openEnded;
+        options.timingGiven = true;
+    } else if (options.durationGiven) {
+        options.timingGiven = true;
+    }
+    if (!arguments.mode.empty()) {
+        options.request.studyMode = kModes.at(arguments.mode);
+    }
+    if (!arguments.templateName.empty()) {
+        options.templateName = arguments.templateName;
+    }
+    context.exitCode = recorder::runRecorder(options, context.paths, context.out, context.err);
+}
+
+void runControl(CliContext& context, recorder::RecorderControl control) {
+    auto answer = recorder::controlRecorder(control);
+    if (!answer.ok()) {
+        context.refuse(answer.error());
+        return;
+    }
+    context.out << *answer << '\n';
+}
+
+}  // namespace
+
+void installRecordCommands(CLI::App& app, CliContext& context) {
+    auto arguments = std::make_shared<RecordArguments>();
+    auto* record = app.add_subcommand(
+        "record",
+        "Record a study session: samples the frontmost application and your input once a "
+        "second until the session ends");
+    record->add_option("--subject,-s", arguments->subject,
+                       "What you study (asked for on a terminal when left out)");
+    record->add_option("--goal,-g", arguments->goal, "Your goal for the session");
+    auto* duration = record->add_option(
+        "--duration,-d", arguments->duration,
+        "Planned duration: 25m, 90m, 1h30m or seconds (default: the default duration setting)");
+    record->add_flag("--open-ended", arguments->openEnded, "Run until you end it")
+        ->excludes(duration);
+    record
+        ->add_option("--mode,-m", arguments->mode,
+                     "computer, mixed (no-input time may be study away from the computer) or "
+                     "offline (no-input time is study)")
+        ->check(CLI::IsMember({"computer", "mixed", "offline"}));
+    record->add_option("--template,-t", arguments->templateName,
+                       "Start from a session template (its name or id)");
+    record->footer(
+        "Keys on a terminal: p pause/resume, a study away from the computer / back, e end, "
+        "q quit.\nFrom elsewhere: lumenote-cli pause|resume|end|away|back|status.");
+    record->callback([&context, arguments] { runRecord(context, *arguments); });
+
+    const std::pair<const char*, std::pair<recorder::RecorderControl, const char*>> controls[] = {
+        {"pause", {recorder::RecorderControl::pause, "Pause the session being recorded"}},
+        {"resume", {recorder::RecorderControl::resume, "Resume the paused session"}},
+        {"end", {recorder::RecorderControl::end, "End the session being recorded"}},
+        {"away",
+         {recorder::RecorderControl::away,
+          "Start studying away from the computer (counts as study time)"}},
+        {"back", {recorder::RecorderControl::back, "Return to computer study"}},
+        {"status", {recorder::RecorderControl::status, "Show what the recorder is doing"}},
+    };
+    for (const auto& [name, entry] : controls) {
+        const auto control = entry.first;
+        app.add_subcommand(name, entry.second)->callback([&context, control] {
+            runControl(context, control);
+        });
+    }
+}
+
+}  // namespace lumenote::cli

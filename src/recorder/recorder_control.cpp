@@ -1,0 +1,101 @@
+// The client side of the recorder's bus service, for `lumenote-cli pause`,
+// `resume`, `end`, `away`, `back` and `status`.
+#include <fmt/format.h>
+
+#include "platform/linux/command_client.hpp"
+#include "platform/linux/command_protocol.hpp"
+#include "recorder/recorder.hpp"
+#include "recording/session_figures.hpp"
+
+namespace lumenote::recorder {
+
+namespace {
+
+std::string statusText(const RecorderStatus& status) {
+    if (!status.sessionActive) {
+        return "No study session is active.";
+    }
+    std::string text =
+        fmt::format("{} · {}", status.subject,
+                    status.state == StudySessionStatus::paused ? "paused" : "recording");
+    text += " · " + clockDurationText(status.elapsedSeconds);
+    if (status.remainingSeconds) {
+        text += fmt::format(" ({} left)", clockDurationText(*status.remainingSeconds));
+    }
+    if (status.asleep) {
+        text += " · computer asleep or locked";
+    } else if (status.studyState == LiveStudyState::passiveStudy) {
+        text += " · studying away from the computer";
+    } else if (!status.currentActivity.empty()) {
+        text += fmt::format(" · {} ({})", status.currentActivity,
+                            rawValue(status.currentClassification));
+    }
+    return text;
+}
+
+Result<RecorderStatus, std::string> currentStatus() {
+    auto answer = callRecorderCommand(RecorderCommand::status);
+    if (!answer.ok()) {
+        return fail(commandClientErrorMessage(answer.error()));
+    }
+    auto parsed = parseRecorderStatus(*answer);
+    if (!parsed.ok()) {
+        return fail(recorderStatusParseErrorMessage(parsed.error()));
+    }
+    return *parsed;
+}
+
+}  // namespace
+
+Result<std::string, std::string> controlRecorder(RecorderControl control) {
+    auto status = currentStatus();
+    if (!status.ok()) {
+        return fail(status.error());
+    }
+    if (control == RecorderControl::status) {
+        return statusText(*status);
+    }
+    if (!status->sessionActive) {
+        return fail(std::string("No study session is active."));
+    }
+    const bool paused = status->state == StudySessionStatus::paused;
+    RecorderCommand command = RecorderCommand::status;
+    std::string done;
+    switch (control) {
+        case RecorderControl::pause:
+            if (paused) {
+                return std::string("The session is already paused.");
+            }
+            command = RecorderCommand::togglePause;
+            done = "Paused.";
+            break;
+        case RecorderControl::resume:
+            if (!paused) {
+                return std::string("The session is already running.");
+            }
+            command = RecorderCommand::togglePause;
+            done = "Resumed.";
+            break;
+        case RecorderControl::end:
+            command = RecorderCommand::endSession;
+            done = "Session ended.";
+            break;
+        case RecorderControl::away:
+            command = RecorderCommand::startPassiveStudy;
+            done = "Studying away from Mac.";
+            break;
+        case RecorderControl::back:
+            command = RecorderCommand::returnToComputerStudy;
+            done = "Back to Computer Study.";
+            break;
+        case RecorderControl::status:
+            break;
+    }
+    auto answer = callRecorderCommand(command);
+    if (!answer.ok()) {
+        return fail(commandClientErrorMessage(answer.error()));
+    }
+    return done;
+}
+
+}  // namespace lumenote::recorder

@@ -1,0 +1,28 @@
+#include "recording/session_figures.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "foundation/numeric.hpp"
+
+namespace lumenote {
+
+std::string clockDurationText(double seconds) {
+    const double whole = std::isfinite(seconds) ? std::floor(std::max(0.0, seconds)) : 0.0;
+    const auto total = static_cast<long long>(std::min(whole, kMaximumDurationSeconds));
+    return fmt::format("{}:{:02}:{:02}", total / 3600, total / 60 % 60, total % 60);
+}
+
+std::optional<double> storedCoverage(const StudySession& session) {
+    const double evidence = session.focusedDuration + session.distractedDuration;
+    const double accounted = evidence + session.neutralDuration + session.unclassifiedDuration() +
+                             session.inactiveDuration;
+    if (!std::isfinite(accounted) || accounted < 1.0) {
+        return std::nullopt;
+    }
+    return percentRatio(evidence, accounted);
+}
+
+}  // namespace lumenote

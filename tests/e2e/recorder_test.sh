@@ -1,0 +1,258 @@
+#!/usr/bin/env bash
+# End-to-end test of the terminal recorder: `lumenote-cli record` without a
+# terminal on a real X server (Xvfb, openbox, two xterms switched with
+# xdotool), over a private session bus and a second private bus standing in
+# for the system bus, with a test logind and a test notification server.
+# Checks that window switches become classified segments, that logind's
+# PrepareForSleep(true/false) becomes a "Mac asleep" stretch, that `pause`,
+# `resume`, `status` and `end` reach the recorder, and that the stored totals
+# add up. Then kills a recorder with SIGKILL and checks `recovery status` and
+# `recovery end`.
+#
+# Usage: recorder_test.sh BIN_DIR. Waits poll with deadlines; every external
+# process runs under timeout and is killed on exit.
+set -euo pipefail
+
+bin=${1:?usage: recorder_test.sh BIN_DIR}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cli="$bin/lumenote-cli"
+python=/usr/bin/python3
+deadline_seconds=30
+
+work=$(mktemp -d)
+background=()
+cleanup() {
+    local pid
+    for pid in "${background[@]}"; do
+        kill "$pid" 2>/dev/null || true
+    done
+    for pid in "${background[@]}"; do
+        wait "$pid" 2>/dev/null || true
+    done
+    rm -rf "$work"
+}
+trap cleanup EXIT
+
+fail() {
+    echo "FAIL: $*" >&2
+    local file
+    for file in "$work"/*.out "$work"/*.err "$work"/*.log; do
+        if [[ -s "$file" ]]; then
+            echo "--- $file" >&2
+            tail -n 40 "$file" >&2
+        fi
+    done
+    exit 1
+}
+
+poll_until() {
+    local description=$1 until=$((SECONDS + deadline_seconds))
+    shift
+    until "$@"; do
+        ((SECONDS < until)) || fail "timed out waiting for $description"
+        sleep 0.05
+    done
+}
+
+export HOME="$work/home" XDG_DATA_HOME="$work/home/data" XDG_CONFIG_HOME="$work/home/config"
+export TZ=UTC
+mkdir -p "$HOME"
+unset XDG_SESSION_ID WAYLAND_DISPLAY
+
+# ---- buses and test services ----
+cat >"$work/bus.conf" <<'CONF'
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+CONF
+
+start_bus() {
+    local name=$1
+    timeout 170 dbus-daemon --config-file="$work/bus.conf" --nofork \
+        --address="unix:path=$work/$name.sock" --print-address=3 \
+        3>"$work/$name.address" 2>"$work/$name-bus.log" &
+    background+=($!)
+    poll_until "the $name bus" test -s "$work/$name.address"
+    bus_address=$(head -n1 "$work/$name.address")
+}
+start_bus session
+export DBUS_SESSION_BUS_ADDRESS=$bus_address
+start_bus system
+export DBUS_SYSTEM_BUS_ADDRESS=$bus_address
+
+has_owner() {
+    local answer
+    answer=$(timeout 5 dbus-send --bus="$1" --print-reply --dest=org.freedesktop.DBus \
+        /org/freedesktop/DBus org.freedesktop.DBus.NameHasOwner "string:$2" 2>/dev/null) ||
+        return 1
+    [[ "$answer" == *"boolean true"* ]]
+}
+
+timeout 170 "$python" "$here/fake_login1.py" >"$work/login1.log" 2>&1 &
+background+=($!)
+poll_until "the test logind" has_owner "$DBUS_SYSTEM_BUS_ADDRESS" org.freedesktop.login1
+timeout 170 "$python" "$here/fake_notifications.py" --record "$work/notifications.txt" \
+    >"$work/notifications.log" 2>&1 &
+background+=($!)
+poll_until "the test notification server" has_owner "$DBUS_SESSION_BUS_ADDRESS" \
+    org.freedesktop.Notifications
+
+login1() {
+    timeout 5 dbus-send --bus="$DBUS_SYSTEM_BUS_ADDRESS" --print-reply \
+        --dest=org.freedesktop.login1 /org/freedesktop/login1 \
+        "test.FakeLogin1.Control.$1" "${@:2}" >/dev/null || fail "the test logind refused $1"
+}
+
+# ---- X server, window manager, two focusable clients ----
+timeout 170 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset \
+    3>"$work/display" >"$work/xvfb.log" 2>&1 &
+background+=($!)
+poll_until "Xvfb" test -s "$work/display"
+export DISPLAY=":$(head -n1 "$work/display")"
+display_ready() { timeout 5 xprop -root >/dev/null 2>&1; }
+poll_until "the display" display_ready
+timeout 170 openbox --sm-disable >"$work/openbox.log" 2>&1 &
+background+=($!)
+wm_ready() {
+    timeout 5 xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id"
+}
+poll_until "openbox" wm_ready
+
+start_client() {
+    timeout 170 xterm -class "$1" -T "$1" -e sleep 170 >/dev/null 2>&1 &
+    background+=($!)
+}
+start_client LumenoteAlpha
+start_client LumenoteBeta
+# window_of CLASS: sets $window once a window of CLASS is mapped.
+window_found() {
+    window=$(timeout 5 xdotool search --onlyvisible --class "^$1\$" 2>/dev/null | head -n1)
+    [[ -n "$window" ]]
+}
+poll_until "the first xterm" window_found LumenoteAlpha
+alpha=$window
+poll_until "the second xterm" window_found LumenoteBeta
+beta=$window
+activate() {
+    timeout 5 xdotool windowactivate --sync "$1" || fail "could not activate window $1"
+}
+
+"$cli" rules set-app LumenoteAlpha focused >/dev/null
+"$cli" rules set-app LumenoteBeta distracting >/dev/null
+
+# ---- the recorder ----
+status_text() { "$cli" status 2>/dev/null || true; }
+status_matches() { [[ "$(status_text)" == *"$1"* ]]; }
+elapsed() {
+    local text
+    text=$(status_text)
+    [[ "$text" =~ ([0-9]+):([0-9]{2}):([0-9]{2}) ]] || { echo 0; return; }
+    echo $((10#${BASH_REMATCH[1]} * 3600 + 10#${BASH_REMATCH[2]} * 60 + 10#${BASH_REMATCH[3]}))
+}
+elapsed_at_least() { (($(elapsed) >= $1)); }
+
+activate "$alpha"
+timeout 150 "$cli" record --subject "End to end" --open-ended \
+    >"$work/recorder.out" 2>"$work/recorder.err" &
+recorder_job=$!
+background+=("$recorder_job")
+poll_until "the recorder's status" status_matches "LumenoteAlpha (focused)"
+
+poll_until "3 seconds of recording" elapsed_at_least 3
+activate "$beta"
+poll_until "the switch to beta" status_matches "LumenoteBeta (distracting)"
+poll_until "6 seconds of recording" elapsed_at_least 6
+
+login1 EmitPrepareForSleep boolean:true
+poll_until "sleep" status_matches "asleep"
+poll_until "8 seconds of recording" elapsed_at_least 8
+login1 EmitPrepareForSleep boolean:false
+poll_until "the wake" status_matches "LumenoteBeta (distracting)"
+
+activate "$alpha"
+poll_until "the switch back to alpha" status_matches "LumenoteAlpha (focused)"
+poll_until "11 seconds of recording" elapsed_at_least 11
+[[ "$("$cli" pause)" == "Paused." ]] || fail "pause did not answer Paused."
+poll_until "the pause" status_matches "paused"
+[[ "$("$cli" pause)" == "The session is already paused." ]] || fail "a second pause toggled"
+"$cli" resume >/dev/null
+poll_until "the resume" status_matches "recording"
+poll_until "12 seconds of recording" elapsed_at_least 12
+"$cli" end >/dev/null
+wait "$recorder_job" || fail "the recorder ended with status $?"
+[[ "$(status_text)" == "" ]] || true
+"$cli" status >/dev/null 2>&1 && fail "status answered with nothing recording"
+
+session=$("$cli" sessions --json)
+"$python" - "$session" <<'CHECK' || fail "the stored session does not match the switches"
+import json, sys
+sessions = json.loads(sys.argv[1])
+assert len(sessions) == 1, sessions
+s = sessions[0]
+assert s["status"] == "completed", s["status"]
+timer = s["timerDuration"]
+assert timer >= 12, timer
+focused, distracted, asleep = s["focusedDuration"], s["distractedDuration"], s["systemExcludedDuration"]
+assert focused >= 4 and distracted >= 2 and asleep >= 1.5, (focused, distracted, asleep)
+total = sum(s[k] for k in ("focusedDuration", "distractedDuration", "neutralDuration",
+                           "unclassifiedDuration", "inactiveDuration", "ignoredDuration",
+                           "systemExcludedDuration"))
+assert abs(total - timer) < 1.0, (total, timer)
+CHECK
+id=$("$python" -c 'import json,sys; print(json.loads(sys.argv[1])[0]["id"])' "$session")
+"$python" - "$("$cli" show "$id" --json)" <<'CHECK' || fail "the segments do not match the switches"
+import json, sys
+segments = json.loads(sys.argv[1])["segments"]
+names = [(g["bundleIdentifier"], g["classification"], g.get("activitySource")) for g in segments]
+assert ("LumenoteAlpha", "focused", "application") in names, names
+assert ("LumenoteBeta", "distracting", "application") in names, names
+sleep = [g for g in segments if g["bundleIdentifier"] == "com.apple.system.sleep"]
+assert len(sleep) == 1 and sleep[0]["applicationName"] == "Mac asleep", sleep
+assert sleep[0]["activitySource"] == "system", sleep
+CHECK
+
+# ---- a crash: SIGKILL, then recovery from the command line ----
+timeout 150 "$cli" record --subject "Crashed" --open-ended \
+    >"$work/crashed.out" 2>"$work/crashed.err" &
+crashed_job=$!
+background+=("$crashed_job")
+poll_until "the second recorder" status_matches "Crashed"
+poll_until "2 seconds of the second recording" elapsed_at_least 2
+activate "$beta"
+poll_until "a saved boundary" status_matches "LumenoteBeta"
+poll_until "4 seconds of the second recording" elapsed_at_least 4
+recorder_pid=$(pgrep -P "$crashed_job" -x lumenote-cli || true)
+[[ -n "$recorder_pid" ]] || fail "no recorder process under its timeout"
+killed_at=$(elapsed)
+kill -9 "$recorder_pid"
+wait "$crashed_job" 2>/dev/null || true
+
+recovery=$("$cli" recovery status)
+[[ "$recovery" == *"Lumenote found an unfinished session."* ]] ||
+    fail "recovery status did not offer the session: $recovery"
+"$cli" recovery end >/dev/null || fail "recovery end failed"
+"$python" - "$("$cli" sessions --json)" "$killed_at" <<'CHECK' || fail "the recovered session is wrong"
+import json, sys
+sessions = {s["subject"]: s for s in json.loads(sys.argv[1])}
+crashed = sessions["Crashed"]
+assert crashed["status"] == "interrupted", crashed["status"]
+timer = crashed["timerDuration"]
+# Confirmed time only: never more than had passed when the process died.
+assert 2 <= timer <= int(sys.argv[2]) + 1, (timer, sys.argv[2])
+total = sum(crashed[k] for k in ("focusedDuration", "distractedDuration", "neutralDuration",
+                                 "unclassifiedDuration", "inactiveDuration", "ignoredDuration",
+                                 "systemExcludedDuration"))
+assert total <= timer + 0.001, (total, timer)
+CHECK
+[[ "$("$cli" recovery status)" == *"No unfinished session was found."* ]] ||
+    fail "the recovered session is still offered"
+echo "recorder end-to-end test passed"
