@@ -16,135 +16,17 @@ set -euo pipefail
 bin=${1:?usage: recorder_test.sh BIN_DIR}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 cli="$bin/lumenote-cli"
-python=/usr/bin/python3
-deadline_seconds=30
 
+deadline_seconds=30
 work=$(mktemp -d)
 background=()
-cleanup() {
-    local pid
-    for pid in "${background[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${background[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    rm -rf "$work"
-}
+source "$here/desktop_session.sh"
 trap cleanup EXIT
-
-fail() {
-    echo "FAIL: $*" >&2
-    local file
-    for file in "$work"/*.out "$work"/*.err "$work"/*.log; do
-        if [[ -s "$file" ]]; then
-            echo "--- $file" >&2
-            tail -n 40 "$file" >&2
-        fi
-    done
-    exit 1
-}
-
-poll_until() {
-    local description=$1 until=$((SECONDS + deadline_seconds))
-    shift
-    until "$@"; do
-        ((SECONDS < until)) || fail "timed out waiting for $description"
-        sleep 0.05
-    done
-}
-
-export HOME="$work/home" XDG_DATA_HOME="$work/home/data" XDG_CONFIG_HOME="$work/home/config"
-export TZ=UTC
-mkdir -p "$HOME"
-unset XDG_SESSION_ID WAYLAND_DISPLAY
-
-# ---- buses and test services ----
-cat >"$work/bus.conf" <<'CONF'
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
-
-start_bus() {
-    local name=$1
-    timeout 170 dbus-daemon --config-file="$work/bus.conf" --nofork \
-        --address="unix:path=$work/$name.sock" --print-address=3 \
-        3>"$work/$name.address" 2>"$work/$name-bus.log" &
-    background+=($!)
-    poll_until "the $name bus" test -s "$work/$name.address"
-    bus_address=$(head -n1 "$work/$name.address")
-}
-start_bus session
-export DBUS_SESSION_BUS_ADDRESS=$bus_address
-start_bus system
-export DBUS_SYSTEM_BUS_ADDRESS=$bus_address
-
-has_owner() {
-    local answer
-    answer=$(timeout 5 dbus-send --bus="$1" --print-reply --dest=org.freedesktop.DBus \
-        /org/freedesktop/DBus org.freedesktop.DBus.NameHasOwner "string:$2" 2>/dev/null) ||
-        return 1
-    [[ "$answer" == *"boolean true"* ]]
-}
-
-timeout 170 "$python" "$here/fake_login1.py" >"$work/login1.log" 2>&1 &
-background+=($!)
-poll_until "the test logind" has_owner "$DBUS_SYSTEM_BUS_ADDRESS" org.freedesktop.login1
-timeout 170 "$python" "$here/fake_notifications.py" --record "$work/notifications.txt" \
-    >"$work/notifications.log" 2>&1 &
-background+=($!)
-poll_until "the test notification server" has_owner "$DBUS_SESSION_BUS_ADDRESS" \
-    org.freedesktop.Notifications
-
-login1() {
-    timeout 5 dbus-send --bus="$DBUS_SYSTEM_BUS_ADDRESS" --print-reply \
-        --dest=org.freedesktop.login1 /org/freedesktop/login1 \
-        "test.FakeLogin1.Control.$1" "${@:2}" >/dev/null || fail "the test logind refused $1"
-}
-
-# ---- X server, window manager, two focusable clients ----
-timeout 170 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset \
-    3>"$work/display" >"$work/xvfb.log" 2>&1 &
-background+=($!)
-poll_until "Xvfb" test -s "$work/display"
-export DISPLAY=":$(head -n1 "$work/display")"
-display_ready() { timeout 5 xprop -root >/dev/null 2>&1; }
-poll_until "the display" display_ready
-timeout 170 openbox --sm-disable >"$work/openbox.log" 2>&1 &
-background+=($!)
-wm_ready() {
-    timeout 5 xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q "window id"
-}
-poll_until "openbox" wm_ready
-
-start_client() {
-    timeout 170 xterm -class "$1" -T "$1" -e sleep 170 >/dev/null 2>&1 &
-    background+=($!)
-}
+start_desktop_session
 start_client LumenoteAlpha
-start_client LumenoteBeta
-# window_of CLASS: sets $window once a window of CLASS is mapped.
-window_found() {
-    window=$(timeout 5 xdotool search --onlyvisible --class "^$1\$" 2>/dev/null | head -n1)
-    [[ -n "$window" ]]
-}
-poll_until "the first xterm" window_found LumenoteAlpha
 alpha=$window
-poll_until "the second xterm" window_found LumenoteBeta
+start_client LumenoteBeta
 beta=$window
-activate() {
-    timeout 5 xdotool windowactivate --sync "$1" || fail "could not activate window $1"
-}
 
 "$cli" rules set-app LumenoteAlpha focused >/dev/null
 "$cli" rules set-app LumenoteBeta distracting >/dev/null

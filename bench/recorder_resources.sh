@@ -1,0 +1,62 @@
+#!/usr/bin/env bash
+# The real recorder's resident memory and CPU time while it records, on a
+# private desktop (Xvfb, openbox, two xterms switched at a fixed interval,
+# private buses with a test logind). Prints the peak resident set and the
+# CPU time per hour extrapolated from the measured stretch.
+#
+# Usage: recorder_resources.sh BIN_DIR [SECONDS [SWITCH_SECONDS]]: measure for
+# SECONDS (default 120), switching windows every SWITCH_SECONDS (default 30).
+# Targets: under 25 MB resident, under 2 seconds of CPU per hour.
+set -euo pipefail
+
+bin=${1:?usage: recorder_resources.sh BIN_DIR [SECONDS]}
+seconds=${2:-120}
+switch_seconds=${3:-30}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cli="$bin/lumenote-cli"
+deadline_seconds=30
+work=$(mktemp -d)
+background=()
+source "$here/../tests/e2e/desktop_session.sh"
+trap cleanup EXIT
+
+start_desktop_session
+start_client LumenoteAlpha
+alpha=$window
+start_client LumenoteBeta
+beta=$window
+activate "$alpha"
+
+timeout $((seconds + 120)) "$cli" record --subject "Resources" --open-ended \
+    >"$work/recorder.out" 2>"$work/recorder.err" &
+job=$!
+background+=("$job")
+recording() { "$cli" status >/dev/null 2>&1; }
+poll_until "the recorder" recording
+pid=$(pgrep -P "$job" -x lumenote-cli)
+
+cpu_ticks() { awk '{print $14 + $15}' "/proc/$pid/stat"; }
+ticks_per_second=$(getconf CLK_TCK)
+start_ticks=$(cpu_ticks)
+start=$SECONDS
+windows=("$beta" "$alpha")
+switches=0
+while ((SECONDS - start < seconds)); do
+    sleep "$switch_seconds"
+    activate "${windows[switches % 2]}"
+    switches=$((switches + 1))
+done
+elapsed=$((SECONDS - start))
+end_ticks=$(cpu_ticks)
+peak_kb=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status")
+rss_kb=$(awk '/VmRSS/ {print $2}' "/proc/$pid/status")
+"$cli" end >/dev/null
+wait "$job"
+
+awk -v ticks=$((end_ticks - start_ticks)) -v hz="$ticks_per_second" -v elapsed="$elapsed" \
+    -v peak="$peak_kb" -v rss="$rss_kb" -v every="$switch_seconds" 'BEGIN {
+    cpu = ticks / hz
+    printf "recorder over %d s with a window switch every %d s:\n", elapsed, every
+    printf "  resident memory: %.1f MB now, %.1f MB peak (target under 25 MB)\n", rss / 1024, peak / 1024
+    printf "  CPU: %.2f s measured, %.2f s per hour extrapolated (target under 2 s)\n", cpu, cpu / elapsed * 3600
+}'
