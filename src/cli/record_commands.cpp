@@ -112,6 +112,16 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
         {"back", {recorder::RecorderControl::back, "Return to computer study"}},
         {"status", {recorder::RecorderControl::status, "Show what the recorder is doing"}},
     };
+    app.add_subcommand("check",
+                       "Check what this desktop lets Lumenote observe: the X display, input idle "
+                       "time, sleep and lock notices, notifications")
+        ->callback([&context] {
+            const recorder::SetupCheck check = recorder::checkSetup();
+            context.out << check.report;
+            if (!check.complete) {
+                context.exitCode = kExitRefused;
+            }
+        });
     for (const auto& [name, entry] : controls) {
         const auto control = entry.first;
         app.add_subcommand(name, entry.second)->callback([&context, control] {

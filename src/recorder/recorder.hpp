@@ -33,6 +33,14 @@ struct RecorderOptions {
 int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ostream& out,
                 std::ostream& err);
 
+// What the desktop lets the recorder observe, one line per part, each marked
+// "ok" or "gap" with what is missing and what it costs.
+struct SetupCheck {
+    std::string report;
+    bool complete = true;  // no gap
+};
+SetupCheck checkSetup();
+
 // The commands another process can send to the recorder.
 enum class RecorderControl { pause, resume, end, away, back, status };
 

@@ -280,6 +280,9 @@ Result<void, std::string> RecorderHost::startPassiveStudy() {
     if (!done.ok()) {
         return fail(sessionFailureMessage(done.error()));
     }
+    if (setup_.introduceAwayStudy && setup_.introduceAwayStudy()) {
+        say(std::string(kPassiveStudyIntroduction));
+    }
     say("Studying away from Mac.");
     return {};
 }

@@ -142,6 +142,13 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
     RawTerminal terminal(STDIN_FILENO);
     RecorderHost::Setup setup{manager, out, options.interactive};
     setup.startRequest = request;
+    setup.introduceAwayStudy = [&preferences] {
+        if (preferences.hasSeenPassiveStudyIntroduction()) {
+            return false;
+        }
+        preferences.setHasSeenPassiveStudyIntroduction(true);
+        return true;
+    };
     if (x11) {
         setup.activationDescriptor = x11->fileDescriptor();
         setup.activationChanged = [&x11] { return x11->processEvents(); };

@@ -28,6 +28,14 @@ alpha=$window
 start_client LumenoteBeta
 beta=$window
 
+# The setup check sees the display, its idle time, logind and notifications.
+check=$("$cli" check || true)
+for part in "The X display answers" "screen saver extension reports" \
+    "A notification server shows"; do
+    grep -F "$part" <<<"$check" | grep -q "^ok" ||
+        fail "the setup check misses \"$part\": $check"
+done
+
 "$cli" rules set-app LumenoteAlpha focused >/dev/null
 "$cli" rules set-app LumenoteBeta distracting >/dev/null
 
@@ -68,6 +76,11 @@ poll_until "the pause" status_matches "paused"
 [[ "$("$cli" pause)" == "The session is already paused." ]] || fail "a second pause toggled"
 "$cli" resume >/dev/null
 poll_until "the resume" status_matches "recording"
+"$cli" away >/dev/null
+poll_until "studying away" status_matches "studying away from the computer"
+"$cli" back >/dev/null
+grep -q "Working away from your Mac?" "$work/recorder.out" ||
+    fail "the away-study introduction was not shown on first use"
 poll_until "12 seconds of recording" elapsed_at_least 12
 "$cli" end >/dev/null
 wait "$recorder_job" || fail "the recorder ended with status $?"
