@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cli/run_cli.hpp"
-#include "settings/temporary_home.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote::cli::testing {
 

@@ -15,9 +15,9 @@
 #include "cli/cli_test_support.hpp"
 #include "scenario/scenario_runner.hpp"
 #include "scenario/scenario_script.hpp"
-#include "settings/temporary_home.hpp"
 #include "store/sqlite_recording_store.hpp"
 #include "store/store_files.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote::cli::testing {
 

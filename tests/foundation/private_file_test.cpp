@@ -13,6 +13,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/temporary_home.hpp"
+
 namespace lumenote {
 namespace {
 
@@ -20,41 +22,15 @@ namespace fs = std::filesystem;
 
 const Date kNow = Date::fromUnixSeconds(1763280000.75);
 
-void writeFile(const fs::path& path, const std::string& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out << bytes;
-}
-
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-mode_t modeOf(const fs::path& path) {
-    struct stat info {};
-    EXPECT_EQ(::lstat(path.c_str(), &info), 0) << path;
-    return info.st_mode & 07777;
-}
-
-std::set<std::string> namesIn(const fs::path& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        names.insert(entry.path().filename().string());
-    }
-    return names;
-}
+using testing::modeOf;
+using testing::namesIn;
+using testing::readFile;
+using testing::writeFile;
 
 class PrivateFileTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        const char* base = std::getenv("TMPDIR");
-        std::string pattern = std::string(base && *base ? base : "/tmp") + "/private-file-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        folder_ = pattern;
-    }
-    void TearDown() override { fs::remove_all(folder_); }
-
-    fs::path folder_;
+    testing::TemporaryHome home_;
+    const fs::path folder_ = home_.root();
 };
 
 // ---- reading -------------------------------------------------------------
@@ -96,7 +72,7 @@ TEST_F(PrivateFileTest, ReadAppliesTheCapInclusively) {
         bool readable;
     } cases[] = {{0, 0, true}, {1, 0, false}, {32768, 32768, true}, {32769, 32768, false}};
     for (const auto& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.size << " bytes, cap " << c.cap);
+        SCOPED_TRACE(::testing::Message() << c.size << " bytes, cap " << c.cap);
         writeFile(folder_ / "file.json", std::string(c.size, 'x'));
         const auto read = private_file::read(folder_ / "file.json", c.cap);
         ASSERT_EQ(read.ok(), c.readable);

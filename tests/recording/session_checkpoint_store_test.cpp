@@ -12,7 +12,9 @@
 #include <set>
 
 #include <gtest/gtest.h>
+
 #include <nlohmann/json.hpp>
+#include "support/temporary_home.hpp"
 
 namespace lumenote {
 namespace {
@@ -60,44 +62,20 @@ ActiveSessionCheckpoint sampleCheckpoint() {
     return c;
 }
 
+using testing::modeOf;
+using testing::namesIn;
+using testing::readFile;
+
 void writeFile(const fs::path& path, const std::string& bytes, mode_t mode = 0644) {
-    {
-        std::ofstream out(path, std::ios::binary | std::ios::trunc);
-        out << bytes;
-    }
+    testing::writeFile(path, bytes);
     ASSERT_EQ(::chmod(path.c_str(), mode), 0);
-}
-
-std::string readFile(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-}
-
-mode_t modeOf(const fs::path& path) {
-    struct stat info {};
-    EXPECT_EQ(::lstat(path.c_str(), &info), 0) << path;
-    return info.st_mode & 07777;
-}
-
-std::set<std::string> namesIn(const fs::path& folder) {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder)) {
-        names.insert(entry.path().filename().string());
-    }
-    return names;
 }
 
 class SessionCheckpointStoreTest : public ::testing::Test {
   protected:
-    void SetUp() override {
-        const char* base = std::getenv("TMPDIR");
-        std::string pattern = std::string(base && *base ? base : "/tmp") + "/checkpoint-XXXXXX";
-        ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-        temporary_ = pattern;
-        root_ = temporary_ / "Lumenote";
-        fs::create_directory(root_);
-    }
-    void TearDown() override { fs::remove_all(temporary_); }
+    void SetUp() override { fs::create_directory(root_); }
+
+    testing::TemporaryHome home_;
 
     fs::path file() const { return root_ / "active-session-v1.json"; }
     FileSessionCheckpointStore store(
@@ -106,8 +84,8 @@ class SessionCheckpointStoreTest : public ::testing::Test {
     }
 
     FixedClock clock_;
-    fs::path temporary_;
-    fs::path root_;
+    const fs::path temporary_ = home_.root();
+    const fs::path root_ = temporary_ / "Lumenote";
 };
 
 // ---- loading ---------------------------------------------------------------

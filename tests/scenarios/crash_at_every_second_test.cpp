@@ -8,25 +8,19 @@
 
 #include "recording/session_manager.hpp"
 #include "scenario/scenario_runner.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote::scenario {
 namespace {
 
 class CrashAtEverySecondTest : public ::testing::TestWithParam<const char*> {
   protected:
-    void SetUp() override {
-        char pattern[] = "/tmp/lumenote-crash.XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        root_ = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(root_); }
-
     UserPaths freshPaths(int run) const {
-        const auto base = root_ / std::to_string(run);
+        const auto base = home_.root() / std::to_string(run);
         return UserPaths{base / "data", base / "config"};
     }
 
-    std::filesystem::path root_;
+    lumenote::testing::TemporaryHome home_;
 };
 
 // Switches apps, stops input (so part of the session is no-input time) and

@@ -13,6 +13,7 @@
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
 #include "store/sqlite_recording_store.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote {
 namespace {
@@ -20,10 +21,7 @@ namespace {
 class SessionManagerTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        char pattern[] = "/tmp/lumenote-manager.XXXXXX";
-        ASSERT_NE(mkdtemp(pattern), nullptr);
-        folder_ = pattern;
-        auto opened = SqliteRecordingStore::open(folder_ / "lumenote.sqlite");
+        auto opened = SqliteRecordingStore::open(home_.root() / "lumenote.sqlite");
         ASSERT_TRUE(opened.ok());
         store_ = std::move(opened).value();
         frontmost_.current = FrontmostApplication{"Editor", "org.example.Editor"};
@@ -32,7 +30,6 @@ class SessionManagerTest : public ::testing::Test {
     void TearDown() override {
         manager_.reset();
         store_.reset();
-        std::filesystem::remove_all(folder_);
     }
 
     void launch() {
@@ -62,7 +59,7 @@ class SessionManagerTest : public ::testing::Test {
         return listed.ok() ? *listed : std::vector<StudySession>{};
     }
 
-    std::filesystem::path folder_;
+    testing::TemporaryHome home_;
     fake::FakeClock clock_{Date{800000000.0}};
     fake::FakeIdle idle_{clock_};
     fake::FakeFrontmost frontmost_;

@@ -5,7 +5,7 @@
 
 #include "settings/in_memory_defaults_domain.hpp"
 #include "settings/json_file_defaults_domain.hpp"
-#include "settings/temporary_home.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote {
 namespace {

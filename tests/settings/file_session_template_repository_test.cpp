@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "settings/session_template_store.hpp"
-#include "settings/temporary_home.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote {
 namespace {

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "settings/json_file_defaults_domain.hpp"
-#include "settings/temporary_home.hpp"
+#include "support/temporary_home.hpp"
 
 namespace lumenote {
 namespace {

@@ -1,5 +1,6 @@
-// A temporary home folder for tests: HOME, XDG_CONFIG_HOME and XDG_DATA_HOME
-// point into a fresh folder that is removed afterwards.
+// Test support shared by every test folder: a temporary home folder (HOME,
+// XDG_CONFIG_HOME and XDG_DATA_HOME point into a fresh folder that is
+// removed afterwards) and small helpers for real files.
 #pragma once
 
 #include <stdlib.h>
@@ -10,6 +11,7 @@
 #include <fstream>
 #include <iterator>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -57,6 +59,24 @@ inline void writeFile(const std::filesystem::path& path, const std::string& byte
 inline std::string readFile(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// The permission bits of `path` itself (a symbolic link is not followed).
+inline mode_t modeOf(const std::filesystem::path& path) {
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) {
+        return 0;
+    }
+    return info.st_mode & 07777;
+}
+
+// The names of every entry of `folder`.
+inline std::set<std::string> namesIn(const std::filesystem::path& folder) {
+    std::set<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        names.insert(entry.path().filename().string());
+    }
+    return names;
 }
 
 // Names of the files in `folder` whose name contains `part`.
