@@ -8,6 +8,7 @@
 #include "foundation/numeric.hpp"
 #include "foundation/text.hpp"
 #include "recording/focus_score_text.hpp"
+#include "recording/no_input_prompt.hpp"
 
 namespace lumenote::cli {
 
@@ -107,7 +108,8 @@ std::string sessionTableText(const std::vector<StudySession>& sessions,
     return table;
 }
 
-std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar) {
+std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar,
+                              const NoInputThresholds& thresholds) {
     std::string detail;
     auto line = [&detail](std::string_view label, std::string_view value) {
         detail += fmt::format("{:<14}{}\n", label, value);
@@ -156,6 +158,18 @@ std::string sessionDetailText(const StudySession& session, const LocalCalendar& 
     };
     for (const auto& [name, seconds] : totals) {
         detail += fmt::format("  {:<16}{:>9}\n", name, clockDurationText(seconds));
+    }
+    const auto version = session.calculationVersion();
+    const auto explanation = version ? explanationText(*version) : std::nullopt;
+    if (explanation) {
+        detail += fmt::format("{}\n", *explanation);
+    }
+    if (version != TrackingCalculationVersion::v3) {
+        detail += fmt::format("{}\n", kRecordedBeforeOffMacStudyText);
+    }
+    if (const std::size_t gaps = countShortUnconfirmedGaps(session, thresholds.promptSeconds,
+                                                           thresholds.inactivitySeconds)) {
+        detail += fmt::format("{}. {}\n", shortUnconfirmedGapsSummary(gaps), kShortGapsNote);
     }
 
     if (session.segments.empty()) {

@@ -23,8 +23,16 @@ std::string countText(std::size_t count, std::string_view singular, std::string_
 std::string sessionTableText(const std::vector<StudySession>& sessions,
                              const LocalCalendar& calendar);
 
-// The session's fields, totals, score and coverage, then its segments one per
-// line in start order.
-std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar);
+// The thresholds that decide which gaps without input were too short to be asked about.
+struct NoInputThresholds {
+    double promptSeconds = 300.0;
+    double inactivitySeconds = 90.0;
+};
+
+// The session's fields, totals, score and coverage, the calculation it was
+// computed under, the count of short unconfirmed gaps, then its segments one
+// per line in start order.
+std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar,
+                              const NoInputThresholds& thresholds = {});
 
 }  // namespace lumenote::cli

@@ -16,12 +16,23 @@
 #include "cli/history_environment.hpp"
 #include "cli/session_text.hpp"
 #include "recording/session_json.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preferences_store.hpp"
 
 namespace lumenote::cli {
 
 namespace {
 
 constexpr std::string_view kResetConfirmation = "RESET";
+
+// The user's thresholds, which decide which gaps were too short to be asked about.
+NoInputThresholds noInputThresholds(const UserPaths& paths) {
+    SystemWallClock clock;
+    JsonFileDefaultsDomain defaults(JsonFileDefaultsDomain::pathFor(paths),
+                                    [&clock] { return clock.now(); });
+    const PreferencesStore preferences(defaults);
+    return {preferences.passiveStudyPromptThreshold(), preferences.inactivityThreshold()};
+}
 
 void printJson(CliContext& context, const nlohmann::json& value) {
     // Text that is not valid UTF-8 is replaced rather than failing the output.
@@ -116,7 +127,8 @@ void installShow(CLI::App& app, CliContext& context) {
             printJson(context, sessionJson(*session, true));
             return;
         }
-        context.out << sessionDetailText(*session, environment->calendar());
+        context.out << sessionDetailText(*session, environment->calendar(),
+                                         noInputThresholds(context.paths));
     });
 }
 

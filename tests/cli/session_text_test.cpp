@@ -57,5 +57,49 @@ TEST(SessionTextTest, LongOrMultiLineSubjectsStayOnOneLineOfTheTable) {
     EXPECT_TRUE(row.starts_with("2026-05-09 06:13:20  ")) << row;
 }
 
+bool contains(const std::string& text, std::string_view part) {
+    return text.find(part) != std::string::npos;
+}
+
+// A finished session with one no-input stretch of `quietSeconds` between two
+// minutes of activity.
+StudySession sessionWithQuiet(double quietSeconds, TrackingCalculationVersion version) {
+    StudySession session(Uuid::generate(), "Reading", "", 3600, Date{1000});
+    session.setStatus(StudySessionStatus::completed);
+    session.endDate = Date{1000 + 240 + quietSeconds};
+    session.setCalculationVersion(version);
+    const double times[][2] = {{0, 120}, {120, quietSeconds}, {120 + quietSeconds, 120}};
+    for (int i = 0; i < 3; ++i) {
+        ActivitySegment segment(Uuid::generate(), Date{1000 + times[i][0]},
+                                Date{1000 + times[i][0] + times[i][1]}, times[i][1], "Editor",
+                                "org.example.Editor", ActivityClassification::focused, i == 1);
+        segment.session = session.id;
+        session.segments.push_back(segment);
+    }
+    return session;
+}
+
+TEST(SessionTextTest, DetailCountsShortGapsAgainstTheUsersThresholds) {
+    const LocalCalendar utc = LocalCalendar::utc();
+    // 60 recorded seconds of no input began 90 seconds after the last input:
+    // 150 seconds, short of a 300-second prompt threshold, long for a 120-second one.
+    const StudySession session = sessionWithQuiet(60, TrackingCalculationVersion::v3);
+    EXPECT_TRUE(contains(sessionDetailText(session, utc, {300, 90}), "1 short unconfirmed gap."));
+    EXPECT_FALSE(contains(sessionDetailText(session, utc, {120, 90}), "short unconfirmed"));
+}
+
+TEST(SessionTextTest, DetailExplainsTheCalculationItWasComputedUnder) {
+    const LocalCalendar utc = LocalCalendar::utc();
+    const std::string current =
+        sessionDetailText(sessionWithQuiet(600, TrackingCalculationVersion::v3), utc);
+    EXPECT_TRUE(contains(current, "Calculation v3 keeps the v2 computer focus score unchanged"));
+    EXPECT_FALSE(contains(current, "recorded before confirmed off-Mac study existed"));
+    const std::string older =
+        sessionDetailText(sessionWithQuiet(600, TrackingCalculationVersion::v2), utc);
+    EXPECT_TRUE(contains(older, "Calculation v2 reconciles overlapping activity"));
+    EXPECT_TRUE(
+        contains(older, "This session was recorded before confirmed off-Mac study existed"));
+}
+
 }  // namespace
 }  // namespace lumenote::cli
