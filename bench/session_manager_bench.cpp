@@ -36,14 +36,13 @@ class BenchRecorder {
         char pattern[] = "/tmp/lumenote-bench-recorder.XXXXXX";
         folder_ = mkdtemp(pattern);
         store_ = std::move(SqliteRecordingStore::open(folder_ / "lumenote.sqlite")).value();
-        checkpoints_ = std::make_unique<FileSessionCheckpointStore>(folder_, clock_.wall());
-        manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
-            *store_, recordingPreferences_, idle_, clock_.monotonic(), clock_.wall(), frontmost_,
-            notifications_, browser_, *checkpoints_});
+        checkpoints_ = std::make_unique<FileSessionCheckpointStore>(folder_, machine_.clock.wall());
+        manager_ = std::make_unique<SessionManager>(
+            machine_.dependencies(*store_, recordingPreferences_, *checkpoints_));
         manager_->startUp();
         manager_->saveApplicationClassification("org.example.Editor", "Editor",
                                                 ActivityClassification::focused);
-        frontmost_.current = FrontmostApplication{"Editor", "org.example.Editor"};
+        machine_.frontmost.current = FrontmostApplication{"Editor", "org.example.Editor"};
         SessionStartRequest request;
         request.subject = "Benchmark";
         request.plannedDuration = 86400.0;
@@ -57,21 +56,17 @@ class BenchRecorder {
     }
 
     void tick() {
-        clock_.advance(1.0);
+        machine_.clock.advance(1.0);
         manager_->tick();
     }
     void switchTo(const std::string& bundle) {
-        frontmost_.current = FrontmostApplication{bundle, bundle};
+        machine_.frontmost.current = FrontmostApplication{bundle, bundle};
         manager_->applicationActivated();
     }
 
   private:
     std::filesystem::path folder_;
-    fake::FakeClock clock_{Date{800000000.0}};
-    fake::FakeIdle idle_{clock_};
-    fake::FakeFrontmost frontmost_;
-    fake::FakeNotifications notifications_;
-    fake::FakeBrowser browser_;
+    fake::FakeMachine machine_{Date{800000000.0}};
     InMemoryDefaultsDomain domain_;
     PreferencesStore preferences_{domain_};
     PreferencesForRecording recordingPreferences_{preferences_};

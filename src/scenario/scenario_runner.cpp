@@ -100,8 +100,7 @@ bool matches(const json& expected, const json* actual, std::string& why, const s
 class ScenarioMachine {
   public:
     ScenarioMachine(const UserPaths& paths, Date wallStart, std::unique_ptr<RecordingStore> store)
-        : clock_(wallStart),
-          idle_(clock_),
+        : machine_(wallStart),
           store_(std::move(store)),
           domain_(JsonFileDefaultsDomain::pathFor(paths), [this] { return clock_.wallNow(); }),
           preferences_(domain_),
@@ -140,9 +139,8 @@ class ScenarioMachine {
 
   private:
     void launch() {
-        manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
-            *store_, recordingPreferences_, idle_, clock_.monotonic(), clock_.wall(), frontmost_,
-            notifications_, browser_, checkpointStore_});
+        manager_ = std::make_unique<SessionManager>(
+            machine_.dependencies(*store_, recordingPreferences_, checkpointStore_));
         manager_->startUp();
         manager_->clearLastError();
     }
@@ -159,11 +157,12 @@ class ScenarioMachine {
     Result<void, std::string> expectSession(const ScriptStep& step, ScenarioOutcome& outcome);
     std::optional<Uuid> sessionAt(const json& step, const char* key = "session");
 
-    fake::FakeClock clock_;
-    fake::FakeIdle idle_;
-    fake::FakeFrontmost frontmost_;
-    fake::FakeNotifications notifications_;
-    fake::FakeBrowser browser_;
+    fake::FakeMachine machine_;
+    fake::FakeClock& clock_ = machine_.clock;
+    fake::FakeIdle& idle_ = machine_.idle;
+    fake::FakeFrontmost& frontmost_ = machine_.frontmost;
+    fake::FakeNotifications& notifications_ = machine_.notifications;
+    fake::FakeBrowser& browser_ = machine_.browser;
     std::unique_ptr<RecordingStore> store_;
     JsonFileDefaultsDomain domain_;
     PreferencesStore preferences_;

@@ -33,9 +33,8 @@ class SessionManagerTest : public ::testing::Test {
     }
 
     void launch() {
-        manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
-            *store_, recordingPreferences_, idle_, clock_.monotonic(), clock_.wall(), frontmost_,
-            notifications_, browser_, checkpoints_});
+        manager_ = std::make_unique<SessionManager>(
+            machine_.dependencies(*store_, recordingPreferences_, checkpoints_));
         manager_->startUp();
     }
 
@@ -60,11 +59,9 @@ class SessionManagerTest : public ::testing::Test {
     }
 
     testing::TemporaryHome home_;
-    fake::FakeClock clock_{Date{800000000.0}};
-    fake::FakeIdle idle_{clock_};
-    fake::FakeFrontmost frontmost_;
-    fake::FakeNotifications notifications_;
-    fake::FakeBrowser browser_;
+    fake::FakeMachine machine_{Date{800000000.0}};
+    fake::FakeClock& clock_ = machine_.clock;
+    fake::FakeFrontmost& frontmost_ = machine_.frontmost;
     InMemorySessionCheckpointStore checkpoints_;
     InMemoryDefaultsDomain domain_;
     PreferencesStore preferences_{domain_};

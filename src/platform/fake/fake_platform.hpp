@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "recording/platform_services.hpp"
+#include "recording/session_manager.hpp"
 #include "recording/time_providers.hpp"
 
 namespace lumenote::fake {
@@ -103,6 +104,30 @@ class FakeBrowser final : public BrowserTrackingCoordinator {
     std::map<std::string, BrowserResolution> resolutions;
     std::optional<Uuid> runningSession;
     std::string frontmost;
+};
+
+// A whole simulated machine: both clocks, input, the frontmost application,
+// notifications and the browser.
+struct FakeMachine {
+    explicit FakeMachine(Date wallStart = Date{0}) : clock(wallStart), idle(clock) {}
+    FakeMachine(const FakeMachine&) = delete;
+    FakeMachine& operator=(const FakeMachine&) = delete;
+
+    // The session manager's dependencies on this machine; the store, the
+    // preferences and the checkpoint store must outlive the manager.
+    SessionManagerDependencies dependencies(RecordingStore& store,
+                                            RecordingPreferences& preferences,
+                                            SessionCheckpointStore& checkpoints) {
+        return SessionManagerDependencies{
+            store,     preferences,   idle,    clock.monotonic(), clock.wall(),
+            frontmost, notifications, browser, checkpoints};
+    }
+
+    FakeClock clock;
+    FakeIdle idle;
+    FakeFrontmost frontmost;
+    FakeNotifications notifications;
+    FakeBrowser browser;
 };
 
 }  // namespace lumenote::fake
