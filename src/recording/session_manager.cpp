@@ -110,6 +110,7 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     openSegmentWritten_ = false;
     timerBaseDuration_ = 0.0;
     timerAnchor_ = instant.monotonicTime;
+    observedSince_ = instant;
     pauseAnchor_.reset();
     currentPauseDuration_ = 0.0;
     saveTick_ = 0;
@@ -167,6 +168,7 @@ Result<void, SessionFailure> SessionManager::resume() {
     const TrackingInstant instant = nowInstant();
     accumulatedPauseDuration_ += std::max(0.0, instant.monotonicTime - pauseAnchor_.value_or(0.0));
     timerAnchor_ = instant.monotonicTime;
+    observedSince_ = instant;
     pauseAnchor_.reset();
     currentPauseDuration_ = 0.0;
     activeSession_->setStatus(StudySessionStatus::running);

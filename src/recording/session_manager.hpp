@@ -330,6 +330,8 @@ class SessionManager {
     std::optional<ConfirmedNoInputInterval> openPassiveStudyInterval_;
     std::optional<double> noInputRunStart_;
     std::optional<Date> noInputRunStartDate_;
+    // When observation last (re)started: the start, a resume, a wake.
+    TrackingInstant observedSince_;
     std::optional<NoInputClassificationPrompt> pendingNoInputPrompt_;
     std::optional<TrackingInstant> pendingNoInputPromptStart_;
     std::optional<StudyStateEdit> lastStudyStateEdit_;

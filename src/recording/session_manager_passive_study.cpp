@@ -7,6 +7,8 @@
 // can be confirmed; its start is the moment input stopped. When input returns
 // after a run at least as long as the prompt threshold, the question is
 // raised, unless a live away period is open or the session is an offline one.
+// A run starts no earlier than the moment observation last (re)started (the
+// session's start, a resume, a wake).
 // Pausing, ending, sleep and termination close a live away period at that
 // instant and forget the current run.
 #include "recording/session_manager.hpp"
@@ -78,8 +80,12 @@ void SessionManager::trackNoInputRun(const ActivityState& next, TrackingInstant 
     }
     if (next.isInactive) {
         if (!noInputRunStart_) {
-            noInputRunStart_ = instant.monotonicTime - idleSeconds;
-            noInputRunStartDate_ = instant.wallDate.addingSeconds(-idleSeconds);
+            // A run never reaches back before observation (re)started: input
+            // may have stopped while paused, asleep or before the session.
+            const double since =
+                std::min(idleSeconds, instant.monotonicTime - observedSince_.monotonicTime);
+            noInputRunStart_ = instant.monotonicTime - std::max(0.0, since);
+            noInputRunStartDate_ = instant.wallDate.addingSeconds(-std::max(0.0, since));
         }
         return;
     }

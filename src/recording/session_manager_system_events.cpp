@@ -58,6 +58,7 @@ void SessionManager::didWake() {
         notificationService_.post("Lumenote", kLongSleepPauseNotice);
         return;
     }
+    observedSince_ = instant;
     sampleAndRecord(instant);
 }
 
