@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <cmath>
 
+#include "foundation/text.hpp"
 #include "recorder/record_view.hpp"
 #include "recording/session_figures.hpp"
 
@@ -56,11 +57,50 @@ bool RecorderHost::begin() {
             say(fmt::format("The unfinished session \"{}\" was ended as interrupted.", subject));
         }
     }
-    if (!startSession()) {
+    if (!startOrAskSubject()) {
         return false;
     }
     ticker_.start();
     return true;
+}
+
+bool RecorderHost::startOrAskSubject() {
+    if (setup_.interactive && text::trimmed(setup_.startRequest.subject).empty()) {
+        typedSubject_.clear();
+        question_ = Question::subject;
+        setup_.out << "\r\033[2KSubject: " << std::flush;
+        return true;
+    }
+    return startSession();
+}
+
+void RecorderHost::answerSubject(char key) {
+    if (key == '\n' || key == '\r') {
+        setup_.out << '\n';
+        question_ = Question::none;
+        setup_.startRequest.subject = typedSubject_;
+        if (!startSession()) {
+            stop(1);
+        }
+        return;
+    }
+    if (key == 0x7f || key == '\b') {
+        // Backspace removes the last character, and all bytes of one that is
+        // longer than a byte.
+        while (!typedSubject_.empty()) {
+            const auto byte = static_cast<unsigned char>(typedSubject_.back());
+            typedSubject_.pop_back();
+            if ((byte & 0xC0) != 0x80) {
+                break;
+            }
+        }
+        setup_.out << "\r\033[2KSubject: " << typedSubject_ << std::flush;
+        return;
+    }
+    if (static_cast<unsigned char>(key) >= 0x20) {
+        typedSubject_ += key;
+        setup_.out << key << std::flush;
+    }
 }
 
 bool RecorderHost::startSession() {
@@ -135,6 +175,9 @@ void RecorderHost::onKey() {
 
 void RecorderHost::handleKey(char key) {
     switch (question_) {
+        case Question::subject:
+            answerSubject(key);
+            return;
         case Question::recovery:
             answerRecovery(key);
             return;
@@ -185,7 +228,7 @@ void RecorderHost::answerRecovery(char key) {
         question_ = Question::none;
         (void)manager.endRecoveredSession();
         say("The unfinished session was ended as interrupted.");
-        if (!startSession()) {
+        if (!startOrAskSubject()) {
             stop(1);
         }
     }

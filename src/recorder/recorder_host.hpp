@@ -58,12 +58,15 @@ class RecorderHost final : public QObject, public RecorderCommandHandler {
     RecorderStatus status() override;
 
   private:
-    enum class Question { none, recovery, prompt, quit };
+    enum class Question { none, subject, recovery, prompt, quit };
 
     void onTick();
     void onKey();
     void onActivation();
     void handleKey(char key);
+    void answerSubject(char key);
+    // Starts the session, first asking for a subject when it has none.
+    bool startOrAskSubject();
     void answerRecovery(char key);
     void answerPrompt(char key);
     void answerQuit(char key);
@@ -88,6 +91,7 @@ class RecorderHost final : public QObject, public RecorderCommandHandler {
     bool stopped_ = false;
     int exitStatus_ = 0;
     std::string lastPlainLine_;
+    std::string typedSubject_;
 };
 
 }  // namespace lumenote::recorder

@@ -6,7 +6,6 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <cstdlib>
-#include <iostream>
 
 #include "platform/linux/command_service.hpp"
 #include "platform/linux/notifications.hpp"
@@ -81,11 +80,6 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
             return 1;
         }
     }
-    if (request.subject.empty() && options.interactive) {
-        out << "Subject: " << std::flush;
-        std::getline(std::cin, request.subject);
-    }
-
     int argc = 1;
     char name[] = "lumenote-cli";
     char* argv[] = {name, nullptr};
