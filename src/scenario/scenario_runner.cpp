@@ -12,6 +12,7 @@
 #include "platform/fake/fake_platform.hpp"
 #include "recording/session_json.hpp"
 #include "recording/session_manager.hpp"
+#include "scenario/json_expectation.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preference_catalog.hpp"
 #include "settings/preferences_store.hpp"
@@ -39,61 +40,6 @@ std::optional<ActivityClassification> classificationArgument(const json& step, c
 std::string stringArgument(const json& step, const char* key, std::string fallback = {}) {
     const auto found = step.find(key);
     return (found != step.end() && found->is_string()) ? found->get<std::string>() : fallback;
-}
-
-// Compares an expected JSON value with an actual one: numbers within a
-// millisecond, null meaning "absent", "*" meaning "present", objects field by
-// field (only the expected fields), arrays element by element.
-bool matches(const json& expected, const json* actual, std::string& why, const std::string& path) {
-    if (expected.is_null()) {
-        if (actual != nullptr && !actual->is_null()) {
-            why = fmt::format("{}: expected absent, found {}", path, actual->dump());
-            return false;
-        }
-        return true;
-    }
-    if (actual == nullptr || actual->is_null()) {
-        why = fmt::format("{}: expected {}, found nothing", path, expected.dump());
-        return false;
-    }
-    if (expected == "*") {
-        return true;  // any value, as long as there is one
-    }
-    if (expected.is_number() && actual->is_number()) {
-        if (std::fabs(expected.get<double>() - actual->get<double>()) > 0.001) {
-            why = fmt::format("{}: expected {}, found {}", path, expected.dump(), actual->dump());
-            return false;
-        }
-        return true;
-    }
-    if (expected.is_object() && actual->is_object()) {
-        for (const auto& [key, value] : expected.items()) {
-            const auto found = actual->find(key);
-            if (!matches(value, found == actual->end() ? nullptr : &*found, why,
-                         path + "." + key)) {
-                return false;
-            }
-        }
-        return true;
-    }
-    if (expected.is_array() && actual->is_array()) {
-        if (expected.size() != actual->size()) {
-            why = fmt::format("{}: expected {} entries, found {}", path, expected.size(),
-                              actual->size());
-            return false;
-        }
-        for (std::size_t i = 0; i < expected.size(); ++i) {
-            if (!matches(expected[i], &(*actual)[i], why, fmt::format("{}[{}]", path, i))) {
-                return false;
-            }
-        }
-        return true;
-    }
-    if (expected != *actual) {
-        why = fmt::format("{}: expected {}, found {}", path, expected.dump(), actual->dump());
-        return false;
-    }
-    return true;
 }
 
 // The simulated machine: the fakes, the store, the preferences and the manager.
