@@ -5,6 +5,9 @@
 
 #include <optional>
 
+#include "foundation/dates.hpp"
+#include "recording/session_records.hpp"
+
 namespace lumenote {
 
 class RecordingPreferences {
@@ -23,6 +26,8 @@ class RecordingPreferences {
     // Puts the application's and the receipt's preferences back to their
     // defaults (the data reset).
     virtual void resetApplicationPreferences() = 0;
+    // The once-per-session gate of the end-of-session celebration.
+    virtual bool shouldCelebrate(const StudySession& session, Date now) = 0;
 };
 
 }  // namespace lumenote

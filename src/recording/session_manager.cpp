@@ -58,9 +58,17 @@ void SessionManager::clearLastError() {
     }
 }
 
+void SessionManager::setOnboardingPresented(bool presented) {
+    if (isOnboardingPresented_ != presented) {
+        isOnboardingPresented_ = presented;
+        publish(ObservedField::onboarding);
+    }
+}
+
 void SessionManager::clearPendingPostSession() {
     if (pendingPostSession_) {
         pendingPostSession_.reset();
+        pendingPostSessionAllowsCelebration_ = false;
         publish(ObservedField::pendingPostSession);
     }
 }
@@ -297,6 +305,8 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
     currentPauseDuration_ = 0.0;
     lookup_.clearSessionOverrides();
     browserTrackingCoordinator_.setRunningSession(std::nullopt);
+    pendingPostSessionAllowsCelebration_ = status == StudySessionStatus::completed &&
+                                           preferences_.shouldCelebrate(finished, wallClock_.now());
     pendingPostSession_ = std::move(finished);
     publish(ObservedField::activeSession);
     publish(ObservedField::pendingPostSession);

@@ -95,6 +95,7 @@ enum class ObservedField {
     liveStudyState,
     lastStudyStateEdit,
     pendingRecovery,
+    onboarding,
 };
 
 struct SessionManagerDependencies {
@@ -174,6 +175,8 @@ class SessionManager {
         const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
         ConfirmedStudyStateSource source = ConfirmedStudyStateSource::replayEdit);
     const std::optional<StudyStateEdit>& lastStudyStateEdit() const { return lastStudyStateEdit_; }
+    // Puts the previous state back over the last edit's range.
+    Result<StudyStateEdit, std::string> undoLastStudyStateEdit();
 
     // ---- away from the computer (session_manager_passive_study.cpp) ----
     Result<void, SessionFailure> startPassiveStudy();
@@ -191,6 +194,11 @@ class SessionManager {
     void setSessionApplicationOverride(const std::string& bundleIdentifier,
                                        ActivityClassification classification);
     void setTabOverride(const Uuid& tabSessionIdentifier, ActivityClassification classification);
+    // Applies a class chosen for a local PDF as far as `scope` reaches.
+    bool classifyLocalPDF(const Uuid& pdfIdentifier, ActivityClassification classification,
+                          LocalPDFClassificationScope scope);
+    // Removes every PDF label that came from a file name.
+    bool clearFilenameDerivedPDFLabels();
     const ClassificationLookup& classificationLookup() const { return lookup_; }
 
     // ---- history ----
@@ -217,6 +225,19 @@ class SessionManager {
         return sessionDeletionUndoDescription_;
     }
     const std::optional<StudySession>& pendingPostSession() const { return pendingPostSession_; }
+    bool pendingPostSessionAllowsCelebration() const {
+        return pendingPostSessionAllowsCelebration_;
+    }
+    // Bests set by the session just ended; none are computed yet, so the list
+    // stays empty.
+    const std::vector<std::string>& pendingPostSessionPersonalBests() const {
+        return pendingPostSessionPersonalBests_;
+    }
+    bool isOnboardingPresented() const { return isOnboardingPresented_; }
+    void setOnboardingPresented(bool presented);
+    bool localPDFFilenameLabelsEnabled() const {
+        return localPDFPreferences_.value_or(LocalPDFPreferences{}).filenameLabelsEnabled;
+    }
     const std::optional<NoInputClassificationPrompt>& pendingNoInputPrompt() const {
         return pendingNoInputPrompt_;
     }
@@ -304,6 +325,9 @@ class SessionManager {
     std::optional<std::string> lastError_;
     std::optional<std::string> sessionDeletionUndoDescription_;
     std::optional<StudySession> pendingPostSession_;
+    bool pendingPostSessionAllowsCelebration_ = false;
+    std::vector<std::string> pendingPostSessionPersonalBests_;
+    bool isOnboardingPresented_ = false;
     std::function<void(ObservedField)> changeHandler_;
 
     ActivityTimelineEngine timelineEngine_;

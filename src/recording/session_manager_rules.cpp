@@ -3,6 +3,7 @@
 // A rule or override chosen while a session runs applies from that moment: the
 // manager samples again at once rather than at the next tick.
 #include "classification/classification_messages.hpp"
+#include "classification/local_pdf_classification.hpp"
 #include "classification/rule_keys.hpp"
 #include "recording/session_manager.hpp"
 
@@ -60,6 +61,65 @@ bool SessionManager::clearWebsiteClassifications() {
         return false;
     }
     lookup_.clearWebsiteRules();
+    return true;
+}
+
+bool SessionManager::classifyLocalPDF(const Uuid& pdfIdentifier,
+                                      ActivityClassification classification,
+                                      LocalPDFClassificationScope scope) {
+    const auto known = pdfIdentities_.find(pdfIdentifier);
+    if (known == pdfIdentities_.end()) {
+        lastError_ =
+            classificationFailureMessage(ClassificationFailure::classificationNotSaved, "this PDF");
+        publish(ObservedField::lastError);
+        return false;
+    }
+    std::vector<LocalPDFIdentity> sessionIdentities;
+    for (const auto& [id, identity] : pdfIdentities_) {
+        if (activeSession_ && identity.session == activeSession_->id) {
+            sessionIdentities.push_back(identity);
+        }
+    }
+    const LocalPDFPreferences preferences = localPDFPreferences_.value_or(LocalPDFPreferences{
+        Uuid::generate(), true, std::string(rawValue(ActivityClassification::unclassified))});
+    const LocalPDFScopeChanges changes =
+        applyPDFScope(classification, scope, known->second, sessionIdentities, preferences);
+    const std::string label = known->second.displayLabelStorage.value_or("this PDF");
+    for (const LocalPDFIdentity& identity : changes.identities) {
+        if (!store_.savePdfIdentity(identity).ok()) {
+            lastError_ =
+                classificationFailureMessage(ClassificationFailure::classificationNotSaved, label);
+            publish(ObservedField::lastError);
+            return false;
+        }
+        pdfIdentities_[identity.id] = identity;
+    }
+    if (changes.preferences) {
+        if (!store_.saveLocalPDFPreferences(*changes.preferences).ok()) {
+            lastError_ =
+                classificationFailureMessage(ClassificationFailure::classificationNotSaved, label);
+            publish(ObservedField::lastError);
+            return false;
+        }
+        localPDFPreferences_ = changes.preferences;
+    }
+    applicationActivated();
+    return true;
+}
+
+bool SessionManager::clearFilenameDerivedPDFLabels() {
+    if (!store_.clearFilenameDerivedPdfLabels().ok()) {
+        lastError_ = classificationFailureMessage(ClassificationFailure::filenameLabelsNotCleared);
+        publish(ObservedField::lastError);
+        return false;
+    }
+    std::vector<LocalPDFIdentity> identities;
+    for (const auto& [id, identity] : pdfIdentities_) {
+        identities.push_back(identity);
+    }
+    for (LocalPDFIdentity& cleared : withoutFilenameLabels(identities)) {
+        pdfIdentities_[cleared.id] = std::move(cleared);
+    }
     return true;
 }
 

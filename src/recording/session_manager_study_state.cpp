@@ -57,6 +57,14 @@ Result<StudyStateEdit, std::string> SessionManager::relabel(
     return outcome->edit;
 }
 
+Result<StudyStateEdit, std::string> SessionManager::undoLastStudyStateEdit() {
+    if (!lastStudyStateEdit_) {
+        return fail(std::string("There is no change of study state to undo."));
+    }
+    const StudyStateEdit edit = *lastStudyStateEdit_;
+    return relabel(edit.sessionID, edit.startDate, edit.endDate, edit.previousState);
+}
+
 Result<void, std::string> SessionManager::answerNoInputPrompt(NoInputPromptAnswer answer,
                                                               std::optional<Date> from,
                                                               std::optional<Date> to) {

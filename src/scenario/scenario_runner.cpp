@@ -400,8 +400,34 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
             resolution.fallbackReason = BrowserFallbackReason::awaitingFreshEvent;
         }
         resolution.tabSessionIdentifier = Uuid::parse(stringArgument(args, "tab"));
+        if (const auto pdf = Uuid::parse(stringArgument(args, "pdf"))) {
+            // A local PDF: its identity, label and the label's source.
+            resolution.kind = BrowserResolution::Kind::localPDF;
+            resolution.pdfIdentifier = pdf;
+            resolution.pdfDisplayLabel = stringArgument(args, "label");
+            resolution.pdfLabelSource = BrowserPDFLabelSource::filename;
+            resolution.fallbackReason.reset();
+        }
         browser_.resolutions[resolution.browserBundleIdentifier] = resolution;
         manager_->applicationActivated();
+        return {};
+    }
+    if (action == "classifyPdf") {
+        const auto classification = classificationArgument(args, "classification");
+        const auto scope = fromRawValue<LocalPDFClassificationScope>(stringArgument(args, "scope"));
+        const auto pdf = Uuid::parse(stringArgument(args, "pdf"));
+        if (!classification || !scope || !pdf) {
+            return fail(std::string("classifyPdf needs a pdf id, a classification and a scope"));
+        }
+        manager_->classifyLocalPDF(*pdf, *classification, *scope);
+        return {};
+    }
+    if (action == "clearFilenameLabels") {
+        manager_->clearFilenameDerivedPDFLabels();
+        return {};
+    }
+    if (action == "undoEdit") {
+        (void)manager_->undoLastStudyStateEdit();
         return {};
     }
     if (action == "deleteSessions" || action == "undoDelete" || action == "deleteAll") {

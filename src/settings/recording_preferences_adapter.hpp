@@ -18,6 +18,9 @@ class PreferencesForRecording final : public RecordingPreferences {
     long long derivedRevision() const override { return store_.derivedRevision(); }
     void setDerivedRevision(long long revision) override { store_.setDerivedRevision(revision); }
     void resetApplicationPreferences() override { store_.resetToDefaults(); }
+    bool shouldCelebrate(const StudySession& session, Date now) override {
+        return store_.shouldCelebrate(session, now);
+    }
 
   private:
     PreferencesStore& store_;
