@@ -18,76 +18,17 @@ set -euo pipefail
 bin=${1:?usage: dbus_events_test.sh BIN_DIR}
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 probe="$bin/lumenote-dbus-probe"
-python=/usr/bin/python3
 deadline_seconds=20
 
 work=$(mktemp -d)
 background=()
-
-cleanup() {
-    local pid
-    for pid in "${background[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${background[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    rm -rf "$work"
-}
+# cleanup, fail, poll_until, has_owner, write_bus_config, start_bus and
+# $python come from the shared private-desktop script.
+source "$here/desktop_session.sh"
 trap cleanup EXIT
 
-fail() {
-    echo "FAIL: $*" >&2
-    local file
-    for file in "$work"/*.out "$work"/*.err "$work"/*.log; do
-        if [[ -s "$file" ]]; then
-            echo "--- $file" >&2
-            cat "$file" >&2
-        fi
-    done
-    exit 1
-}
-
-# poll_until DESCRIPTION COMMAND...: runs COMMAND until it succeeds.
-poll_until() {
-    local description=$1 until=$((SECONDS + deadline_seconds))
-    shift
-    until "$@"; do
-        ((SECONDS < until)) || fail "timed out waiting for $description"
-        sleep 0.02
-    done
-}
-
 # ---- buses ----
-# A configuration of our own: no service directories, so nothing installed
-# on this machine can be activated into the test.
-cat >"$work/bus.conf" <<'EOF'
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-EOF
-
-# start_bus NAME: a bus on $work/NAME.sock, under timeout so that it cannot
-# outlive the test; its address in $bus_address.
-start_bus() {
-    local name=$1
-    timeout 170 dbus-daemon --config-file="$work/bus.conf" --nofork \
-        --address="unix:path=$work/$name.sock" --print-address=3 \
-        3>"$work/$name.address" 2>"$work/$name-bus.err" &
-    background+=($!)
-    poll_until "the $name bus" test -s "$work/$name.address"
-    bus_address=$(head -n1 "$work/$name.address")
-}
-
+write_bus_config
 start_bus session
 session_bus=$bus_address
 start_bus system
@@ -95,15 +36,6 @@ system_bus=$bus_address
 export DBUS_SESSION_BUS_ADDRESS=$session_bus
 export DBUS_SYSTEM_BUS_ADDRESS=$system_bus
 unset XDG_SESSION_ID
-
-# has_owner BUS NAME
-has_owner() {
-    local answer
-    answer=$(timeout 5 dbus-send --bus="$1" --print-reply --dest=org.freedesktop.DBus \
-        /org/freedesktop/DBus org.freedesktop.DBus.NameHasOwner "string:$2" 2>/dev/null) ||
-        return 1
-    [[ "$answer" == *"boolean true"* ]]
-}
 
 has_no_owner() {
     ! has_owner "$@"

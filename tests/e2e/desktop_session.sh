@@ -52,6 +52,27 @@ has_owner() {
     [[ "$answer" == *"boolean true"* ]]
 }
 
+# write_bus_config: a bus configuration of our own, with no service folders,
+# so that nothing installed on this machine can be activated into a test.
+write_bus_config() {
+    cat >"$work/bus.conf" <<'CONF'
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:tmpdir=/tmp</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+CONF
+}
+
+# start_bus NAME: a bus on $work/NAME.sock (write_bus_config first); its
+# address in $bus_address.
 start_bus() {
     local name=$1
     timeout 600 dbus-daemon --config-file="$work/bus.conf" --nofork \
@@ -69,20 +90,7 @@ start_desktop_session() {
     mkdir -p "$HOME"
     unset XDG_SESSION_ID WAYLAND_DISPLAY
 
-    cat >"$work/bus.conf" <<'CONF'
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
+    write_bus_config
     start_bus session
     export DBUS_SESSION_BUS_ADDRESS=$bus_address
     start_bus system
