@@ -21,8 +21,7 @@ struct AppClassification {
     Date updatedAt;
 
     ActivityClassification classification() const {
-        return fromRawValue<ActivityClassification>(classificationRawValue)
-            .value_or(ActivityClassification::unclassified);
+        return classificationFromRawValue(classificationRawValue);
     }
     friend bool operator==(const AppClassification&, const AppClassification&) = default;
 };
@@ -34,8 +33,7 @@ struct WebsiteClassification {
     Date updatedAt;
 
     ActivityClassification classification() const {
-        return fromRawValue<ActivityClassification>(classificationRawValue)
-            .value_or(ActivityClassification::unclassified);
+        return classificationFromRawValue(classificationRawValue);
     }
     friend bool operator==(const WebsiteClassification&, const WebsiteClassification&) = default;
 };
@@ -51,8 +49,7 @@ struct LocalPDFIdentity {
     std::optional<Uuid> session;  // the session in which it was created
 
     ActivityClassification classification() const {
-        return fromRawValue<ActivityClassification>(classificationRawValue)
-            .value_or(ActivityClassification::unclassified);
+        return classificationFromRawValue(classificationRawValue);
     }
     std::optional<BrowserPDFLabelSource> labelSource() const {
         return labelSourceRawValue ? fromRawValue<BrowserPDFLabelSource>(*labelSourceRawValue)
@@ -68,8 +65,7 @@ struct LocalPDFPreferences {
     std::string defaultClassificationRawValue{rawValue(ActivityClassification::unclassified)};
 
     ActivityClassification defaultClassification() const {
-        return fromRawValue<ActivityClassification>(defaultClassificationRawValue)
-            .value_or(ActivityClassification::unclassified);
+        return classificationFromRawValue(defaultClassificationRawValue);
     }
     friend bool operator==(const LocalPDFPreferences&, const LocalPDFPreferences&) = default;
 };

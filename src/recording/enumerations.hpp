@@ -44,6 +44,12 @@ struct RawValues<ActivityClassification> {
     }};
 };
 
+// The class a stored text names; text of a later release reads as
+// unclassified, so an unknown value never counts as evidence or decides a rule.
+inline ActivityClassification classificationFromRawValue(std::string_view raw) {
+    return fromRawValue<ActivityClassification>(raw).value_or(ActivityClassification::unclassified);
+}
+
 template <>
 struct RawValues<StudySessionStatus> {
     using E = StudySessionStatus;

@@ -46,9 +46,13 @@ void SessionManager::publish(ObservedField field) {
     }
 }
 
-void SessionManager::reportFailure(SessionFailure failure, std::string_view detail) {
-    lastError_ = sessionFailureMessage(failure, detail);
+void SessionManager::report(std::string message) {
+    lastError_ = std::move(message);
     publish(ObservedField::lastError);
+}
+
+void SessionManager::reportFailure(SessionFailure failure, std::string_view detail) {
+    report(sessionFailureMessage(failure, detail));
 }
 
 void SessionManager::clearLastError() {

@@ -271,6 +271,8 @@ class SessionManager {
     void endAt(TrackingInstant instant, double timerValue);
     // Pauses with the stretch closed at `instant` and the timer set to `timerValue`.
     void pauseAt(TrackingInstant instant, double timerValue);
+    // Publishes `message` as the last error.
+    void report(std::string message);
     void reportFailure(SessionFailure failure, std::string_view detail = {});
 
     // sampling (session_manager_sampling.cpp)

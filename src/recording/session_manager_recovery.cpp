@@ -51,15 +51,13 @@ void SessionManager::writeCheckpoint(TrackingInstant instant) {
     checkpoint.templateID = session.originatingTemplateID();
     if (!checkpointStore_.save(checkpoint).ok()) {
         // Recording goes on: the store stays the record of truth.
-        lastError_ = recoveryFailureMessage(RecoveryFailure::checkpointNotSaved);
-        publish(ObservedField::lastError);
+        report(recoveryFailureMessage(RecoveryFailure::checkpointNotSaved));
     }
 }
 
 void SessionManager::removeCheckpoint() {
     if (!checkpointStore_.remove().ok()) {
-        lastError_ = recoveryFailureMessage(RecoveryFailure::checkpointNotRemoved);
-        publish(ObservedField::lastError);
+        report(recoveryFailureMessage(RecoveryFailure::checkpointNotRemoved));
     }
 }
 
@@ -196,9 +194,7 @@ Result<void, SessionFailure> SessionManager::endRecoveredSession() {
     changes.sessions.push_back(std::move(row));
     if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
         pendingRecoverySession_ = std::move(session);
-        lastError_ =
-            recoveryFailureMessage(RecoveryFailure::recoveryFailed, saved.error().description);
-        publish(ObservedField::lastError);
+        report(recoveryFailureMessage(RecoveryFailure::recoveryFailed, saved.error().description));
         return fail(SessionFailure::activityNotSaved);
     }
     clearPendingRecovery();

@@ -16,9 +16,7 @@ bool SessionManager::saveApplicationClassification(const std::string& bundleIden
                                  std::string(rawValue(classification)), wallClock_.now()};
     if (!store_.saveAppClassification(rule).ok()) {
         const std::string& name = applicationName.empty() ? bundleIdentifier : applicationName;
-        lastError_ =
-            classificationFailureMessage(ClassificationFailure::classificationNotSaved, name);
-        publish(ObservedField::lastError);
+        report(classificationFailureMessage(ClassificationFailure::classificationNotSaved, name));
         return false;
     }
     lookup_.setApplicationRule(bundleIdentifier, classification);
@@ -32,9 +30,8 @@ bool SessionManager::saveWebsiteClassification(const std::string& hostname,
     const WebsiteClassification rule{normalized, std::string(rawValue(classification)),
                                      wallClock_.now()};
     if (normalized.empty() || !store_.saveWebsiteClassification(rule).ok()) {
-        lastError_ =
-            classificationFailureMessage(ClassificationFailure::classificationNotSaved, hostname);
-        publish(ObservedField::lastError);
+        report(
+            classificationFailureMessage(ClassificationFailure::classificationNotSaved, hostname));
         return false;
     }
     lookup_.setWebsiteRule(normalized, classification);
@@ -44,9 +41,8 @@ bool SessionManager::saveWebsiteClassification(const std::string& hostname,
 
 bool SessionManager::clearApplicationClassifications() {
     if (auto cleared = store_.deleteAllAppClassifications(); !cleared.ok()) {
-        lastError_ = classificationFailureMessage(ClassificationFailure::applicationRulesNotCleared,
-                                                  {}, cleared.error().description);
-        publish(ObservedField::lastError);
+        report(classificationFailureMessage(ClassificationFailure::applicationRulesNotCleared, {},
+                                            cleared.error().description));
         return false;
     }
     lookup_.clearApplicationRules();
@@ -55,9 +51,8 @@ bool SessionManager::clearApplicationClassifications() {
 
 bool SessionManager::clearWebsiteClassifications() {
     if (auto cleared = store_.deleteAllWebsiteClassifications(); !cleared.ok()) {
-        lastError_ = classificationFailureMessage(ClassificationFailure::websiteRulesNotCleared, {},
-                                                  cleared.error().description);
-        publish(ObservedField::lastError);
+        report(classificationFailureMessage(ClassificationFailure::websiteRulesNotCleared, {},
+                                            cleared.error().description));
         return false;
     }
     lookup_.clearWebsiteRules();
@@ -69,9 +64,8 @@ bool SessionManager::classifyLocalPDF(const Uuid& pdfIdentifier,
                                       LocalPDFClassificationScope scope) {
     const auto known = pdfIdentities_.find(pdfIdentifier);
     if (known == pdfIdentities_.end()) {
-        lastError_ =
-            classificationFailureMessage(ClassificationFailure::classificationNotSaved, "this PDF");
-        publish(ObservedField::lastError);
+        report(classificationFailureMessage(ClassificationFailure::classificationNotSaved,
+                                            "this PDF"));
         return false;
     }
     std::vector<LocalPDFIdentity> sessionIdentities;
@@ -87,18 +81,16 @@ bool SessionManager::classifyLocalPDF(const Uuid& pdfIdentifier,
     const std::string label = known->second.displayLabelStorage.value_or("this PDF");
     for (const LocalPDFIdentity& identity : changes.identities) {
         if (!store_.savePdfIdentity(identity).ok()) {
-            lastError_ =
-                classificationFailureMessage(ClassificationFailure::classificationNotSaved, label);
-            publish(ObservedField::lastError);
+            report(
+                classificationFailureMessage(ClassificationFailure::classificationNotSaved, label));
             return false;
         }
         pdfIdentities_[identity.id] = identity;
     }
     if (changes.preferences) {
         if (!store_.saveLocalPDFPreferences(*changes.preferences).ok()) {
-            lastError_ =
-                classificationFailureMessage(ClassificationFailure::classificationNotSaved, label);
-            publish(ObservedField::lastError);
+            report(
+                classificationFailureMessage(ClassificationFailure::classificationNotSaved, label));
             return false;
         }
         localPDFPreferences_ = changes.preferences;
@@ -109,8 +101,7 @@ bool SessionManager::classifyLocalPDF(const Uuid& pdfIdentifier,
 
 bool SessionManager::clearFilenameDerivedPDFLabels() {
     if (!store_.clearFilenameDerivedPdfLabels().ok()) {
-        lastError_ = classificationFailureMessage(ClassificationFailure::filenameLabelsNotCleared);
-        publish(ObservedField::lastError);
+        report(classificationFailureMessage(ClassificationFailure::filenameLabelsNotCleared));
         return false;
     }
     std::vector<LocalPDFIdentity> identities;

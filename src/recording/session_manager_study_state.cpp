@@ -18,9 +18,8 @@ Result<StudyStateEdit, std::string> SessionManager::relabel(
     } else {
         auto loaded = store_.loadSession(sessionID);
         if (!loaded.ok()) {
-            lastError_ =
-                sessionFailureMessage(SessionFailure::activityNotSaved, loaded.error().description);
-            publish(ObservedField::lastError);
+            report(sessionFailureMessage(SessionFailure::activityNotSaved,
+                                         loaded.error().description));
             return fail(*lastError_);
         }
         session = std::move(*loaded);
@@ -28,8 +27,7 @@ Result<StudyStateEdit, std::string> SessionManager::relabel(
     auto outcome =
         SessionStudyStateEditor::applyEdit(session, from, to, state, source, wallClock_.now());
     if (!outcome.ok()) {
-        lastError_ = std::string(sessionStudyStateEditErrorMessage(outcome.error()));
-        publish(ObservedField::lastError);
+        report(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
         return fail(*lastError_);
     }
     StoreChangeSet changes;
@@ -44,9 +42,7 @@ Result<StudyStateEdit, std::string> SessionManager::relabel(
     }
     if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
         // A failed save leaves the previous confirmations as they were.
-        lastError_ =
-            sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description);
-        publish(ObservedField::lastError);
+        report(sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description));
         return fail(*lastError_);
     }
     if (active) {

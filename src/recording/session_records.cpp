@@ -29,8 +29,7 @@ ActivitySegment::ActivitySegment(Uuid id_, Date startDate_, Date endDate_, doubl
       isInactive(isInactive_) {}
 
 ActivityClassification ActivitySegment::classification() const {
-    return fromRawValue<ActivityClassification>(classificationRawValue)
-        .value_or(ActivityClassification::unclassified);
+    return classificationFromRawValue(classificationRawValue);
 }
 
 void ActivitySegment::setClassification(ActivityClassification value) {
