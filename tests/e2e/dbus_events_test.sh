@@ -244,9 +244,9 @@ for expected in '\"elapsedSeconds\":61' '\"remainingSeconds\":1439' \
     '\"classification\":\"focused\"'; do
     [[ "$status_document" == *"$expected"* ]] || fail "status lacks $expected: $status_document"
 done
-gdbus_reply=$(timeout 10 gdbus call --session --dest com.tallywise.Lumenote \
-    --object-path /com/tallywise/Lumenote --method com.tallywise.Lumenote.Status)
-[[ "$gdbus_reply" == *'"state":"running"'* ]] || fail "gdbus Status: $gdbus_reply"
+bus_reply=$(timeout 10 dbus-send --session --print-reply --dest=com.tallywise.Lumenote \
+    /com/tallywise/Lumenote com.tallywise.Lumenote.Status)
+[[ "$bus_reply" == *'"state":"running"'* ]] || fail "dbus-send Status: $bus_reply"
 
 expect_call TogglePause 0
 expect_field "$reply" state '"paused"'
