@@ -55,6 +55,12 @@ void SessionManager::reportFailure(SessionFailure failure, std::string_view deta
     report(sessionFailureMessage(failure, detail));
 }
 
+void SessionManager::clearSessionChoices() {
+    lookup_.clearSessionOverrides();
+    sessionPDFClassification_.reset();
+    pdfsGivenSessionClass_.clear();
+}
+
 void SessionManager::clearLastError() {
     if (lastError_) {
         lastError_.reset();
@@ -84,6 +90,11 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     };
     if (activeSession_) {
         return refuse(SessionFailure::sessionAlreadyActive);
+    }
+    if (pendingRecoverySession_) {
+        // Ending the unfinished session later would remove the new session's
+        // checkpoint: the question is settled first.
+        return refuse(SessionFailure::recoveryPending);
     }
     const std::string subject = text::trimmed(request.subject);
     if (subject.empty()) {
@@ -129,7 +140,7 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     accumulatedPauseDuration_ = 0.0;
     confirmedBoundary_ = {instant.wallDate, 0.0};
     unsavedBoundary_.reset();
-    lookup_.clearSessionOverrides();
+    clearSessionChoices();
     browserTrackingCoordinator_.setRunningSession(activeSession_->id);
     writeCheckpoint(instant);
     publish(ObservedField::activeSession);
@@ -149,9 +160,15 @@ Result<void, SessionFailure> SessionManager::pause() {
     return {};
 }
 
+// A pause given while the computer sleeps closes the sleep stretch there and
+// ends the sleep for the session: the wake that follows finds a paused
+// session and changes nothing.
 void SessionManager::pauseAt(TrackingInstant instant, double timerValue) {
     closeLivePassiveStudy(instant.wallDate);
     noInputRunStart_.reset();
+    isSleeping_ = false;
+    sleepStartedAt_.reset();
+    sleepStartedTimerDuration_.reset();
     if (auto closed = timelineEngine_.finalize(instant)) {
         recordClosedInterval(*closed);
     }
@@ -286,7 +303,9 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
     StudySession withChildren = session;
     withChildren.segments = sessionSegments_;
     withChildren.confirmedNoInputIntervals = sessionConfirmations_;
-    const auto version = kCurrentTrackingCalculationVersion;
+    // A session is finished under its own version: one recovered from an
+    // earlier release keeps the method it was recorded with.
+    const auto version = TrackingCalculationService::effectiveCalculationVersion(session);
     const auto totals = TrackingCalculationService::calculateSessionTotals(
         withChildren, endInstant.wallDate, version);
     TrackingCalculationService::applyTotals(totals, session);
@@ -307,7 +326,7 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
     pauseAnchor_.reset();
     timerBaseDuration_ = 0.0;
     currentPauseDuration_ = 0.0;
-    lookup_.clearSessionOverrides();
+    clearSessionChoices();
     browserTrackingCoordinator_.setRunningSession(std::nullopt);
     pendingPostSessionAllowsCelebration_ = status == StudySessionStatus::completed &&
                                            preferences_.shouldCelebrate(finished, wallClock_.now());

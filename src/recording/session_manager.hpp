@@ -27,6 +27,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "classification/classification_lookup.hpp"
@@ -60,8 +61,9 @@ inline constexpr double kDeletionUndoSeconds = 10.0;
 // The longest accepted planned duration: 24 hours.
 inline constexpr double kMaximumPlannedDuration = 86400.0;
 // The revision of derived totals this build computes; stored sessions carrying
-// another revision are recalculated at start-up.
-inline constexpr long long kDerivedTotalsRevision = 1;
+// another revision are recalculated at start-up. Revision 2: overlapping
+// confirmations count once.
+inline constexpr long long kDerivedTotalsRevision = 2;
 
 struct SessionStartRequest {
     std::string subject;
@@ -137,6 +139,7 @@ class SessionManager {
     Result<void, SessionFailure> endRecoveredSession();
 
     // ---- lifecycle ----
+    // Refused while another session is active or a recovery offer waits.
     Result<void, SessionFailure> start(const SessionStartRequest& request);
     Result<void, SessionFailure> pause();
     Result<void, SessionFailure> resume();
@@ -163,8 +166,10 @@ class SessionManager {
     // ---- time without input (session_manager_study_state.cpp) ----
     enum class NoInputPromptAnswer { passiveStudy, confirmedBreak, leaveUnconfirmed, endThere };
     // Answers the pending question; `from` and `to` narrow its range. Ending
-    // there ends the session at the run's start with the timer value then.
-    // Fails with the message shown to the user.
+    // there is accepted only for a run long enough to ask about it; it ends
+    // the session at the run's start with the timer value then, and keeps
+    // every recorded stretch (see endAt). Fails with the message shown to the
+    // user.
     Result<void, std::string> answerNoInputPrompt(NoInputPromptAnswer answer,
                                                   std::optional<Date> from = std::nullopt,
                                                   std::optional<Date> to = std::nullopt);
@@ -267,13 +272,16 @@ class SessionManager {
     TrackingInstant nowInstant();
     double timerValueAt(double monotonicTime) const;
     void publish(ObservedField field);
-    // Ends the session at `instant` (in the past), removing what was recorded after it.
+    // Ends the session at `instant` (in the past) with `timerValue`, keeping
+    // what was recorded after it.
     void endAt(TrackingInstant instant, double timerValue);
     // Pauses with the stretch closed at `instant` and the timer set to `timerValue`.
     void pauseAt(TrackingInstant instant, double timerValue);
     // Publishes `message` as the last error.
     void report(std::string message);
     void reportFailure(SessionFailure failure, std::string_view detail = {});
+    // Forgets the class choices that last only as long as a session.
+    void clearSessionChoices();
 
     // sampling (session_manager_sampling.cpp)
     ActivityState sampleState(double idleSeconds, Date wallNow);
@@ -336,6 +344,10 @@ class SessionManager {
     ClassificationLookup lookup_;
     std::optional<LocalPDFPreferences> localPDFPreferences_;
     std::unordered_map<Uuid, LocalPDFIdentity> pdfIdentities_;
+    // The class chosen for every local PDF of the active session, and the
+    // PDFs that already took it or were given a class of their own since.
+    std::optional<ActivityClassification> sessionPDFClassification_;
+    std::unordered_set<Uuid> pdfsGivenSessionClass_;
     std::vector<ActivitySegment> sessionSegments_;
     std::optional<ActivitySegment> openPersistedSegment_;
     bool openSegmentWritten_ = false;

@@ -265,7 +265,7 @@ Result<void, SessionFailure> SessionManager::deleteAllSessions() {
         reportFailure(SessionFailure::deleteAllFailed, deleted.error().description);
         return fail(SessionFailure::deleteAllFailed);
     }
-    lookup_.clearSessionOverrides();
+    clearSessionChoices();
     return {};
 }
 
@@ -278,7 +278,7 @@ Result<void, SessionFailure> SessionManager::resetAllData() {
         reportFailure(SessionFailure::resetFailed, deleted.error().description);
         return fail(SessionFailure::resetFailed);
     }
-    lookup_.clearSessionOverrides();
+    clearSessionChoices();
     if (!clearApplicationClassifications() || !clearWebsiteClassifications()) {
         return fail(SessionFailure::resetFailed);
     }

@@ -63,14 +63,20 @@ void SessionManager::removeCheckpoint() {
 
 void SessionManager::lookForUnfinishedSession() {
     auto loaded = checkpointStore_.load();
+    std::optional<ActiveSessionCheckpoint> checkpoint;
+    // A checkpoint that cannot be read (too large, a link, not a regular
+    // file) counts as missing: the store still marks the session it was kept
+    // for as live, and that session is offered from the store. The failure is
+    // told only when the store has nothing to offer either.
+    std::optional<std::string> unreadable;
     if (!loaded.ok()) {
-        lastError_ =
+        unreadable =
             recoveryFailureMessage(RecoveryFailure::recoveryFailed, describe(loaded.error()));
-        return;
-    }
-    std::optional<ActiveSessionCheckpoint> checkpoint = loaded->checkpoint;
-    if (loaded->kind == SessionCheckpointLoadResult::Kind::corruptQuarantined) {
-        lastError_ = recoveryFailureMessage(RecoveryFailure::damagedCheckpointIsolated);
+    } else {
+        checkpoint = loaded->checkpoint;
+        if (loaded->kind == SessionCheckpointLoadResult::Kind::corruptQuarantined) {
+            lastError_ = recoveryFailureMessage(RecoveryFailure::damagedCheckpointIsolated);
+        }
     }
     auto live = store_.liveSessions();
     if (!live.ok()) {
@@ -98,6 +104,9 @@ void SessionManager::lookForUnfinishedSession() {
         unfinished = &live->front();
     }
     if (unfinished == nullptr) {
+        if (unreadable) {
+            lastError_ = std::move(unreadable);
+        }
         return;
     }
     auto full = store_.loadSession(unfinished->id);

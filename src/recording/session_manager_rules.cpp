@@ -95,6 +95,16 @@ bool SessionManager::classifyLocalPDF(const Uuid& pdfIdentifier,
         }
         localPDFPreferences_ = changes.preferences;
     }
+    if (activeSession_ && scope == LocalPDFClassificationScope::allPDFsInSession) {
+        // The rest of the session: PDFs met from now on take the class too.
+        sessionPDFClassification_ = classification;
+        pdfsGivenSessionClass_.clear();
+        for (const LocalPDFIdentity& identity : sessionIdentities) {
+            pdfsGivenSessionClass_.insert(identity.id);
+        }
+    }
+    // A PDF given a class of its own keeps it for the rest of the session.
+    pdfsGivenSessionClass_.insert(pdfIdentifier);
     applicationActivated();
     return true;
 }

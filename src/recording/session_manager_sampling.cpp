@@ -82,6 +82,15 @@ ActivityClassification SessionManager::pdfClassification(const BrowserResolution
         pendingChanges_.pdfIdentities.push_back(identity);
         known = pdfIdentities_.emplace(identity.id, std::move(identity)).first;
     }
+    // A class chosen for every PDF of this session reaches a PDF first met
+    // after the choice too, once: a class chosen for that PDF alone later wins.
+    if (sessionPDFClassification_ && pdfsGivenSessionClass_.insert(known->first).second) {
+        const std::string chosen(rawValue(*sessionPDFClassification_));
+        if (known->second.classificationRawValue != chosen) {
+            known->second.classificationRawValue = chosen;
+            pendingChanges_.pdfIdentities.push_back(known->second);
+        }
+    }
     return localPDFClassification(&known->second, preferences);
 }
 

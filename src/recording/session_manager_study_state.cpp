@@ -85,6 +85,10 @@ Result<void, std::string> SessionManager::answerNoInputPrompt(NoInputPromptAnswe
             break;
         }
         case NoInputPromptAnswer::endThere:
+            if (!asksToEndSession(prompt)) {
+                report(sessionFailureMessage(SessionFailure::endThereNotOffered));
+                return fail(*lastError_);
+            }
             if (!activeSession_ || activeSession_->id != prompt.sessionID ||
                 !pendingNoInputPromptStart_) {
                 return fail(sessionFailureMessage(SessionFailure::noActiveSession));
@@ -100,27 +104,15 @@ Result<void, std::string> SessionManager::answerNoInputPrompt(NoInputPromptAnswe
     return {};
 }
 
+// Ending there keeps everything recorded: the open stretch is closed now and
+// stored like any other, so the no-input stretch and the activity after input
+// returned stay in the session's raw activity. The session's end date and
+// timer go back to the run's start; the totals count no time after that end
+// (the calculation takes time placed after the end date out first).
 void SessionManager::endAt(TrackingInstant instant, double timerValue) {
-    // Stretches after the end are no part of the session: those that began
-    // after it go, the one across it is cut there.
-    if (auto closed = timelineEngine_.finalize(instant)) {
+    if (auto closed = timelineEngine_.finalize(nowInstant())) {
         recordClosedInterval(*closed);
     }
-    std::vector<ActivitySegment> kept;
-    for (ActivitySegment& segment : sessionSegments_) {
-        if (segment.startDate >= instant.wallDate) {
-            pendingChanges_.deletedSegments.push_back(segment.id);
-            continue;
-        }
-        const Date end = segment.startDate.addingSeconds(segment.duration);
-        if (end > instant.wallDate) {
-            segment.duration = instant.wallDate.secondsSince(segment.startDate);
-            segment.endDate = instant.wallDate;
-            pendingChanges_.segments.push_back(segment);
-        }
-        kept.push_back(std::move(segment));
-    }
-    sessionSegments_ = std::move(kept);
     finishSession(instant, timerValue, StudySessionStatus::completed);
 }
 

@@ -54,6 +54,12 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
             return "There is no question about time without input to answer.";
         case SessionFailure::noRecoverableSession:
             return "There is no unfinished session to recover.";
+        case SessionFailure::recoveryPending:
+            return "Lumenote found an unfinished session. Continue it or end it before starting "
+                   "a new one.";
+        case SessionFailure::endThereNotOffered:
+            return "Ending the session there is offered only after a run of 45 minutes or more "
+                   "without input.";
     }
     return {};
 }

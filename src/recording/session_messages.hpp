@@ -30,6 +30,8 @@ enum class SessionFailure {
     noPassiveStudyPeriod,
     noPendingPrompt,
     noRecoverableSession,
+    recoveryPending,     // a start while the recovery question is open
+    endThereNotOffered,  // "end the session there" answered to a short run
 };
 
 // The sentence shown for `failure`; `detail` fills its {error} or limit.

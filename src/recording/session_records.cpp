@@ -1,5 +1,7 @@
 #include "recording/session_records.hpp"
 
+#include <algorithm>
+
 namespace lumenote {
 
 namespace {
@@ -88,12 +90,19 @@ ConfirmedStudyStateSource ConfirmedNoInputInterval::source() const {
 
 std::vector<ConfirmedStudyInterval> confirmedStudyIntervalsInForce(
     const std::vector<ConfirmedNoInputInterval>& intervals) {
-    std::vector<ConfirmedStudyInterval> result;
+    std::vector<const ConfirmedNoInputInterval*> inForce;
     for (const auto& interval : intervals) {
         if (interval.isInForce()) {
-            result.push_back({interval.id, interval.startDate, interval.endDate, interval.state(),
-                              interval.source()});
+            inForce.push_back(&interval);
         }
+    }
+    std::stable_sort(inForce.begin(), inForce.end(),
+                     [](const auto* a, const auto* b) { return a->createdAt < b->createdAt; });
+    std::vector<ConfirmedStudyInterval> result;
+    result.reserve(inForce.size());
+    for (const auto* interval : inForce) {
+        result.push_back({interval->id, interval->startDate, interval->endDate, interval->state(),
+                          interval->source()});
     }
     return result;
 }

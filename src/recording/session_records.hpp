@@ -104,7 +104,8 @@ struct ConfirmedStudyInterval {
     friend bool operator==(const ConfirmedStudyInterval&, const ConfirmedStudyInterval&) = default;
 };
 
-// The value forms of a session's confirmations that are in force.
+// The value forms of a session's confirmations that are in force, oldest
+// first (by createdAt; equal times keep their order).
 std::vector<ConfirmedStudyInterval> confirmedStudyIntervalsInForce(
     const std::vector<ConfirmedNoInputInterval>& intervals);
 

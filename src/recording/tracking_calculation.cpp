@@ -47,8 +47,46 @@ constexpr std::array<AccountedState, 6> kClasses{
     AccountedState::focused,      AccountedState::distracting, AccountedState::neutral,
     AccountedState::unclassified, AccountedState::ignored,     AccountedState::noInput};
 
-void limitToAccountable(TrackingCalculationResult& result, double limit) {
+bool isClass(AccountedState state) {
+    return std::find(kClasses.begin(), kClasses.end(), state) != kClasses.end();
+}
+
+// Takes up to `excess` seconds from the time that lies after `sessionEnd`,
+// latest first; returns what is left of the excess. A cut piece ends where its
+// remaining time ends (at the session's end when all of its later part went);
+// a piece cut to nothing is dropped.
+double cutAfterSessionEnd(TrackingCalculationResult& result, Date sessionEnd, double excess) {
+    auto& pieces = result.contributions;
+    for (auto piece = pieces.rbegin(); piece != pieces.rend() && excess > 0.0; ++piece) {
+        if (!isClass(piece->classification) || !(piece->endDate > sessionEnd)) {
+            continue;
+        }
+        const double span = piece->endDate.secondsSince(piece->startDate);
+        const double after = piece->endDate.secondsSince(std::max(piece->startDate, sessionEnd));
+        const double portion =
+            span > 0.0 ? piece->duration * std::min(1.0, after / span) : piece->duration;
+        const double cut = std::min(portion, excess);
+        if (cut >= portion) {
+            piece->endDate = std::max(piece->startDate, sessionEnd);
+        } else if (span > 0.0 && piece->duration > 0.0) {
+            piece->endDate = piece->endDate.addingSeconds(-cut * span / piece->duration);
+        }
+        piece->duration -= cut;
+        totalFor(result, piece->classification) -= cut;
+        excess -= cut;
+    }
+    std::erase_if(pieces, [](const TrackingActivityContribution& piece) {
+        return isClass(piece.classification) && !(piece.duration > 0.0);
+    });
+    return excess;
+}
+
+void limitToAccountable(TrackingCalculationResult& result, double limit, Date sessionEnd) {
     double excess = result.classTotalDuration() - limit;
+    if (!(excess > 0.0)) {
+        return;
+    }
+    excess = cutAfterSessionEnd(result, sessionEnd, excess);
     if (!(excess > 0.0)) {
         return;
     }
@@ -80,11 +118,48 @@ void limitToAccountable(TrackingCalculationResult& result, double limit) {
     }
 }
 
+// Moments already counted for a confirmation, as sorted disjoint spans.
+class CoveredTime {
+  public:
+    // The seconds of [start, end] not covered yet; they become covered.
+    double cover(Date start, Date end) {
+        double uncovered = 0.0;
+        Date cursor = start;
+        auto span = std::lower_bound(spans_.begin(), spans_.end(), start,
+                                     [](const Span& s, Date at) { return s.second < at; });
+        auto first = span;
+        for (; span != spans_.end() && span->first <= end; ++span) {
+            if (span->first > cursor) {
+                uncovered += span->first.secondsSince(cursor);
+            }
+            cursor = std::max(cursor, span->second);
+            start = std::min(start, span->first);
+        }
+        if (end > cursor) {
+            uncovered += end.secondsSince(cursor);
+        }
+        const Date merged = std::max(end, cursor);
+        span = spans_.erase(first, span);
+        spans_.insert(span, Span{start, merged});
+        return uncovered;
+    }
+
+  private:
+    using Span = std::pair<Date, Date>;
+    std::vector<Span> spans_;
+};
+
 void addConfirmedTime(TrackingCalculationResult& result,
                       const std::vector<ConfirmedStudyInterval>& confirmedIntervals) {
-    for (const auto& interval : confirmedIntervals) {
-        const double length = clampDuration(interval.endDate.secondsSince(interval.startDate));
-        double& sum = interval.state == ConfirmedStudyState::passiveStudy
+    CoveredTime covered;
+    for (auto interval = confirmedIntervals.rbegin(); interval != confirmedIntervals.rend();
+         ++interval) {
+        const double span = clampDuration(interval->endDate.secondsSince(interval->startDate));
+        if (!(span > 0.0)) {
+            continue;
+        }
+        const double length = clampDuration(covered.cover(interval->startDate, interval->endDate));
+        double& sum = interval->state == ConfirmedStudyState::passiveStudy
                           ? result.passiveStudyDuration
                           : result.confirmedBreakDuration;
         sum = addClampedDuration(sum, length);
@@ -183,7 +258,7 @@ TrackingCalculationResult calculateTotals(
     const double limit = std::isfinite(accountableDuration)
                              ? clampDuration(accountableDuration)
                              : clampDuration(sessionEndOrNow.secondsSince(sessionStart));
-    limitToAccountable(result, limit);
+    limitToAccountable(result, limit, sessionEndOrNow);
     scoreEvidence(result);
     if (version == TrackingCalculationVersion::v3) {
         addConfirmedTime(result, confirmedIntervals);

@@ -10,7 +10,10 @@
 // v2: samples are placed and reconciled (tracking_reconciliation.hpp) so that
 // no moment counts twice; system stretches count as system-excluded time, in
 // no class. Then the six class totals are limited to the accountable duration.
-// When their sum exceeds it the excess is taken, in this order, from
+// When their sum exceeds it the excess is taken first from time placed after
+// the session's end date, latest first (a session ended where a long run
+// without input began keeps everything recorded after that moment, which the
+// timer no longer counts), and then, in this order, from
 //   Ignored (time the user chose not to count), no input (nothing was observed
 //   then), Unclassified, Neutral,
 // and only when the evidence alone is above the limit are Focused and
@@ -21,7 +24,11 @@
 // timer may leave out a long sleep that the timeline still records.
 //
 // v3: the v2 totals, score and coverage unchanged, plus confirmed passive study
-// and Break time from the confirmed intervals and the study share.
+// and Break time from the confirmed intervals and the study share. A moment
+// covered by several confirmations counts once, for the newest of them (the
+// last in the list), so overlapping confirmations never add up to more than
+// their union, whichever path stored them (a live away period and the no-input
+// time an offline session declares, a restored backup).
 //
 // Evidence is Focused + Distracted time. The score (unrounded) exists from 60
 // seconds of evidence. Coverage is the evidence as a percentage of accounted
@@ -55,7 +62,8 @@ std::vector<SessionAccountingSample> makeAccountingSamples(
 // (pauses excluded). An accountable duration that is not a finite number falls
 // back to the wall-clock span from start to end (0 when that is not finite
 // either). `confirmedIntervals` must be the confirmations in force; only v3
-// reads them. Never fails: bad numbers count 0 as described above.
+// reads them, oldest first (confirmedStudyIntervalsInForce gives that order).
+// Never fails: bad numbers count 0 as described above.
 TrackingCalculationResult calculateTotals(
     const std::vector<SessionAccountingSample>& samples,
     const std::vector<ConfirmedStudyInterval>& confirmedIntervals, Date sessionStart,

@@ -17,6 +17,8 @@ namespace {
 const Date kStart = Date::fromUnixSeconds(1'800'000'000.0);
 constexpr int kCases = 3000;
 constexpr int kHorizon = 900;
+// After every generated sample: only the accountable duration limits totals.
+const Date kSessionEnd = kStart.addingSeconds(kHorizon);
 
 std::vector<SessionAccountingSample> randomSamples(std::mt19937& rng) {
     std::uniform_int_distribution<int> count(0, 12);
@@ -118,9 +120,9 @@ TEST(TrackingCalculationProperty, TotalsStayWithinTheAccountableDuration) {
         const auto samples = randomSamples(rng);
         const double limit = accountable(rng);
         const auto unlimited =
-            calculateTotals(samples, {}, kStart, kStart, 1e9, TrackingCalculationVersion::v2);
-        const auto limited =
-            calculateTotals(samples, {}, kStart, kStart, limit, TrackingCalculationVersion::v2);
+            calculateTotals(samples, {}, kStart, kSessionEnd, 1e9, TrackingCalculationVersion::v2);
+        const auto limited = calculateTotals(samples, {}, kStart, kSessionEnd, limit,
+                                             TrackingCalculationVersion::v2);
         ASSERT_LE(limited.classTotalDuration(), limit + 1e-6) << "case " << i;
         ASSERT_LE(limited.focusedDuration, unlimited.focusedDuration) << "case " << i;
         ASSERT_LE(limited.distractedDuration, unlimited.distractedDuration + 1e-9) << "case " << i;
@@ -131,17 +133,55 @@ TEST(TrackingCalculationProperty, TotalsStayWithinTheAccountableDuration) {
     }
 }
 
+// Seconds of class time the contributions hold before `end`.
+double classTimeBefore(const TrackingCalculationResult& result, Date end) {
+    double seconds = 0;
+    for (const auto& piece : result.contributions) {
+        if (piece.classification == AccountedState::systemExcluded || !(piece.startDate < end)) {
+            continue;
+        }
+        const double span = piece.endDate.secondsSince(piece.startDate);
+        const double before = std::min(piece.endDate, end).secondsSince(piece.startDate);
+        seconds += span > 0 ? piece.duration * before / span : piece.duration;
+    }
+    return seconds;
+}
+
+TEST(TrackingCalculationProperty, TimeAfterTheSessionEndAbsorbsTheExcessFirst) {
+    std::mt19937 rng(1309);
+    std::uniform_real_distribution<double> accountable(0, 1200);
+    std::uniform_int_distribution<int> endAt(0, kHorizon);
+    for (int i = 0; i < kCases; ++i) {
+        const auto samples = randomSamples(rng);
+        const Date end = kStart.addingSeconds(endAt(rng));
+        const double limit = accountable(rng);
+        const auto unlimited =
+            calculateTotals(samples, {}, kStart, end, 1e9, TrackingCalculationVersion::v2);
+        const auto limited =
+            calculateTotals(samples, {}, kStart, end, limit, TrackingCalculationVersion::v2);
+        ASSERT_LE(limited.classTotalDuration(), limit + 1e-6) << "case " << i;
+        const double before = classTimeBefore(unlimited, end);
+        if (limit >= before) {
+            ASSERT_NEAR(classTimeBefore(limited, end), before, 1e-6)
+                << "case " << i << ": time before the end was cut while later time remained";
+            ASSERT_NEAR(limited.classTotalDuration(),
+                        std::min(limit, unlimited.classTotalDuration()), 1e-6)
+                << "case " << i << ": more than the excess was cut";
+        }
+    }
+}
+
 TEST(TrackingCalculationProperty, ResultDoesNotDependOnInputOrder) {
     std::mt19937 rng(99);
     std::uniform_real_distribution<double> accountable(0, 1200);
     for (int i = 0; i < kCases; ++i) {
         auto samples = randomSamples(rng);
         const double limit = accountable(rng);
-        const auto expected =
-            calculateTotals(samples, {}, kStart, kStart, limit, TrackingCalculationVersion::v3);
+        const auto expected = calculateTotals(samples, {}, kStart, kSessionEnd, limit,
+                                              TrackingCalculationVersion::v3);
         std::shuffle(samples.begin(), samples.end(), rng);
-        const auto shuffled =
-            calculateTotals(samples, {}, kStart, kStart, limit, TrackingCalculationVersion::v3);
+        const auto shuffled = calculateTotals(samples, {}, kStart, kSessionEnd, limit,
+                                              TrackingCalculationVersion::v3);
         ASSERT_EQ(shuffled, expected) << "case " << i;
     }
 }
@@ -160,9 +200,9 @@ TEST(TrackingCalculationProperty, ConfirmedTimeNeverMovesTheScore) {
             c.endDate = kStart.addingSeconds(start + length(rng));
             c.state = static_cast<ConfirmedStudyState>(state(rng));
         }
-        const auto v2 = calculateTotals(samples, confirmations, kStart, kStart, 1e9,
+        const auto v2 = calculateTotals(samples, confirmations, kStart, kSessionEnd, 1e9,
                                         TrackingCalculationVersion::v2);
-        const auto v3 = calculateTotals(samples, confirmations, kStart, kStart, 1e9,
+        const auto v3 = calculateTotals(samples, confirmations, kStart, kSessionEnd, 1e9,
                                         TrackingCalculationVersion::v3);
         ASSERT_EQ(v2.focusScore, v3.focusScore) << "case " << i;
         ASSERT_EQ(v2.coverage, v3.coverage) << "case " << i;

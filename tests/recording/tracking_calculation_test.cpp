@@ -54,10 +54,12 @@ ConfirmedStudyInterval confirmed(double from, double length, ConfirmedStudyState
                                   ConfirmedStudyStateSource::returnPrompt};
 }
 
+// The session ends after every sample, so only the accountable duration
+// limits the totals.
 TrackingCalculationResult calculate(const std::vector<SessionAccountingSample>& samples,
                                     V version = V::v2, double accountable = 1e6,
                                     const std::vector<ConfirmedStudyInterval>& confirmations = {}) {
-    return calculateTotals(samples, confirmations, kStart, at(accountable), accountable, version);
+    return calculateTotals(samples, confirmations, kStart, at(1e13), accountable, version);
 }
 
 // --- evidence and the score ---------------------------------------------------
@@ -333,6 +335,37 @@ TEST(TrackingCalculation, SystemTimeIsNotLimitedByTheTimer) {
     EXPECT_DOUBLE_EQ(result.systemExcludedDuration, 3600);
 }
 
+TEST(TrackingCalculation, TimeAfterTheSessionEndIsCutFirstLatestFirst) {
+    // A session ended where a long run without input began, at 500 with a
+    // timer of 500; what was recorded after that end stays in the samples.
+    //   F |====================|        0-590 (input stopped at 500)
+    //   I                      |=====|  590-3300
+    //   D                            |=| 3300-3310
+    const std::vector<SessionAccountingSample> samples{focused(0, 590), inactive(590, 2710),
+                                                       distracting(3300, 10)};
+    for (V version : {V::v2, V::v3}) {
+        const auto r = calculateTotals(samples, {}, kStart, at(500), 500, version);
+        EXPECT_DOUBLE_EQ(r.focusedDuration, 500);
+        EXPECT_DOUBLE_EQ(r.inactiveDuration, 0);
+        EXPECT_DOUBLE_EQ(r.distractedDuration, 0);
+        ASSERT_TRUE(r.focusScore);
+        EXPECT_DOUBLE_EQ(*r.focusScore, 100) << "activity after the end never scores";
+        ASSERT_EQ(r.contributions.size(), 1u) << "pieces cut to nothing are dropped";
+        EXPECT_EQ(r.contributions[0].endDate, at(500));
+        EXPECT_DOUBLE_EQ(r.contributions[0].duration, 500);
+    }
+    // Only the excess goes: with a timer of 3000 the latest 310 s are cut,
+    // from the Distracting stretch and then the no-input one.
+    const auto partly = calculateTotals(samples, {}, kStart, at(500), 3000, V::v2);
+    EXPECT_DOUBLE_EQ(partly.distractedDuration, 0);
+    EXPECT_DOUBLE_EQ(partly.inactiveDuration, 2410);
+    EXPECT_DOUBLE_EQ(partly.focusedDuration, 590);
+    // Within the timer, time after the end date is not touched (a wall clock
+    // set back during the session puts stretches after its end date).
+    const auto within = calculateTotals(samples, {}, kStart, at(500), 3310, V::v2);
+    EXPECT_DOUBLE_EQ(within.classTotalDuration(), 3310);
+}
+
 // --- clock jumps -----------------------------------------------------------------
 
 TEST(TrackingCalculation, MeasuredDurationWinsOverWallClockDates) {
@@ -399,6 +432,32 @@ TEST(TrackingCalculation, NonFiniteAccountableDurationFallsBackToTheSessionSpan)
     const auto nothing = calculateTotals(samples, {}, kStart, Date{kInf}, kInf, V::v2);
     EXPECT_DOUBLE_EQ(nothing.focusedDuration, 0);
     EXPECT_FALSE(nothing.focusScore);
+}
+
+TEST(TrackingCalculation, OverlappingConfirmationsCountTheirUnionOnce) {
+    //   passive A   100 |==============| 400
+    //   passive B        150 |=========| 400
+    //   passive C                          450 |==| 500
+    const auto passive = ConfirmedStudyState::passiveStudy;
+    const auto result = calculate({}, V::v3, 1e6,
+                                  {confirmed(100, 300, passive), confirmed(150, 250, passive),
+                                   confirmed(450, 50, passive), confirmed(120, 10, passive)});
+    EXPECT_DOUBLE_EQ(result.passiveStudyDuration, 350);
+    EXPECT_DOUBLE_EQ(result.confirmedBreakDuration, 0);
+}
+
+TEST(TrackingCalculation, TheNewestOfOverlappingConfirmationsHoldsTheSharedTime) {
+    //   passive (older) 0 |==========| 600
+    //   break   (newer)      200 |========| 800
+    const auto older = confirmed(0, 600, ConfirmedStudyState::passiveStudy);
+    const auto newer = confirmed(200, 600, ConfirmedStudyState::confirmedBreak);
+    const auto result = calculate({}, V::v3, 1e6, {older, newer});
+    EXPECT_DOUBLE_EQ(result.passiveStudyDuration, 200);
+    EXPECT_DOUBLE_EQ(result.confirmedBreakDuration, 600);
+    const auto reversed = calculate({}, V::v3, 1e6, {newer, older});
+    EXPECT_DOUBLE_EQ(reversed.passiveStudyDuration, 600);
+    EXPECT_DOUBLE_EQ(reversed.confirmedBreakDuration, 200);
+    EXPECT_DOUBLE_EQ(result.studyShare, 25);
 }
 
 // --- v1 ------------------------------------------------------------------------------
@@ -494,6 +553,20 @@ TEST(TrackingCalculation, UnversionedSessionsAreReadAsVersionOne) {
     EXPECT_EQ(effectiveCalculationVersion(session), V::v1);
     session.calculationVersionStorage = 9;
     EXPECT_EQ(effectiveCalculationVersion(session), V::v1);
+}
+
+TEST(TrackingCalculation, SessionConfirmationsAreReadOldestFirst) {
+    StudySession session = sessionWithActivity();
+    // Stored newest first: the older passive answer must still lose the overlap.
+    session.confirmedNoInputIntervals.insert(
+        session.confirmedNoInputIntervals.begin(),
+        ConfirmedNoInputInterval(Uuid::generate(), at(1000), at(1200),
+                                 ConfirmedStudyState::passiveStudy,
+                                 ConfirmedStudyStateSource::sessionControl, at(1000)));
+    std::swap(session.confirmedNoInputIntervals[0], session.confirmedNoInputIntervals[2]);
+    const auto result = calculateSessionTotals(session, at(2000), V::v3);
+    EXPECT_DOUBLE_EQ(result.passiveStudyDuration, 0);
+    EXPECT_DOUBLE_EQ(result.confirmedBreakDuration, 600);
 }
 
 }  // namespace

@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <functional>
 #include <limits>
 
 #include "platform/fake/fake_platform.hpp"
@@ -34,8 +36,13 @@ class SessionManagerTest : public ::testing::Test {
 
     void launch() {
         manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, checkpoints_));
+            machine_.dependencies(*store_, recordingPreferences_, *checkpointStore_));
         manager_->startUp();
+    }
+    // The process ends without finishing its session: what is stored stays.
+    void crashAndRelaunch() {
+        manager_.reset();
+        launch();
     }
 
     void tickFor(int seconds) {
@@ -63,6 +70,7 @@ class SessionManagerTest : public ::testing::Test {
     fake::FakeClock& clock_ = machine_.clock;
     fake::FakeFrontmost& frontmost_ = machine_.frontmost;
     InMemorySessionCheckpointStore checkpoints_;
+    SessionCheckpointStore* checkpointStore_ = &checkpoints_;
     InMemoryDefaultsDomain domain_;
     PreferencesStore preferences_{domain_};
     PreferencesForRecording recordingPreferences_{preferences_};
@@ -248,6 +256,110 @@ TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreference
         manager_->classificationLookup().applicationClassification("org.example.Editor", "Editor"),
         ActivityClassification::unclassified);
     EXPECT_DOUBLE_EQ(preferences_.inactivityThreshold(), 90.0);
+}
+
+TEST_F(SessionManagerTest, NoSessionStartsWhileARecoveryOfferWaits) {
+    ASSERT_TRUE(manager_->start(request(86400.0)).ok());
+    tickFor(70);
+    const Uuid unfinished = manager_->activeSession()->id;
+    crashAndRelaunch();
+    ASSERT_TRUE(manager_->pendingRecoverySession());
+
+    SessionStartRequest other = request();
+    other.subject = "Chemistry";
+    EXPECT_EQ(manager_->start(other).error(), SessionFailure::recoveryPending);
+    EXPECT_EQ(manager_->lastError(),
+              "Lumenote found an unfinished session. Continue it or end it before starting a "
+              "new one.");
+    EXPECT_FALSE(manager_->activeSession());
+    EXPECT_EQ(stored().size(), 1u);
+    ASSERT_TRUE(checkpoints_.checkpoint);
+    EXPECT_EQ(checkpoints_.checkpoint->sessionID, unfinished);
+
+    // Once the offer is answered a new session starts, and its checkpoint is
+    // the one kept.
+    ASSERT_TRUE(manager_->endRecoveredSession().ok());
+    ASSERT_TRUE(manager_->start(other).ok());
+    ASSERT_TRUE(checkpoints_.checkpoint);
+    EXPECT_EQ(checkpoints_.checkpoint->sessionID, manager_->activeSession()->id);
+}
+
+TEST_F(SessionManagerTest, RecoveredSessionFinishesUnderItsOwnCalculationVersion) {
+    ASSERT_TRUE(manager_->start(request(86400.0)).ok());
+    tickFor(70);
+    // A session recorded by a release that computed under v2.
+    StudySession older = stored()[0];
+    older.setCalculationVersion(TrackingCalculationVersion::v2);
+    older.segments.clear();
+    StoreChangeSet changes;
+    changes.sessions.push_back(older);
+    ASSERT_TRUE(store_->apply(changes).ok());
+    manager_.reset();
+    checkpoints_.checkpoint.reset();
+    launch();
+    ASSERT_TRUE(manager_->continueRecoveredSession().ok());
+    tickFor(30);
+    ASSERT_TRUE(manager_->end().ok());
+
+    const StudySession finished = stored()[0];
+    EXPECT_EQ(finished.calculationVersion(), TrackingCalculationVersion::v2);
+    EXPECT_FALSE(finished.passiveStudyDurationStorage);
+    EXPECT_FALSE(finished.confirmedBreakDurationStorage);
+}
+
+// A checkpoint file that cannot be read is treated as missing: the session the
+// store still marks live is offered from the store.
+TEST_F(SessionManagerTest, UnreadableCheckpointFallsBackToTheLiveSessionInTheStore) {
+    FileSessionCheckpointStore files(home_.root() / "app", clock_.wall());
+    checkpointStore_ = &files;
+    const std::filesystem::path checkpoint = files.fileURL();
+    using Plant = std::function<void()>;
+    const std::vector<std::pair<std::string, Plant>> unreadable{
+        {"oversized",
+         [&] {
+             std::filesystem::remove(checkpoint);
+             std::ofstream(checkpoint) << std::string(kActiveSessionCheckpointByteLimit + 1, ' ');
+         }},
+        {"symbolic link",
+         [&] {
+             std::filesystem::rename(checkpoint, home_.root() / "elsewhere.json");
+             std::filesystem::create_symlink(home_.root() / "elsewhere.json", checkpoint);
+         }},
+        {"directory",
+         [&] {
+             std::filesystem::remove(checkpoint);
+             std::filesystem::create_directory(checkpoint);
+         }},
+    };
+    for (const auto& [name, plant] : unreadable) {
+        SCOPED_TRACE(name);
+        launch();
+        ASSERT_TRUE(manager_->start(request(86400.0)).ok());
+        tickFor(70);
+        const Uuid unfinished = manager_->activeSession()->id;
+        manager_.reset();
+        plant();
+        launch();
+        ASSERT_TRUE(manager_->pendingRecoverySession());
+        EXPECT_EQ(manager_->pendingRecoverySession()->id, unfinished);
+        EXPECT_FALSE(manager_->lastError());
+        ASSERT_TRUE(manager_->endRecoveredSession().ok());
+        manager_->clearLastError();
+        std::filesystem::remove_all(checkpoint);
+    }
+    EXPECT_TRUE(store_->liveSessions()->empty());
+    for (const StudySession& session : stored()) {
+        EXPECT_EQ(session.status(), StudySessionStatus::interrupted);
+    }
+    // With nothing live to offer, the unreadable file is reported.
+    std::ofstream(checkpoint) << std::string(kActiveSessionCheckpointByteLimit + 1, ' ');
+    launch();
+    EXPECT_FALSE(manager_->pendingRecoverySession());
+    EXPECT_EQ(manager_->lastError(),
+              "Lumenote could not recover an unfinished session: The recovery checkpoint file is "
+              "larger than allowed.");
+    manager_.reset();
+    checkpointStore_ = &checkpoints_;
 }
 
 }  // namespace
