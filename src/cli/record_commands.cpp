@@ -6,6 +6,7 @@
 #include "cli/commands.hpp"
 #include "cli/duration_argument.hpp"
 #include "recorder/recorder.hpp"
+#include "recording/no_input_prompt.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 
@@ -98,20 +99,19 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
     record->add_option("--template,-t", arguments->templateName,
                        "Start from a session template (its name or id)");
     record->footer(
-        "Keys on a terminal: p pause/resume, a study away from the computer / back, e end, "
-        "q quit.\nFrom elsewhere: lumenote-cli pause|resume|end|away|back|status.");
+        "Keys on a terminal: p pause/resume, a Study away from Mac / Back to Computer Study, "
+        "e end, q quit.\nFrom elsewhere: lumenote-cli pause|resume|end|away|back|status.");
     record->callback([&context, arguments] { runRecord(context, *arguments); });
 
-    const std::pair<const char*, std::pair<recorder::RecorderControl, const char*>> controls[] = {
-        {"pause", {recorder::RecorderControl::pause, "Pause the session being recorded"}},
-        {"resume", {recorder::RecorderControl::resume, "Resume the paused session"}},
-        {"end", {recorder::RecorderControl::end, "End the session being recorded"}},
-        {"away",
-         {recorder::RecorderControl::away,
-          "Start studying away from the computer (counts as study time)"}},
-        {"back", {recorder::RecorderControl::back, "Return to computer study"}},
-        {"status", {recorder::RecorderControl::status, "Show what the recorder is doing"}},
-    };
+    const std::pair<const char*, std::pair<recorder::RecorderControl, std::string_view>>
+        controls[] = {
+            {"pause", {recorder::RecorderControl::pause, "Pause the session being recorded"}},
+            {"resume", {recorder::RecorderControl::resume, "Resume the paused session"}},
+            {"end", {recorder::RecorderControl::end, "End the session being recorded"}},
+            {"away", {recorder::RecorderControl::away, kStudyAwayControlHelp}},
+            {"back", {recorder::RecorderControl::back, kBackToComputerStudyHelp}},
+            {"status", {recorder::RecorderControl::status, "Show what the recorder is doing"}},
+        };
     app.add_subcommand("check",
                        "Check what this desktop lets Lumenote observe: the X display, input idle "
                        "time, sleep and lock notices, notifications")
@@ -124,7 +124,7 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
         });
     for (const auto& [name, entry] : controls) {
         const auto control = entry.first;
-        app.add_subcommand(name, entry.second)->callback([&context, control] {
+        app.add_subcommand(name, std::string(entry.second))->callback([&context, control] {
             runControl(context, control);
         });
     }

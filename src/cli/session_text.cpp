@@ -7,8 +7,10 @@
 
 #include "foundation/numeric.hpp"
 #include "foundation/text.hpp"
+#include "recording/focus_runs.hpp"
 #include "recording/focus_score_text.hpp"
 #include "recording/no_input_prompt.hpp"
+#include "recording/tracking_calculation.hpp"
 
 namespace lumenote::cli {
 
@@ -145,20 +147,38 @@ std::string sessionDetailText(const StudySession& session, const LocalCalendar& 
     }
 
     detail += "Totals\n";
-    const std::pair<std::string_view, double> totals[] = {
-        {"Focused", session.focusedDuration},
-        {"Distracted", session.distractedDuration},
-        {"Neutral", session.neutralDuration},
-        {"Unclassified", session.unclassifiedDuration()},
-        {"Ignored", session.ignoredDuration()},
-        {"No input", session.inactiveDuration},
-        {"Passive study", session.passiveStudyDuration()},
-        {"Break", session.confirmedBreakDuration()},
-        {"System excluded", session.systemExcludedDuration()},
+    // Confirmed and excluded time is explained in the words of its state
+    // whenever the session has some.
+    struct Total {
+        std::string_view name;
+        double seconds;
+        std::string_view explanation;
     };
-    for (const auto& [name, seconds] : totals) {
-        detail += fmt::format("  {:<16}{:>9}\n", name, clockDurationText(seconds));
+    const Total totals[] = {
+        {"Focused", session.focusedDuration, {}},
+        {"Distracted", session.distractedDuration, {}},
+        {"Neutral", session.neutralDuration, {}},
+        {"Unclassified", session.unclassifiedDuration(), {}},
+        {"Ignored", session.ignoredDuration(), {}},
+        {"No input", session.inactiveDuration, {}},
+        {kStudyingAwayFromMac, session.passiveStudyDuration(), kPassiveStudyStateDescription},
+        {kBreakAnswer, session.confirmedBreakDuration(), kConfirmedBreakStateDescription},
+        {"System excluded", session.systemExcludedDuration(), kSystemExcludedExplanation},
+    };
+    for (const Total& total : totals) {
+        detail += fmt::format("  {:<24}{:>9}\n", total.name, clockDurationText(total.seconds));
+        if (!total.explanation.empty() && total.seconds >= 0.5) {
+            detail += fmt::format("    {}\n", total.explanation);
+        }
     }
+    // Runs are read from the session's own calculation, as every figure is.
+    const auto calculated = Tracking::calculateSessionTotals(
+        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
+        Tracking::effectiveCalculationVersion(session));
+    detail += fmt::format("  {:<24}{:>9}\n", "Longest Focused run",
+                          clockDurationText(Tracking::longestFocusedRun(calculated.contributions)));
+    detail += fmt::format("  {:<24}{:>9}\n", "Interruptions",
+                          Tracking::meaningfulInterruptionCount(calculated.contributions));
     const auto version = session.calculationVersion();
     const auto explanation = version ? explanationText(*version) : std::nullopt;
     if (explanation) {

@@ -56,7 +56,7 @@ std::string statusLine(const RecordingSnapshot& snapshot) {
     }
     switch (snapshot.liveState) {
         case LiveStudyState::passiveStudy:
-            return line + "Studying away from the computer";
+            return line + std::string(kStudyingAwayFromMac);
         case LiveStudyState::unconfirmedNoInput:
             return line + "No input · " + snapshot.activityName;
         case LiveStudyState::computerActivity:
@@ -67,31 +67,28 @@ std::string statusLine(const RecordingSnapshot& snapshot) {
 
 std::string keyHelp(bool paused, bool away) {
     return fmt::format("[p] {}  [a] {}  [e] end  [q] quit", paused ? "resume" : "pause",
-                       away ? "back to computer study" : "study away from the computer");
+                       away ? kBackToComputerStudyControl : kStudyAwayControl);
 }
 
 std::string promptQuestion(const NoInputClassificationPrompt& prompt,
                            const LocalCalendar& calendar) {
-    std::string text = noInputPromptText(prompt, calendar) + "\n";
+    std::string text =
+        fmt::format("{}\n{}\n", kNoInputSheetTitle, noInputPromptText(prompt, calendar));
     if (asksToEndSession(prompt)) {
-        text += std::string(kLeftRunningExplanation) + "\n";
-        text +=
-            "[x] end the session there  [s] studying away from the computer  [b] break  "
-            "[l] leave unconfirmed";
-    } else {
-        text += "[s] studying away from the computer  [b] break  [l] leave unconfirmed";
+        text += fmt::format("{}\n[x] {}  ", kLeftRunningExplanation, kEndSessionThereAnswer);
     }
-    return text;
+    return text + fmt::format("[s] {}  [b] {}  [l] {}", kStudyingAwayFromMac, kBreakAnswer,
+                              kLeaveUnconfirmedAnswer);
 }
 
 std::string recoveryOffer(const ActiveSessionRecoverySummary& summary, const std::string& subject,
                           const LocalCalendar& calendar) {
     return fmt::format(
         "{}\n{}\n\"{}\" started {}; {} confirmed, {} after the last confirmed moment left "
-        "out.\n[c] Continue From Now  [e] end it as interrupted",
+        "out.\n[c] {}  [e] end it as interrupted",
         kRecoveryPromptTitle, kRecoveryPromptDetail, subject,
         localMinuteText(summary.startTime, calendar), clockDurationText(summary.confirmedDuration),
-        clockDurationText(summary.uncertainDuration));
+        clockDurationText(summary.uncertainDuration), kContinueFromNowAction);
 }
 
 std::string quitQuestion() {
@@ -105,14 +102,14 @@ std::string sessionSummary(const StudySession& session) {
     using namespace TrackingCalculationService;
     std::string text = fmt::format("{} — {} after {}\n", session.subject, session.statusRawValue,
                                    clockDurationText(session.timerDuration));
-    const std::pair<const char*, double> totals[] = {
+    const std::pair<std::string_view, double> totals[] = {
         {"Focused", session.focusedDuration},
         {"Distracting", session.distractedDuration},
         {"Neutral", session.neutralDuration},
         {"Unclassified", session.unclassifiedDuration()},
         {"No input", session.inactiveDuration},
         {"Ignored", session.ignoredDuration()},
-        {"Studying away from the computer", session.passiveStudyDuration()},
+        {kStudyingAwayFromMac, session.passiveStudyDuration()},
         {"Break", session.confirmedBreakDuration()},
         {"Computer asleep or locked", session.systemExcludedDuration()},
     };

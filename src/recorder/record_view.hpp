@@ -28,7 +28,7 @@ struct RecordingSnapshot {
 };
 
 // "Biology · 12:34 left · Text Editor · Focused", "Biology · Paused 3:02 ·
-// 10:00 done", "Biology · 25:00 · Studying away from the computer" ... The
+// 10:00 done", "Biology · 25:00 · Studying away from Mac" ... The
 // timer reads as time left in timer mode and time elapsed when open-ended.
 std::string statusLine(const RecordingSnapshot& snapshot);
 

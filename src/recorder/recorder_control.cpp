@@ -5,6 +5,7 @@
 #include "platform/linux/command_client.hpp"
 #include "platform/linux/command_protocol.hpp"
 #include "recorder/recorder.hpp"
+#include "recording/no_input_prompt.hpp"
 #include "recording/session_figures.hpp"
 
 namespace lumenote::recorder {
@@ -25,7 +26,7 @@ std::string statusText(const RecorderStatus& status) {
     if (status.asleep) {
         text += " · computer asleep or locked";
     } else if (status.studyState == LiveStudyState::passiveStudy) {
-        text += " · studying away from the computer";
+        text += fmt::format(" · {}", kStudyingAwayFromMac);
     } else if (!status.currentActivity.empty()) {
         text += fmt::format(" · {} ({})", status.currentActivity,
                             rawValue(status.currentClassification));
@@ -82,11 +83,11 @@ Result<std::string, std::string> controlRecorder(RecorderControl control) {
             break;
         case RecorderControl::away:
             command = RecorderCommand::startPassiveStudy;
-            done = "Studying away from Mac.";
+            done = fmt::format("{}.", kStudyingAwayFromMac);
             break;
         case RecorderControl::back:
             command = RecorderCommand::returnToComputerStudy;
-            done = "Back to Computer Study.";
+            done = fmt::format("{}.", kBackToComputerStudyControl);
             break;
         case RecorderControl::status:
             break;

@@ -111,6 +111,9 @@ bool RecorderHost::startSession() {
     }
     sessionStarted_ = true;
     const StudySession& session = *manager.activeSession();
+    if (setup_.sessionStarted) {
+        setup_.sessionStarted(session);
+    }
     say(fmt::format("Recording \"{}\"{}.", session.subject,
                     session.timingMode() == SessionTimingMode::timer
                         ? fmt::format(" for {}", clockDurationText(session.plannedDuration))
@@ -326,7 +329,7 @@ Result<void, std::string> RecorderHost::startPassiveStudy() {
     if (setup_.introduceAwayStudy && setup_.introduceAwayStudy()) {
         say(std::string(kPassiveStudyIntroduction));
     }
-    say("Studying away from Mac.");
+    say(fmt::format("{}.", kStudyingAwayFromMac));
     return {};
 }
 
@@ -335,7 +338,7 @@ Result<void, std::string> RecorderHost::returnToComputerStudy() {
     if (!done.ok()) {
         return fail(sessionFailureMessage(done.error()));
     }
-    say("Back to Computer Study.");
+    say(fmt::format("{}.", kBackToComputerStudyControl));
     return {};
 }
 

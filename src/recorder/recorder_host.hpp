@@ -32,6 +32,8 @@ class RecorderHost final : public QObject, public RecorderCommandHandler {
         // The session to start once a pending recovery is settled; nullopt
         // when a recovered session was continued instead.
         SessionStartRequest startRequest;
+        // Called once the session of `startRequest` exists; may be empty.
+        std::function<void(const StudySession&)> sessionStarted;
         // True once, on the first use of studying away from the computer,
         // when its introduction is to be shown (and marks it shown).
         std::function<bool()> introduceAwayStudy;

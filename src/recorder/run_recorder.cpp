@@ -30,14 +30,22 @@ namespace lumenote::recorder {
 
 namespace {
 
-// Fills the request from a template where the options left it open, and
-// marks the template used. Fails with the sentence to show.
-Result<void, std::string> applyTemplate(const RecorderOptions& options, const UserPaths& paths,
-                                        SessionStartRequest& request) {
+// Runs `use` over the user's template store.
+template <typename Use>
+auto withTemplates(const UserPaths& paths, Use use) {
     SystemWallClock clock;
     FileSessionTemplateRepository repository(FileSessionTemplateRepository::pathFor(paths),
                                              [&clock] { return clock.now(); });
     SessionTemplateStore templates(repository, [&clock] { return clock.now(); });
+    return use(templates);
+}
+
+// Fills the request from a template where the options left it open. The
+// template is marked used only once the session exists (see runRecorder).
+// Fails with the sentence to show.
+Result<void, std::string> applyTemplate(const RecorderOptions& options,
+                                        SessionTemplateStore& templates,
+                                        SessionStartRequest& request) {
     const SessionTemplate* chosen = templates.findByName(*options.templateName);
     if (chosen == nullptr) {
         if (const auto id = Uuid::parse(*options.templateName)) {
@@ -61,7 +69,6 @@ Result<void, std::string> applyTemplate(const RecorderOptions& options, const Us
         request.timingMode = chosen->timingMode();
     }
     request.templateID = chosen->id;
-    (void)templates.markUsed(chosen->id);
     return {};
 }
 
@@ -75,7 +82,10 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
                 std::ostream& err) {
     SessionStartRequest request = options.request;
     if (options.templateName) {
-        if (auto applied = applyTemplate(options, paths, request); !applied.ok()) {
+        auto applied = withTemplates(paths, [&](SessionTemplateStore& templates) {
+            return applyTemplate(options, templates, request);
+        });
+        if (!applied.ok()) {
             err << applied.error() << '\n';
             return 1;
         }
@@ -136,6 +146,13 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
     RawTerminal terminal(STDIN_FILENO);
     RecorderHost::Setup setup{manager, out, options.interactive};
     setup.startRequest = request;
+    setup.sessionStarted = [&paths](const StudySession& session) {
+        if (const auto templateID = session.originatingTemplateID()) {
+            (void)withTemplates(paths, [&](SessionTemplateStore& templates) {
+                return templates.markUsed(*templateID);
+            });
+        }
+    };
     setup.introduceAwayStudy = [&preferences] {
         if (preferences.hasSeenPassiveStudyIntroduction()) {
             return false;

@@ -28,12 +28,18 @@ std::string formatFocusScore(std::optional<double> score) {
 }
 
 std::string formatScoreCoverage(std::optional<double> coverage) {
-    const auto percent = wholePercent(coverage);
+    auto percent = wholePercent(coverage);
     if (!percent) {
         return std::string(kScoreCoverageUnavailableText);
     }
+    const bool low = *coverage < kLowCoveragePercent;
+    if (low) {
+        // Rounding must not lift a low coverage to the threshold: the number
+        // shown agrees with the judgement beside it.
+        percent = std::min(*percent, static_cast<long long>(kLowCoveragePercent) - 1);
+    }
     std::string text = std::to_string(*percent) + std::string(kScoreCoverageSuffix);
-    if (*coverage < kLowCoveragePercent) {
+    if (low) {
         text += kLowCoverageSuffix;
     }
     return text;

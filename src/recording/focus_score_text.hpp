@@ -41,7 +41,9 @@ std::string formatFocusScore(std::optional<double> score);
 
 // A whole percentage of coverage followed by "% score coverage", with
 // " · Low coverage" below 50 percent; "Score coverage unavailable" when the
-// coverage is absent or not finite.
+// coverage is absent or not finite. The percentage is rounded half away from
+// zero, except that a low coverage reads at most 49 (49.7 reads "49% score
+// coverage · Low coverage"), so the number never contradicts the judgement.
 std::string formatScoreCoverage(std::optional<double> coverage);
 
 // Whether a score and a coverage judgement may be shown for this much

@@ -35,8 +35,12 @@ inline constexpr std::string_view kLeftRunningExplanation =
     "This looks like a session that may have been left running. Lumenote will not change it "
     "unless you confirm.";
 inline constexpr std::string_view kNoInputSheetTitle = "What were you doing?";
-inline constexpr std::string_view kStudyingAwayAnswer = "Studying away from Mac";
+// The away state's name: an answer to the question, the live state and a total.
+inline constexpr std::string_view kStudyingAwayFromMac = "Studying away from Mac";
+inline constexpr std::string_view kBreakAnswer = "Break";
 inline constexpr std::string_view kLeaveUnconfirmedAnswer = "Leave Unconfirmed";
+// The answer that ends a session at the start of a long run without input.
+inline constexpr std::string_view kEndSessionThereAnswer = "End the Session There";
 inline constexpr std::string_view kAdjustTimeRangeAction = "Adjust the time range";
 
 inline constexpr std::string_view kStudyAwayControl = "Study away from Mac";
@@ -63,6 +67,9 @@ inline constexpr std::string_view kUnconfirmedStudyTimeText =
 inline constexpr std::string_view kRecordedBeforeOffMacStudyText =
     "This session was recorded before confirmed off-Mac study existed, so Lumenote keeps its "
     "original totals.";
+// Explains a session's system-excluded time.
+inline constexpr std::string_view kSystemExcludedExplanation =
+    "Your Mac was asleep, locked, or switched to another user, so nothing could be observed.";
 inline constexpr std::string_view kShortGapsNote =
     "Individual short gaps remain available in Raw activity.";
 

@@ -137,6 +137,35 @@ TEST_F(SessionsCommandTest, ShowSaysWhenASessionHasNoScoreToShow) {
     EXPECT_FALSE(contains(shown.out, "Coverage:")) << shown.out;
 }
 
+TEST_F(SessionsCommandTest, ShowExplainsSystemTimeAwayStudyAndFocusRuns) {
+    const json recorded = record(
+        R"({"at":0,"do":"classifyApp","bundle":"org.gnome.Notes","name":"Notes","classification":"focused"}
+{"at":0,"do":"classifyApp","bundle":"org.example.Video","name":"Video","classification":"distracting"}
+{"at":0,"do":"frontmost","bundle":"org.gnome.Notes","name":"Notes"}
+{"at":0,"do":"start","subject":"Physics","duration":86400}
+{"at":300,"do":"frontmost","bundle":"org.example.Video","name":"Video"}
+{"at":360,"do":"frontmost","bundle":"org.gnome.Notes","name":"Notes"}
+{"at":1000,"do":"sleep"}
+{"at":1100,"do":"wake"}
+{"at":1100,"do":"awayStart"}
+{"at":1400,"do":"awayEnd"}
+{"at":1500,"do":"end"}
+)");
+    const CliRun shown = run({"show", recorded[0]["id"]});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    for (const char* part :
+         {"  System excluded           0:01:40\n"
+          "    Your Mac was asleep, locked, or switched to another user, so nothing could be "
+          "observed.\n",
+          "  Studying away from Mac    0:05:00\n"
+          "    Studying away from your Mac while the session continues.\n",
+          "  Longest Focused run       0:10:40\n", "  Interruptions                   1\n"}) {
+        EXPECT_TRUE(contains(shown.out, part)) << part << "\n" << shown.out;
+    }
+    // Totals without time are not explained.
+    EXPECT_FALSE(contains(shown.out, "Time you intentionally were not studying.")) << shown.out;
+}
+
 TEST_F(SessionsCommandTest, IdsThatAreAmbiguousUnknownOrMalformedAreRefused) {
     {
         auto store = openStore();

@@ -3,6 +3,8 @@
 
 #include "cli/cli_test_support.hpp"
 #include "settings/file_session_template_repository.hpp"
+#include "store/recorder_lock.hpp"
+#include "store/store_files.hpp"
 
 namespace lumenote::cli {
 namespace {
@@ -137,6 +139,19 @@ TEST_F(TemplatesCommandsTest, EverySubcommandHasHelp) {
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_THAT(help.out, HasSubstr("Usage:")) << command;
     }
+}
+
+TEST_F(TemplatesCommandsTest, ATemplateIsMarkedUsedOnlyOnceItsSessionStarts) {
+    ASSERT_EQ(add("Deep work").status, 0);
+    const std::string neverUsed = "Last used: never\n";
+    ASSERT_THAT(run({"templates", "show", "Deep work"}).out, HasSubstr(neverUsed));
+    // Another recorder holds the lock: the session cannot start.
+    auto lock = RecorderLock::acquire(recorderLockPath(home_.paths()));
+    ASSERT_TRUE(lock.ok());
+    const CliRun refused = run({"record", "--template", "Deep work"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.err, HasSubstr("already recording"));
+    EXPECT_THAT(run({"templates", "show", "Deep work"}).out, HasSubstr(neverUsed));
 }
 
 }  // namespace

@@ -77,7 +77,7 @@ poll_until "the pause" status_matches "paused"
 "$cli" resume >/dev/null
 poll_until "the resume" status_matches "recording"
 "$cli" away >/dev/null
-poll_until "studying away" status_matches "studying away from the computer"
+poll_until "studying away" status_matches "Studying away from Mac"
 "$cli" back >/dev/null
 grep -q "Working away from your Mac?" "$work/recorder.out" ||
     fail "the away-study introduction was not shown on first use"

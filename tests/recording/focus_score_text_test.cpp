@@ -30,6 +30,14 @@ TEST(FocusScoreText, CoverageNamesLowCoverageBelowHalf) {
     EXPECT_EQ(formatScoreCoverage(kNaN), "Score coverage unavailable");
 }
 
+TEST(FocusScoreText, LowCoverageNeverReadsAsTheThreshold) {
+    EXPECT_EQ(formatScoreCoverage(49.5), "49% score coverage · Low coverage");
+    EXPECT_EQ(formatScoreCoverage(49.999), "49% score coverage · Low coverage");
+    EXPECT_EQ(formatScoreCoverage(48.5), "49% score coverage · Low coverage");
+    EXPECT_EQ(formatScoreCoverage(0.4), "0% score coverage · Low coverage");
+    EXPECT_EQ(formatScoreCoverage(50.0), "50% score coverage");
+}
+
 TEST(FocusScoreText, NothingIsShownBelowOneMinuteOfEvidenceWhateverIsStored) {
     EXPECT_FALSE(shouldShowScoreAndCoverage(59.999));
     EXPECT_TRUE(shouldShowScoreAndCoverage(60.0));
