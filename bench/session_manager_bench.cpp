@@ -37,11 +37,12 @@ class BenchRecorder {
         folder_ = mkdtemp(pattern);
         store_ = std::move(SqliteRecordingStore::open(folder_ / "lumenote.sqlite")).value();
         checkpoints_ = std::make_unique<FileSessionCheckpointStore>(folder_, machine_.clock.wall());
+        rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
         manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, *checkpoints_));
+            machine_.dependencies(*store_, recordingPreferences_, *checkpoints_, *rules_));
         manager_->startUp();
-        manager_->saveApplicationClassification("org.example.Editor", "Editor",
-                                                ActivityClassification::focused);
+        (void)rules_->saveApplicationClassification("org.example.Editor", "Editor",
+                                                    ActivityClassification::focused);
         machine_.frontmost.current = FrontmostApplication{"Editor", "org.example.Editor"};
         SessionStartRequest request;
         request.subject = "Benchmark";
@@ -51,6 +52,7 @@ class BenchRecorder {
     }
     ~BenchRecorder() {
         manager_.reset();
+        rules_.reset();
         store_.reset();
         std::filesystem::remove_all(folder_);
     }
@@ -72,6 +74,7 @@ class BenchRecorder {
     PreferencesForRecording recordingPreferences_{preferences_};
     std::unique_ptr<SqliteRecordingStore> store_;
     std::unique_ptr<FileSessionCheckpointStore> checkpoints_;
+    std::unique_ptr<ClassificationRules> rules_;
     std::unique_ptr<SessionManager> manager_;
 };
 

@@ -15,7 +15,7 @@ struct Sentence {
     Placeholder placeholder;
 };
 
-constexpr std::array<Sentence, 7> kSentences{{
+constexpr std::array<Sentence, 8> kSentences{{
     {F::applicationRulesNotLoaded, "Saved app classifications could not be loaded.",
      Placeholder::none},
     {F::websiteRulesNotLoaded, "Saved website classifications could not be loaded.",
@@ -28,6 +28,8 @@ constexpr std::array<Sentence, 7> kSentences{{
     {F::applicationRulesNotCleared, "Could not clear application classifications: {error}",
      Placeholder::error},
     {F::websiteRulesNotCleared, "Could not clear website classifications: {error}",
+     Placeholder::error},
+    {F::pdfRecordsNotCleared, "Could not clear local PDF labels and preferences: {error}",
      Placeholder::error},
 }};
 

@@ -15,6 +15,7 @@ enum class ClassificationFailure {
     filenameLabelsNotCleared,
     applicationRulesNotCleared,  // carries the store error's description
     websiteRulesNotCleared,      // carries the store error's description
+    pdfRecordsNotCleared,        // carries the store error's description
 };
 
 // The user-facing sentence for `failure`: `name` (the application name or

@@ -34,6 +34,8 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::str
 HistoryEnvironment::HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,
                                        CheckpointAccess access)
     : paths_(std::move(paths)), store_(std::move(store)), calendar_(LocalCalendar::current()) {
+    rules_ = std::make_unique<ClassificationRules>(
+        *store_, [this] { return platform_.wallClock.now(); }, kOwnBundleIdentifier);
     if (access == CheckpointAccess::recovery) {
         checkpoints_ = std::make_unique<FileSessionCheckpointStore>(paths_.applicationData(),
                                                                     platform_.wallClock);
@@ -60,16 +62,28 @@ SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
         JsonFileDefaultsDomain::pathFor(paths_), [this] { return platform_.wallClock.now(); });
     preferences_ = std::make_unique<PreferencesStore>(*defaults_);
     recordingPreferences_ = std::make_unique<PreferencesForRecording>(*preferences_);
+    // The manager loads the rules itself as it starts up.
+    rulesLoaded_ = true;
     manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
         *store_, *recordingPreferences_, platform_.idleTime, platform_.monotonicClock,
         platform_.wallClock, platform_.frontmostApplication, platform_.notifications,
-        platform_.browserTracking, *checkpoints_});
+        platform_.browserTracking, *checkpoints_, *rules_});
     manager_->startUp();
     if (const auto& problem = manager_->lastError()) {
         warnings << *problem << '\n';
         manager_->clearLastError();
     }
     return *manager_;
+}
+
+ClassificationRules& HistoryEnvironment::rules(std::ostream& warnings) {
+    if (!rulesLoaded_) {
+        rulesLoaded_ = true;
+        for (const ClassificationError& problem : rules_->load()) {
+            warnings << problem.message() << '\n';
+        }
+    }
+    return *rules_;
 }
 
 Result<bool, StoreError> HistoryEnvironment::holdsLiveSession() {

@@ -74,6 +74,10 @@ class HistoryEnvironment {
     // error afterwards belongs to the command's own operation.
     SessionManager& manager(std::ostream& warnings);
 
+    // The classification rules, loaded on first use; a rule set that could
+    // not be loaded is written to `warnings`.
+    ClassificationRules& rules(std::ostream& warnings);
+
     // Whether the store holds a running or paused session.
     Result<bool, StoreError> holdsLiveSession();
 
@@ -99,6 +103,8 @@ class HistoryEnvironment {
     std::unique_ptr<JsonFileDefaultsDomain> defaults_;
     std::unique_ptr<PreferencesStore> preferences_;
     std::unique_ptr<PreferencesForRecording> recordingPreferences_;
+    std::unique_ptr<ClassificationRules> rules_;
+    bool rulesLoaded_ = false;
     std::unique_ptr<SessionManager> manager_;
 };
 

@@ -1,6 +1,6 @@
 // `rules`: the stored classification rules and the starter suggestions.
-// Rules are saved and cleared through the session manager, so that keys are
-// normalised and failures reported as in the application. A recorder already
+// Rules are saved and cleared through the rules service the recorder uses, so
+// that keys are normalised and failures reported as in the application. A recorder already
 // running in another process keeps the rules it loaded until it starts again.
 #include <fmt/format.h>
 
@@ -152,10 +152,11 @@ void installSetApp(CLI::App& rules, CliContext& context) {
         const std::string& bundle = options->bundleIdentifier;
         const std::string name =
             text::trimmed(options->name).empty() ? bundle : text::trimmed(options->name);
-        SessionManager& manager = environment->manager(context.err);
-        if (!manager.saveApplicationClassification(bundle, name,
-                                                   parsedClassification(options->classification))) {
-            context.refuse(manager.lastError().value_or(""));
+        auto saved = environment->rules(context.err)
+                         .saveApplicationClassification(
+                             bundle, name, parsedClassification(options->classification));
+        if (!saved.ok()) {
+            context.refuse(saved.error().message());
             return;
         }
         context.out << fmt::format("{} ({}) is now {}.\n", name, bundle, options->classification);
@@ -180,10 +181,11 @@ void installSetWebsite(CLI::App& rules, CliContext& context) {
         if (!environment) {
             return;
         }
-        SessionManager& manager = environment->manager(context.err);
-        if (!manager.saveWebsiteClassification(options->hostname,
-                                               parsedClassification(options->classification))) {
-            context.refuse(manager.lastError().value_or(""));
+        auto saved = environment->rules(context.err)
+                         .saveWebsiteClassification(options->hostname,
+                                                    parsedClassification(options->classification));
+        if (!saved.ok()) {
+            context.refuse(saved.error().message());
             return;
         }
         context.out << fmt::format("{} is now {}.\n", normalizedHostname(options->hostname),
@@ -191,7 +193,7 @@ void installSetWebsite(CLI::App& rules, CliContext& context) {
     });
 }
 
-// `clear-apps` and `clear-websites`: count, clear through the manager, report.
+// `clear-apps` and `clear-websites`: count, clear through the rules, report.
 template <typename CountRules, typename Clear>
 void installClear(CLI::App& rules, CliContext& context, const char* name, const char* help,
                   const char* singular, const char* plural, CountRules countRules, Clear clear) {
@@ -207,9 +209,8 @@ void installClear(CLI::App& rules, CliContext& context, const char* name, const 
                                                         count.error().description));
             return;
         }
-        SessionManager& manager = environment->manager(context.err);
-        if (!clear(manager)) {
-            context.refuse(manager.lastError().value_or(""));
+        if (auto cleared = clear(environment->rules(context.err)); !cleared.ok()) {
+            context.refuse(cleared.error().message());
             return;
         }
         context.out << "Removed " << countText(count->size(), singular, plural) << ".\n";
@@ -228,11 +229,11 @@ void installRulesCommands(CLI::App& app, CliContext& context) {
     installClear(
         *rules, context, "clear-apps", "Remove every application rule", "application rule",
         "application rules", [](RecordingStore& store) { return store.appClassifications(); },
-        [](SessionManager& manager) { return manager.clearApplicationClassifications(); });
+        [](ClassificationRules& rules) { return rules.clearApplicationClassifications(); });
     installClear(
         *rules, context, "clear-websites", "Remove every website rule", "website rule",
         "website rules", [](RecordingStore& store) { return store.websiteClassifications(); },
-        [](SessionManager& manager) { return manager.clearWebsiteClassifications(); });
+        [](ClassificationRules& rules) { return rules.clearWebsiteClassifications(); });
 }
 
 }  // namespace lumenote::cli

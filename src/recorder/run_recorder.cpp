@@ -134,9 +134,11 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
                "when you last gave input.\n";
     }
 
-    SessionManager manager(SessionManagerDependencies{store->operator*(), recordingPreferences,
-                                                      *idle, monotonicClock, wallClock, *frontmost,
-                                                      notifications, browser, checkpoints});
+    ClassificationRules rules(
+        **store, [&wallClock] { return wallClock.now(); }, kOwnBundleIdentifier);
+    SessionManager manager(SessionManagerDependencies{**store, recordingPreferences, *idle,
+                                                      monotonicClock, wallClock, *frontmost,
+                                                      notifications, browser, checkpoints, rules});
     manager.startUp();
     if (const auto& problem = manager.lastError()) {
         err << *problem << '\n';

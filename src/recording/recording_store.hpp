@@ -8,17 +8,13 @@
 #include <vector>
 
 #include "classification/classification_records.hpp"
+#include "classification/classification_rule_store.hpp"
 #include "foundation/result.hpp"
+#include "foundation/store_error.hpp"
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
 
 namespace lumenote {
-
-// A store failure: the description is the underlying error's text, which the
-// callers embed in their own fixed messages ("... could not be saved: {error}").
-struct StoreError {
-    std::string description;
-};
 
 // Changes written together in one transaction: either all of them land or
 // none does. Upserts insert a record or replace the stored one with the same
@@ -54,10 +50,10 @@ struct SessionQuery {
     bool includeChildren = false;  // segments, confirmations and PDF identity ids
 };
 
-class RecordingStore {
+// Sessions with their children, plus the classification rules (the rules
+// service reads and writes those through their own role).
+class RecordingStore : public ClassificationRuleStore {
   public:
-    virtual ~RecordingStore() = default;
-
     virtual Result<void, StoreError> apply(const StoreChangeSet& changes) = 0;
 
     // A session with its segments (in start order), confirmations and PDF
@@ -69,25 +65,6 @@ class RecordingStore {
     virtual Result<std::vector<StudySession>, StoreError> liveSessions() = 0;
     virtual Result<std::size_t, StoreError> sessionCount() = 0;
     virtual Result<void, StoreError> deleteAllSessions() = 0;
-
-    virtual Result<std::vector<AppClassification>, StoreError> appClassifications() = 0;
-    virtual Result<void, StoreError> saveAppClassification(const AppClassification& rule) = 0;
-    virtual Result<void, StoreError> deleteAllAppClassifications() = 0;
-    virtual Result<std::vector<WebsiteClassification>, StoreError> websiteClassifications() = 0;
-    virtual Result<void, StoreError> saveWebsiteClassification(
-        const WebsiteClassification& rule) = 0;
-    virtual Result<void, StoreError> deleteAllWebsiteClassifications() = 0;
-
-    virtual Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
-        const std::optional<Uuid>& session) = 0;  // all when no session is given
-    virtual Result<void, StoreError> savePdfIdentity(const LocalPDFIdentity& identity) = 0;
-    // Removes every label whose source is the filename; returns how many changed.
-    virtual Result<std::size_t, StoreError> clearFilenameDerivedPdfLabels() = 0;
-    virtual Result<void, StoreError> deleteAllPdfIdentities() = 0;
-    virtual Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() = 0;
-    virtual Result<void, StoreError> saveLocalPDFPreferences(
-        const LocalPDFPreferences& preferences) = 0;
-    virtual Result<void, StoreError> deleteLocalPDFPreferences() = 0;
 };
 
 }  // namespace lumenote

@@ -18,11 +18,16 @@ SessionManager::SessionManager(SessionManagerDependencies dependencies)
       notificationService_(dependencies.notificationService),
       browserTrackingCoordinator_(dependencies.browserTrackingCoordinator),
       checkpointStore_(dependencies.checkpointStore),
-      ownBundleIdentifier_(std::move(dependencies.ownBundleIdentifier)),
-      lookup_(ownBundleIdentifier_) {
+      rules_(dependencies.rules) {
     persistenceSaveOperation = [this](const StoreChangeSet& changes) {
         return store_.apply(changes);
     };
+    // A rule or override chosen while recording applies from that moment.
+    rulesObservation_ = rules_.changed().add([this] { applicationActivated(); });
+}
+
+SessionManager::~SessionManager() {
+    rules_.changed().remove(rulesObservation_);
 }
 
 TrackingInstant SessionManager::nowInstant() {
@@ -55,23 +60,10 @@ void SessionManager::reportFailure(SessionFailure failure, std::string_view deta
     report(sessionFailureMessage(failure, detail));
 }
 
-void SessionManager::clearSessionChoices() {
-    lookup_.clearSessionOverrides();
-    sessionPDFClassification_.reset();
-    pdfsGivenSessionClass_.clear();
-}
-
 void SessionManager::clearLastError() {
     if (lastError_) {
         lastError_.reset();
         publish(ObservedField::lastError);
-    }
-}
-
-void SessionManager::setOnboardingPresented(bool presented) {
-    if (isOnboardingPresented_ != presented) {
-        isOnboardingPresented_ = presented;
-        publish(ObservedField::onboarding);
     }
 }
 
@@ -140,7 +132,7 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     accumulatedPauseDuration_ = 0.0;
     confirmedBoundary_ = {instant.wallDate, 0.0};
     unsavedBoundary_.reset();
-    clearSessionChoices();
+    rules_.beginSession(activeSession_->id);
     browserTrackingCoordinator_.setRunningSession(activeSession_->id);
     writeCheckpoint(instant);
     publish(ObservedField::activeSession);
@@ -326,7 +318,7 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
     pauseAnchor_.reset();
     timerBaseDuration_ = 0.0;
     currentPauseDuration_ = 0.0;
-    clearSessionChoices();
+    rules_.endSession();
     browserTrackingCoordinator_.setRunningSession(std::nullopt);
     pendingPostSessionAllowsCelebration_ = status == StudySessionStatus::completed &&
                                            preferences_.shouldCelebrate(finished, wallClock_.now());

@@ -27,10 +27,9 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
-#include "classification/classification_lookup.hpp"
+#include "classification/classification_rules.hpp"
 #include "recording/active_session_checkpoint.hpp"
 #include "recording/activity_timeline.hpp"
 #include "recording/no_input_prompt.hpp"
@@ -97,7 +96,6 @@ enum class ObservedField {
     liveStudyState,
     lastStudyStateEdit,
     pendingRecovery,
-    onboarding,
 };
 
 struct SessionManagerDependencies {
@@ -110,7 +108,9 @@ struct SessionManagerDependencies {
     NotificationService& notificationService;
     BrowserTrackingCoordinator& browserTrackingCoordinator;
     SessionCheckpointStore& checkpointStore;
-    std::string ownBundleIdentifier = kOwnBundleIdentifier;
+    // Shared with the front ends that change rules; its ownBundleIdentifier
+    // is the one whose activity is ignored.
+    ClassificationRules& rules;
 };
 
 class SessionManager {
@@ -118,6 +118,9 @@ class SessionManager {
     using SaveOperation = std::function<Result<void, StoreError>(const StoreChangeSet&)>;
 
     explicit SessionManager(SessionManagerDependencies dependencies);
+    ~SessionManager();
+    SessionManager(const SessionManager&) = delete;
+    SessionManager& operator=(const SessionManager&) = delete;
 
     // Loads the rule caches and PDF preferences, recalculates stored totals
     // when the derived revision changed, and looks for an unfinished session
@@ -188,24 +191,6 @@ class SessionManager {
     Result<void, SessionFailure> endPassiveStudy();
     LiveStudyState liveStudyState() const;
 
-    // ---- classification rules ----
-    bool saveApplicationClassification(const std::string& bundleIdentifier,
-                                       const std::string& applicationName,
-                                       ActivityClassification classification);
-    bool saveWebsiteClassification(const std::string& hostname,
-                                   ActivityClassification classification);
-    bool clearApplicationClassifications();
-    bool clearWebsiteClassifications();
-    void setSessionApplicationOverride(const std::string& bundleIdentifier,
-                                       ActivityClassification classification);
-    void setTabOverride(const Uuid& tabSessionIdentifier, ActivityClassification classification);
-    // Applies a class chosen for a local PDF as far as `scope` reaches.
-    bool classifyLocalPDF(const Uuid& pdfIdentifier, ActivityClassification classification,
-                          LocalPDFClassificationScope scope);
-    // Removes every PDF label that came from a file name.
-    bool clearFilenameDerivedPDFLabels();
-    const ClassificationLookup& classificationLookup() const { return lookup_; }
-
     // ---- history ----
     Result<void, SessionFailure> editSession(const Uuid& id, const std::string& subject,
                                              const std::string& goal,
@@ -237,11 +222,6 @@ class SessionManager {
     // stays empty.
     const std::vector<std::string>& pendingPostSessionPersonalBests() const {
         return pendingPostSessionPersonalBests_;
-    }
-    bool isOnboardingPresented() const { return isOnboardingPresented_; }
-    void setOnboardingPresented(bool presented);
-    bool localPDFFilenameLabelsEnabled() const {
-        return localPDFPreferences_.value_or(LocalPDFPreferences{}).filenameLabelsEnabled;
     }
     const std::optional<NoInputClassificationPrompt>& pendingNoInputPrompt() const {
         return pendingNoInputPrompt_;
@@ -280,12 +260,10 @@ class SessionManager {
     // Publishes `message` as the last error.
     void report(std::string message);
     void reportFailure(SessionFailure failure, std::string_view detail = {});
-    // Forgets the class choices that last only as long as a session.
-    void clearSessionChoices();
 
     // sampling (session_manager_sampling.cpp)
     ActivityState sampleState(double idleSeconds, Date wallNow);
-    ActivityClassification pdfClassification(const BrowserResolution& pdf, Date wallNow);
+    ActivityClassification pdfClassification(const BrowserResolution& pdf);
     void sampleAndRecord(TrackingInstant instant);
     TrackingInstant boundaryFor(const ActivityState& next, TrackingInstant instant,
                                 double idleSeconds) const;
@@ -324,7 +302,8 @@ class SessionManager {
     NotificationService& notificationService_;
     BrowserTrackingCoordinator& browserTrackingCoordinator_;
     SessionCheckpointStore& checkpointStore_;
-    std::string ownBundleIdentifier_;
+    ClassificationRules& rules_;
+    ObserverList<>::Token rulesObservation_ = 0;
 
     std::optional<StudySession> activeSession_;
     std::string currentApplicationName_;
@@ -337,17 +316,9 @@ class SessionManager {
     std::optional<StudySession> pendingPostSession_;
     bool pendingPostSessionAllowsCelebration_ = false;
     std::vector<std::string> pendingPostSessionPersonalBests_;
-    bool isOnboardingPresented_ = false;
     std::function<void(ObservedField)> changeHandler_;
 
     ActivityTimelineEngine timelineEngine_;
-    ClassificationLookup lookup_;
-    std::optional<LocalPDFPreferences> localPDFPreferences_;
-    std::unordered_map<Uuid, LocalPDFIdentity> pdfIdentities_;
-    // The class chosen for every local PDF of the active session, and the
-    // PDFs that already took it or were given a class of their own since.
-    std::optional<ActivityClassification> sessionPDFClassification_;
-    std::unordered_set<Uuid> pdfsGivenSessionClass_;
     std::vector<ActivitySegment> sessionSegments_;
     std::optional<ActivitySegment> openPersistedSegment_;
     bool openSegmentWritten_ = false;

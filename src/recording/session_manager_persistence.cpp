@@ -2,7 +2,6 @@
 // undo, and reset.
 #include <fmt/format.h>
 
-#include "classification/classification_messages.hpp"
 #include "foundation/text.hpp"
 #include "recording/recording_preferences.hpp"
 #include "recording/session_manager.hpp"
@@ -54,25 +53,8 @@ bool SessionManager::save(bool durable) {
 }
 
 void SessionManager::startUp() {
-    if (auto apps = store_.appClassifications(); apps.ok()) {
-        lookup_.loadApplicationRules(*apps);
-    } else {
-        lastError_ = classificationFailureMessage(ClassificationFailure::applicationRulesNotLoaded);
-    }
-    if (auto sites = store_.websiteClassifications(); sites.ok()) {
-        lookup_.loadWebsiteRules(*sites);
-    } else {
-        lastError_ = classificationFailureMessage(ClassificationFailure::websiteRulesNotLoaded);
-    }
-    if (auto pdf = store_.localPDFPreferences(); pdf.ok()) {
-        localPDFPreferences_ = *pdf;
-    } else {
-        lastError_ = classificationFailureMessage(ClassificationFailure::pdfPreferencesNotLoaded);
-    }
-    if (auto identities = store_.pdfIdentities(std::nullopt); identities.ok()) {
-        for (LocalPDFIdentity& identity : *identities) {
-            pdfIdentities_.emplace(identity.id, std::move(identity));
-        }
+    for (const ClassificationError& problem : rules_.load()) {
+        lastError_ = problem.message();
     }
     if (preferences_.derivedRevision() != kDerivedTotalsRevision) {
         if (recalculateStoredTotals().ok()) {
@@ -265,7 +247,7 @@ Result<void, SessionFailure> SessionManager::deleteAllSessions() {
         reportFailure(SessionFailure::deleteAllFailed, deleted.error().description);
         return fail(SessionFailure::deleteAllFailed);
     }
-    clearSessionChoices();
+    rules_.endSession();
     return {};
 }
 
@@ -278,18 +260,16 @@ Result<void, SessionFailure> SessionManager::resetAllData() {
         reportFailure(SessionFailure::resetFailed, deleted.error().description);
         return fail(SessionFailure::resetFailed);
     }
-    clearSessionChoices();
-    if (!clearApplicationClassifications() || !clearWebsiteClassifications()) {
+    if (auto cleared = rules_.clearAll(); !cleared.ok()) {
+        // Clearing the rules has sentences of its own; the PDF records share
+        // the reset's.
+        if (cleared.error().failure == ClassificationFailure::pdfRecordsNotCleared) {
+            reportFailure(SessionFailure::resetFailed, cleared.error().detail);
+        } else {
+            report(cleared.error().message());
+        }
         return fail(SessionFailure::resetFailed);
     }
-    for (auto cleared : {store_.deleteAllPdfIdentities(), store_.deleteLocalPDFPreferences()}) {
-        if (!cleared.ok()) {
-            reportFailure(SessionFailure::resetFailed, cleared.error().description);
-            return fail(SessionFailure::resetFailed);
-        }
-    }
-    localPDFPreferences_.reset();
-    pdfIdentities_.clear();
     preferences_.resetApplicationPreferences();
     pendingSessionDeletion_.reset();
     sessionDeletionUndoDescription_.reset();

@@ -172,6 +172,7 @@ Result<void, SessionFailure> SessionManager::continueRecoveredSession() {
     queueSession();
     save();
     writeCheckpoint(instant);
+    rules_.beginSession(activeSession_->id);
     if (!paused) {
         browserTrackingCoordinator_.setRunningSession(activeSession_->id);
     }

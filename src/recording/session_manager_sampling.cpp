@@ -18,13 +18,13 @@ ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
     browserTrackingCoordinator_.setFrontmostBundleIdentifier(state.bundleIdentifier);
     state.isInactive = idleSeconds >= preferences_.inactivityThreshold();
 
-    const bool ownApplication = state.bundleIdentifier == ownBundleIdentifier_;
+    const bool ownApplication = state.bundleIdentifier == rules_.lookup().ownBundleIdentifier();
     const auto browser =
         ownApplication ? std::nullopt
                        : browserTrackingCoordinator_.resolution(state.bundleIdentifier, wallNow);
     if (!browser) {
-        state.classification =
-            lookup_.applicationClassification(state.bundleIdentifier, state.applicationName);
+        state.classification = rules_.lookup().applicationClassification(state.bundleIdentifier,
+                                                                         state.applicationName);
         return state;
     }
 
@@ -35,8 +35,8 @@ ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
         state.activitySource = ActivitySourceType::browserFallback;
         state.browserFallbackReason = BrowserFallbackReason::privateOrRestricted;
         state.tabSessionIdentifier.reset();
-        state.classification =
-            lookup_.applicationClassification(state.bundleIdentifier, state.applicationName);
+        state.classification = rules_.lookup().applicationClassification(state.bundleIdentifier,
+                                                                         state.applicationName);
         return state;
     }
     switch (browser->kind) {
@@ -45,53 +45,43 @@ ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
             // The lookup normalises the name itself (normalising is not
             // idempotent for names ending in two dots), so it gets the raw one.
             state.hostname = normalizedHostname(browser->hostname.value_or(""));
-            state.classification = lookup_.websiteClassification(browser->hostname.value_or(""),
-                                                                 state.tabSessionIdentifier);
+            state.classification = rules_.lookup().websiteClassification(
+                browser->hostname.value_or(""), state.tabSessionIdentifier);
             break;
         case BrowserResolution::Kind::localPDF:
             state.activitySource = ActivitySourceType::localPDF;
             state.pdfIdentifier = browser->pdfIdentifier;
             state.pdfDisplayLabel = browser->pdfDisplayLabel;
             state.pdfLabelSource = browser->pdfLabelSource;
-            state.classification = pdfClassification(*browser, wallNow);
+            state.classification = pdfClassification(*browser);
             break;
         case BrowserResolution::Kind::fallback:
             state.activitySource = ActivitySourceType::browserFallback;
             state.browserFallbackReason =
                 browser->fallbackReason.value_or(BrowserFallbackReason::unknown);
-            state.classification =
-                lookup_.applicationClassification(state.bundleIdentifier, state.applicationName);
+            state.classification = rules_.lookup().applicationClassification(state.bundleIdentifier,
+                                                                             state.applicationName);
             break;
     }
     return state;
 }
 
-ActivityClassification SessionManager::pdfClassification(const BrowserResolution& pdf,
-                                                         Date wallNow) {
-    const LocalPDFPreferences preferences = localPDFPreferences_.value_or(LocalPDFPreferences{});
-    if (!pdf.pdfIdentifier) {
-        return localPDFClassification(nullptr, preferences);
+ActivityClassification SessionManager::pdfClassification(const BrowserResolution& pdf) {
+    std::optional<NewLocalPDF> sampled;
+    if (pdf.pdfIdentifier) {
+        sampled = NewLocalPDF{*pdf.pdfIdentifier,
+                              pdf.browserBundleIdentifier,
+                              pdf.pdfDisplayLabel,
+                              pdf.pdfLabelSource,
+                              {},
+                              {}};
     }
-    auto known = pdfIdentities_.find(*pdf.pdfIdentifier);
-    if (known == pdfIdentities_.end()) {
-        // First sight of this PDF: its identity is stored with the session.
-        LocalPDFIdentity identity = makeLocalPDFIdentity(
-            NewLocalPDF{*pdf.pdfIdentifier, pdf.browserBundleIdentifier, pdf.pdfDisplayLabel,
-                        pdf.pdfLabelSource, wallNow, activeSession_->id},
-            preferences);
-        pendingChanges_.pdfIdentities.push_back(identity);
-        known = pdfIdentities_.emplace(identity.id, std::move(identity)).first;
+    // Identity records of the sample are saved with it, in one transaction.
+    auto sample = rules_.classifyPDFSample(sampled);
+    for (LocalPDFIdentity& identity : sample.identitiesToSave) {
+        pendingChanges_.pdfIdentities.push_back(std::move(identity));
     }
-    // A class chosen for every PDF of this session reaches a PDF first met
-    // after the choice too, once: a class chosen for that PDF alone later wins.
-    if (sessionPDFClassification_ && pdfsGivenSessionClass_.insert(known->first).second) {
-        const std::string chosen(rawValue(*sessionPDFClassification_));
-        if (known->second.classificationRawValue != chosen) {
-            known->second.classificationRawValue = chosen;
-            pendingChanges_.pdfIdentities.push_back(known->second);
-        }
-    }
-    return localPDFClassification(&known->second, preferences);
+    return sample.classification;
 }
 
 TrackingInstant SessionManager::boundaryFor(const ActivityState& next, TrackingInstant instant,

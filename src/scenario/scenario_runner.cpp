@@ -85,10 +85,18 @@ class ScenarioMachine {
 
   private:
     void launch() {
+        manager_.reset();
+        rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
         manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, checkpointStore_));
+            machine_.dependencies(*store_, recordingPreferences_, checkpointStore_, *rules_));
         manager_->startUp();
         manager_->clearLastError();
+    }
+    // A rule change that failed is shown as the application shows it.
+    void noteRuleOutcome(const Result<void, ClassificationError>& outcome) {
+        if (!outcome.ok()) {
+            frontError_ = outcome.error().message();
+        }
     }
 
     Result<void, std::string> start(const json& step);
@@ -114,7 +122,10 @@ class ScenarioMachine {
     PreferencesStore preferences_;
     PreferencesForRecording recordingPreferences_;
     FileSessionCheckpointStore checkpointStore_;
+    std::unique_ptr<ClassificationRules> rules_;
     std::unique_ptr<SessionManager> manager_;
+    // The last failure of an operation the runner made outside the manager.
+    std::optional<std::string> frontError_;
     double elapsed_ = 0.0;
     json snapshot_ = json::array();
 };
@@ -372,19 +383,19 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
             return fail(std::string("unknown classification"));
         }
         if (action == "classifyApp") {
-            manager_->saveApplicationClassification(stringArgument(args, "bundle"),
-                                                    stringArgument(args, "name"), *classification);
+            noteRuleOutcome(rules_->saveApplicationClassification(
+                stringArgument(args, "bundle"), stringArgument(args, "name"), *classification));
         } else if (action == "classifyWebsite") {
-            manager_->saveWebsiteClassification(stringArgument(args, "hostname"), *classification);
+            noteRuleOutcome(rules_->saveWebsiteClassification(stringArgument(args, "hostname"),
+                                                              *classification));
         } else if (action == "overrideApp") {
-            manager_->setSessionApplicationOverride(stringArgument(args, "bundle"),
-                                                    *classification);
+            rules_->setSessionApplicationOverride(stringArgument(args, "bundle"), *classification);
         } else {
             const auto tab = Uuid::parse(stringArgument(args, "tab"));
             if (!tab) {
                 return fail(std::string("\"tab\" must be a UUID"));
             }
-            manager_->setTabOverride(*tab, *classification);
+            rules_->setTabOverride(*tab, *classification);
         }
         return {};
     }
@@ -419,11 +430,11 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
         if (!classification || !scope || !pdf) {
             return fail(std::string("classifyPdf needs a pdf id, a classification and a scope"));
         }
-        manager_->classifyLocalPDF(*pdf, *classification, *scope);
+        noteRuleOutcome(rules_->classifyLocalPDF(*pdf, *classification, *scope));
         return {};
     }
     if (action == "clearFilenameLabels") {
-        manager_->clearFilenameDerivedPDFLabels();
+        noteRuleOutcome(rules_->clearFilenameDerivedPDFLabels());
         return {};
     }
     if (action == "undoEdit") {
@@ -513,7 +524,8 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
     }
     if (action == "expectError") {
         const auto expected = args.find("message");
-        const auto& actual = manager_->lastError();
+        const auto actual = frontError_ ? frontError_ : manager_->lastError();
+        frontError_.reset();
         const bool wantsNone = expected == args.end() || expected->is_null();
         if (wantsNone ? actual.has_value() : (!actual || *actual != expected->get<std::string>())) {
             outcome.failedExpectations.push_back(fmt::format(

@@ -28,8 +28,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/observer_list.hpp"
 #include "foundation/result.hpp"
-#include "settings/observer_list.hpp"
 #include "settings/session_template_repository.hpp"
 #include "settings/session_template_validation.hpp"
 

@@ -31,12 +31,15 @@ class SessionManagerTest : public ::testing::Test {
     }
     void TearDown() override {
         manager_.reset();
+        rules_.reset();
         store_.reset();
     }
 
     void launch() {
+        manager_.reset();
+        rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
         manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, *checkpointStore_));
+            machine_.dependencies(*store_, recordingPreferences_, *checkpointStore_, *rules_));
         manager_->startUp();
     }
     // The process ends without finishing its session: what is stored stays.
@@ -75,6 +78,7 @@ class SessionManagerTest : public ::testing::Test {
     PreferencesStore preferences_{domain_};
     PreferencesForRecording recordingPreferences_{preferences_};
     std::unique_ptr<SqliteRecordingStore> store_;
+    std::unique_ptr<ClassificationRules> rules_;
     std::unique_ptr<SessionManager> manager_;
 };
 
@@ -243,8 +247,10 @@ TEST_F(SessionManagerTest, EditingTrimsAndLimitsTheTexts) {
 }
 
 TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreferences) {
-    ASSERT_TRUE(manager_->saveApplicationClassification("org.example.Editor", "Editor",
-                                                        ActivityClassification::focused));
+    ASSERT_TRUE(rules_
+                    ->saveApplicationClassification("org.example.Editor", "Editor",
+                                                    ActivityClassification::focused)
+                    .ok());
     preferences_.setInactivityThreshold(600);
     ASSERT_TRUE(manager_->start(request()).ok());
     EXPECT_EQ(manager_->resetAllData().error(), SessionFailure::resetWhileActive);
@@ -252,9 +258,8 @@ TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreference
     ASSERT_TRUE(manager_->resetAllData().ok());
     EXPECT_TRUE(stored().empty());
     EXPECT_TRUE(store_->appClassifications()->empty());
-    EXPECT_EQ(
-        manager_->classificationLookup().applicationClassification("org.example.Editor", "Editor"),
-        ActivityClassification::unclassified);
+    EXPECT_EQ(rules_->lookup().applicationClassification("org.example.Editor", "Editor"),
+              ActivityClassification::unclassified);
     EXPECT_DOUBLE_EQ(preferences_.inactivityThreshold(), 90.0);
 }
 

@@ -114,13 +114,20 @@ struct FakeMachine {
     FakeMachine& operator=(const FakeMachine&) = delete;
 
     // The session manager's dependencies on this machine; the store, the
-    // preferences and the checkpoint store must outlive the manager.
+    // preferences, the checkpoint store and the rules must outlive the manager.
     SessionManagerDependencies dependencies(RecordingStore& store,
                                             RecordingPreferences& preferences,
-                                            SessionCheckpointStore& checkpoints) {
+                                            SessionCheckpointStore& checkpoints,
+                                            ClassificationRules& rules) {
         return SessionManagerDependencies{
             store,     preferences,   idle,    clock.monotonic(), clock.wall(),
-            frontmost, notifications, browser, checkpoints};
+            frontmost, notifications, browser, checkpoints,       rules};
+    }
+    // Rules over `store` stamped with this machine's wall clock.
+    ClassificationRules rulesFor(ClassificationRuleStore& store,
+                                 std::string ownBundleIdentifier = kOwnBundleIdentifier) {
+        return ClassificationRules(
+            store, [this] { return clock.wallNow(); }, std::move(ownBundleIdentifier));
     }
 
     FakeClock clock;

@@ -1,5 +1,5 @@
-// A list of change callbacks: how the stores tell their observers (the screens,
-// the services that follow a setting) that something changed.
+// A list of change callbacks: how the stores and services tell their observers
+// (the screens, the services that follow a setting) that something changed.
 #pragma once
 
 #include <cstdint>
