@@ -38,8 +38,10 @@ class BenchRecorder {
         store_ = std::move(SqliteRecordingStore::open(folder_ / "lumenote.sqlite")).value();
         checkpoints_ = std::make_unique<FileSessionCheckpointStore>(folder_, machine_.clock.wall());
         rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
-        manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, *checkpoints_, *rules_));
+        history_ = std::make_unique<SessionHistory>(
+            machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+        manager_ = std::make_unique<SessionManager>(machine_.dependencies(
+            *store_, recordingPreferences_, *checkpoints_, *rules_, *history_));
         manager_->startUp();
         (void)rules_->saveApplicationClassification("org.example.Editor", "Editor",
                                                     ActivityClassification::focused);
@@ -52,6 +54,7 @@ class BenchRecorder {
     }
     ~BenchRecorder() {
         manager_.reset();
+        history_.reset();
         rules_.reset();
         store_.reset();
         std::filesystem::remove_all(folder_);
@@ -75,6 +78,7 @@ class BenchRecorder {
     std::unique_ptr<SqliteRecordingStore> store_;
     std::unique_ptr<FileSessionCheckpointStore> checkpoints_;
     std::unique_ptr<ClassificationRules> rules_;
+    std::unique_ptr<SessionHistory> history_;
     std::unique_ptr<SessionManager> manager_;
 };
 

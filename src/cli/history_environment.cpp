@@ -23,8 +23,6 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::str
             return fmt::format("No session has the id {}.", detail);
         case HistoryCommandFailure::sessionIdAmbiguous:
             return fmt::format("More than one session has an id starting with {}:", detail);
-        case HistoryCommandFailure::editWhileActive:
-            return "End the active session before editing it.";
         case HistoryCommandFailure::resetNotConfirmed:
             return "Nothing was reset. To reset Lumenote, run: lumenote-cli reset --confirm RESET";
     }
@@ -54,20 +52,41 @@ Result<std::unique_ptr<HistoryEnvironment>, std::string> HistoryEnvironment::ope
         new HistoryEnvironment(paths, std::move(store).value(), access));
 }
 
+RecordingPreferences& HistoryEnvironment::recordingPreferences() {
+    if (!recordingPreferences_) {
+        defaults_ = std::make_unique<JsonFileDefaultsDomain>(
+            JsonFileDefaultsDomain::pathFor(paths_), [this] { return platform_.wallClock.now(); });
+        preferences_ = std::make_unique<PreferencesStore>(*defaults_);
+        recordingPreferences_ = std::make_unique<PreferencesForRecording>(*preferences_);
+    }
+    return *recordingPreferences_;
+}
+
+SessionHistory& HistoryEnvironment::history(std::ostream& warnings) {
+    if (!history_) {
+        history_ =
+            std::make_unique<SessionHistory>(SessionHistoryDependencies{*store_,
+                                                                        rules(warnings),
+                                                                        recordingPreferences(),
+                                                                        platform_.monotonicClock,
+                                                                        platform_.wallClock,
+                                                                        {}});
+        if (auto upToDate = history_->bringTotalsUpToDate(); !upToDate.ok()) {
+            warnings << upToDate.error().message() << '\n';
+        }
+    }
+    return *history_;
+}
+
 SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
     if (manager_) {
         return *manager_;
     }
-    defaults_ = std::make_unique<JsonFileDefaultsDomain>(
-        JsonFileDefaultsDomain::pathFor(paths_), [this] { return platform_.wallClock.now(); });
-    preferences_ = std::make_unique<PreferencesStore>(*defaults_);
-    recordingPreferences_ = std::make_unique<PreferencesForRecording>(*preferences_);
-    // The manager loads the rules itself as it starts up.
-    rulesLoaded_ = true;
+    SessionHistory& sessions = history(warnings);
     manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
-        *store_, *recordingPreferences_, platform_.idleTime, platform_.monotonicClock,
+        *store_, recordingPreferences(), platform_.idleTime, platform_.monotonicClock,
         platform_.wallClock, platform_.frontmostApplication, platform_.notifications,
-        platform_.browserTracking, *checkpoints_, *rules_});
+        platform_.browserTracking, *checkpoints_, *rules_, sessions});
     manager_->startUp();
     if (const auto& problem = manager_->lastError()) {
         warnings << *problem << '\n';

@@ -37,7 +37,6 @@ enum class HistoryCommandFailure {
     sessionIdMalformed,  // {id}
     sessionIdUnknown,    // {id}
     sessionIdAmbiguous,  // {id}
-    editWhileActive,
     resetNotConfirmed,
 };
 
@@ -78,6 +77,10 @@ class HistoryEnvironment {
     // not be loaded is written to `warnings`.
     ClassificationRules& rules(std::ostream& warnings);
 
+    // The history, built on first use with the stored totals brought up to
+    // date (as the application does at launch); problems go to `warnings`.
+    SessionHistory& history(std::ostream& warnings);
+
     // Whether the store holds a running or paused session.
     Result<bool, StoreError> holdsLiveSession();
 
@@ -91,6 +94,7 @@ class HistoryEnvironment {
   private:
     HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,
                        CheckpointAccess access);
+    RecordingPreferences& recordingPreferences();
 
     UserPaths paths_;
     std::unique_ptr<RecordingStore> store_;
@@ -105,6 +109,7 @@ class HistoryEnvironment {
     std::unique_ptr<PreferencesForRecording> recordingPreferences_;
     std::unique_ptr<ClassificationRules> rules_;
     bool rulesLoaded_ = false;
+    std::unique_ptr<SessionHistory> history_;
     std::unique_ptr<SessionManager> manager_;
 };
 

@@ -110,7 +110,7 @@ void runRelabel(CliContext& context, const RelabelArguments& arguments) {
         return;
     }
     if ((*loaded)->isLive()) {
-        context.refuse(historyCommandFailureMessage(HistoryCommandFailure::editWhileActive));
+        context.refuse(sessionFailureMessage(SessionFailure::editWhileActive));
         return;
     }
     const Date start = (*loaded)->startDate;
@@ -126,8 +126,8 @@ void runRelabel(CliContext& context, const RelabelArguments& arguments) {
     } else if (arguments.state == "break") {
         state = ConfirmedStudyState::confirmedBreak;
     }
-    SessionManager& manager = environment->manager(context.err);
-    auto edited = manager.relabel(*id, *from, *to, state);
+    auto edited = environment->history(context.err)
+                      .relabel(*id, *from, *to, state, ConfirmedStudyStateSource::replayEdit);
     if (!edited.ok()) {
         context.refuse(edited.error());
         return;

@@ -56,8 +56,8 @@ bool noLiveSession(HistoryEnvironment& environment, CliContext& context, Session
 }
 
 // Reports a refused manager operation with the sentence the manager chose.
-void refuseFromManager(CliContext& context, const SessionManager& manager, SessionFailure failure) {
-    context.refuse(manager.lastError().value_or(sessionFailureMessage(failure)));
+void refuseWith(CliContext& context, const SessionError& error) {
+    context.refuse(error.message());
 }
 
 std::optional<StudySession> loadResolved(HistoryEnvironment& environment, CliContext& context,
@@ -163,17 +163,13 @@ void installEdit(CLI::App& app, CliContext& context) {
         if (!session) {
             return;
         }
-        if (session->isLive()) {
-            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::editWhileActive));
-            return;
-        }
-        SessionManager& manager = environment->manager(context.err);
         const auto edited =
-            manager.editSession(session->id, options->subject.value_or(session->subject),
-                                options->goal.value_or(session->goal),
-                                options->notes ? options->notes : session->notes());
+            environment->history(context.err)
+                .editSession(session->id, options->subject.value_or(session->subject),
+                             options->goal.value_or(session->goal),
+                             options->notes ? options->notes : session->notes());
         if (!edited.ok()) {
-            refuseFromManager(context, manager, edited.error());
+            refuseWith(context, edited.error());
             return;
         }
         context.out << fmt::format("Session {} updated.\n", session->id.upperString());
@@ -202,9 +198,8 @@ void deleteSelected(HistoryEnvironment& environment, CliContext& context,
     if (!noLiveSession(environment, context, SessionFailure::deleteWhileActive)) {
         return;
     }
-    SessionManager& manager = environment.manager(context.err);
-    if (auto deleted = manager.deleteSessions(ids); !deleted.ok()) {
-        refuseFromManager(context, manager, deleted.error());
+    if (auto deleted = environment.history(context.err).deleteSessions(ids); !deleted.ok()) {
+        refuseWith(context, deleted.error());
         return;
     }
     context.out << countText(ids.size(), "session", "sessions") << " deleted.\n";
@@ -220,9 +215,8 @@ void deleteEverySession(HistoryEnvironment& environment, CliContext& context) {
                                                     count.error().description));
         return;
     }
-    SessionManager& manager = environment.manager(context.err);
-    if (auto deleted = manager.deleteAllSessions(); !deleted.ok()) {
-        refuseFromManager(context, manager, deleted.error());
+    if (auto deleted = environment.history(context.err).deleteAllSessions(); !deleted.ok()) {
+        refuseWith(context, deleted.error());
         return;
     }
     context.out << countText(*count, "session", "sessions") << " deleted.\n";
@@ -298,9 +292,8 @@ void installReset(CLI::App& app, CliContext& context) {
         if (!counts) {
             return;
         }
-        SessionManager& manager = environment->manager(context.err);
-        if (auto reset = manager.resetAllData(); !reset.ok()) {
-            refuseFromManager(context, manager, reset.error());
+        if (auto reset = environment->history(context.err).resetAllData(); !reset.ok()) {
+            refuseWith(context, reset.error());
             return;
         }
         context.out << "Lumenote was reset.\n"

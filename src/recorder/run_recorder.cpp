@@ -136,9 +136,11 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
 
     ClassificationRules rules(
         **store, [&wallClock] { return wallClock.now(); }, kOwnBundleIdentifier);
-    SessionManager manager(SessionManagerDependencies{**store, recordingPreferences, *idle,
-                                                      monotonicClock, wallClock, *frontmost,
-                                                      notifications, browser, checkpoints, rules});
+    SessionHistory history(SessionHistoryDependencies{
+        **store, rules, recordingPreferences, monotonicClock, wallClock, {}});
+    SessionManager manager(SessionManagerDependencies{
+        **store, recordingPreferences, *idle, monotonicClock, wallClock, *frontmost, notifications,
+        browser, checkpoints, rules, history});
     manager.startUp();
     if (const auto& problem = manager.lastError()) {
         err << *problem << '\n';

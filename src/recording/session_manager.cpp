@@ -18,7 +18,8 @@ SessionManager::SessionManager(SessionManagerDependencies dependencies)
       notificationService_(dependencies.notificationService),
       browserTrackingCoordinator_(dependencies.browserTrackingCoordinator),
       checkpointStore_(dependencies.checkpointStore),
-      rules_(dependencies.rules) {
+      rules_(dependencies.rules),
+      history_(dependencies.history) {
     persistenceSaveOperation = [this](const StoreChangeSet& changes) {
         return store_.apply(changes);
     };
@@ -223,7 +224,7 @@ Result<void, SessionFailure> SessionManager::endAsInterrupted() {
 
 void SessionManager::tick() {
     const TrackingInstant instant = nowInstant();
-    expireDeletionUndo(instant.monotonicTime);
+    history_.tick();
     if (!activeSession_) {
         if (!pendingChanges_.empty()) {
             save(pendingChanges_.durable);

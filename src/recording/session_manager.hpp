@@ -17,8 +17,9 @@
 // - Segments are written when they close; the growing open segment and the
 //   session's timer are written every kSaveCadenceTicks ticks. A failed save
 //   keeps the unsaved changes and retries them at the next save.
-// - The deletion undo offer lasts kDeletionUndoSeconds on the monotonic clock,
-//   checked by tick().
+// - History (editing, deleting with undo, resetting) and the classification
+//   rules are services of their own that the manager shares with the front
+//   ends; tick() also ends the history's undo offer when its time is up.
 #pragma once
 
 #include <functional>
@@ -37,6 +38,7 @@
 #include "recording/recording_preferences.hpp"
 #include "recording/recording_store.hpp"
 #include "recording/session_checkpoint_store.hpp"
+#include "recording/session_history.hpp"
 #include "recording/session_messages.hpp"
 #include "recording/session_records.hpp"
 #include "recording/study_state_edit.hpp"
@@ -56,14 +58,8 @@ inline constexpr const char* kLongSleepPauseNotice =
 inline constexpr const char* kUnknownApplicationName = "Unknown application";
 // Ticks between saves of the growing open segment and the session's timer.
 inline constexpr int kSaveCadenceTicks = 60;
-inline constexpr double kDeletionUndoSeconds = 10.0;
 // The longest accepted planned duration: 24 hours.
 inline constexpr double kMaximumPlannedDuration = 86400.0;
-// The revision of derived totals this build computes; stored sessions carrying
-// another revision are recalculated at start-up. Revision 2: overlapping
-// confirmations count once.
-inline constexpr long long kDerivedTotalsRevision = 2;
-
 struct SessionStartRequest {
     std::string subject;
     std::string goal;
@@ -73,24 +69,12 @@ struct SessionStartRequest {
     std::optional<Uuid> templateID;
 };
 
-// A full copy of deleted sessions, enough to insert them again unchanged.
-struct SessionDeletionSnapshot {
-    StudySession session;  // with segments and confirmations
-    std::vector<LocalPDFIdentity> localPDFIdentities;
-};
-
-struct SessionDeletionBatch {
-    Uuid id;
-    std::vector<SessionDeletionSnapshot> snapshots;
-};
-
 // Observable fields; the change handler is told which one changed.
 enum class ObservedField {
     activeSession,
     currentActivity,  // name, bundle identifier, classification, inactivity
     currentPauseDuration,
     lastError,
-    sessionDeletionUndo,
     pendingPostSession,
     pendingNoInputPrompt,
     liveStudyState,
@@ -111,6 +95,10 @@ struct SessionManagerDependencies {
     // Shared with the front ends that change rules; its ownBundleIdentifier
     // is the one whose activity is ignored.
     ClassificationRules& rules;
+    // Shared with the front ends that change history; the manager ticks it,
+    // brings stored totals up to date at start-up and hands it study-state
+    // edits of finished sessions.
+    SessionHistory& history;
 };
 
 class SessionManager {
@@ -191,17 +179,6 @@ class SessionManager {
     Result<void, SessionFailure> endPassiveStudy();
     LiveStudyState liveStudyState() const;
 
-    // ---- history ----
-    Result<void, SessionFailure> editSession(const Uuid& id, const std::string& subject,
-                                             const std::string& goal,
-                                             const std::optional<std::string>& notes);
-    Result<void, SessionFailure> deleteSessions(const std::vector<Uuid>& ids);
-    Result<void, SessionFailure> undoSessionDeletion();
-    Result<void, SessionFailure> deleteAllSessions();
-    Result<void, SessionFailure> resetAllData();
-    // Recomputes the stored totals of every finished session under its own version.
-    Result<void, SessionFailure> recalculateStoredTotals();
-
     // ---- observable state ----
     const std::optional<StudySession>& activeSession() const { return activeSession_; }
     const std::string& currentApplicationName() const { return currentApplicationName_; }
@@ -210,10 +187,6 @@ class SessionManager {
     bool currentIsInactive() const { return currentIsInactive_; }
     double currentPauseDuration() const { return currentPauseDuration_; }
     const std::optional<std::string>& lastError() const { return lastError_; }
-    bool canUndoSessionDeletion() const { return pendingSessionDeletion_.has_value(); }
-    const std::optional<std::string>& sessionDeletionUndoDescription() const {
-        return sessionDeletionUndoDescription_;
-    }
     const std::optional<StudySession>& pendingPostSession() const { return pendingPostSession_; }
     bool pendingPostSessionAllowsCelebration() const {
         return pendingPostSessionAllowsCelebration_;
@@ -273,12 +246,15 @@ class SessionManager {
     void publishCurrent(const ActivityState& state);
     void completeTimerIfReached(TrackingInstant instant);
 
+    Result<StudyStateEdit, std::string> relabelActiveSession(
+        Date from, Date to, std::optional<ConfirmedStudyState> state,
+        ConfirmedStudyStateSource source);
+
     // persistence (session_manager_persistence.cpp)
     void queueSession();
     void queueOpenSegment(TrackingInstant instant);
     bool save(bool durable = false);
     void finishSession(TrackingInstant endInstant, double timerDuration, StudySessionStatus status);
-    void expireDeletionUndo(double monotonicNow);
 
     // away from the computer and no-input runs
     void closeLivePassiveStudy(Date at);
@@ -303,6 +279,7 @@ class SessionManager {
     BrowserTrackingCoordinator& browserTrackingCoordinator_;
     SessionCheckpointStore& checkpointStore_;
     ClassificationRules& rules_;
+    SessionHistory& history_;
     ObserverList<>::Token rulesObservation_ = 0;
 
     std::optional<StudySession> activeSession_;
@@ -312,7 +289,6 @@ class SessionManager {
     bool currentIsInactive_ = false;
     double currentPauseDuration_ = 0.0;
     std::optional<std::string> lastError_;
-    std::optional<std::string> sessionDeletionUndoDescription_;
     std::optional<StudySession> pendingPostSession_;
     bool pendingPostSessionAllowsCelebration_ = false;
     std::vector<std::string> pendingPostSessionPersonalBests_;
@@ -327,8 +303,6 @@ class SessionManager {
     std::optional<double> pauseAnchor_;
     int saveTick_ = 0;
     StoreChangeSet pendingChanges_;
-    std::optional<SessionDeletionBatch> pendingSessionDeletion_;
-    std::optional<double> deletionUndoDeadline_;
 
     bool isSleeping_ = false;
     std::optional<TrackingInstant> sleepStartedAt_;

@@ -1,6 +1,7 @@
 // Answers to the no-input question and relabelling of time without input, in
-// the running session or a finished one. Recorded activity stays as it is:
-// only confirmations are added and replaced ones are stamped superseded.
+// the running session or (through the history) a finished one. Recorded
+// activity stays as it is: only confirmations are added and replaced ones are
+// stamped superseded.
 #include "recording/session_manager.hpp"
 #include "recording/session_study_state_editor.hpp"
 
@@ -9,47 +10,41 @@ namespace lumenote {
 Result<StudyStateEdit, std::string> SessionManager::relabel(
     const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
     ConfirmedStudyStateSource source) {
-    const bool active = activeSession_ && activeSession_->id == sessionID;
-    std::optional<StudySession> session;
-    if (active) {
-        session = *activeSession_;
-        session->segments = sessionSegments_;
-        session->confirmedNoInputIntervals = sessionConfirmations_;
-    } else {
-        auto loaded = store_.loadSession(sessionID);
-        if (!loaded.ok()) {
-            report(sessionFailureMessage(SessionFailure::activityNotSaved,
-                                         loaded.error().description));
-            return fail(*lastError_);
-        }
-        session = std::move(*loaded);
+    auto outcome = activeSession_ && activeSession_->id == sessionID
+                       ? relabelActiveSession(from, to, state, source)
+                       : history_.relabel(sessionID, from, to, state, source);
+    if (!outcome.ok()) {
+        report(outcome.error());
+        return outcome;
     }
+    lastStudyStateEdit_ = *outcome;
+    publish(ObservedField::lastStudyStateEdit);
+    return outcome;
+}
+
+// The active session's confirmations live here until it ends: they are edited
+// in memory and the changes saved, the session's row staying the recorder's.
+Result<StudyStateEdit, std::string> SessionManager::relabelActiveSession(
+    Date from, Date to, std::optional<ConfirmedStudyState> state,
+    ConfirmedStudyStateSource source) {
+    StudySession session = *activeSession_;
+    session.segments = sessionSegments_;
+    session.confirmedNoInputIntervals = sessionConfirmations_;
     auto outcome =
         SessionStudyStateEditor::applyEdit(session, from, to, state, source, wallClock_.now());
     if (!outcome.ok()) {
-        report(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
-        return fail(*lastError_);
+        return fail(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
     }
     StoreChangeSet changes;
     changes.confirmedIntervals = outcome->superseded;
     changes.confirmedIntervals.insert(changes.confirmedIntervals.end(), outcome->inserted.begin(),
                                       outcome->inserted.end());
-    if (!active) {
-        StudySession row = outcome->session;
-        row.segments.clear();
-        row.confirmedNoInputIntervals.clear();
-        changes.sessions.push_back(std::move(row));
-    }
     if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
         // A failed save leaves the previous confirmations as they were.
-        report(sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description));
-        return fail(*lastError_);
+        return fail(
+            sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description));
     }
-    if (active) {
-        sessionConfirmations_ = outcome->session.confirmedNoInputIntervals;
-    }
-    lastStudyStateEdit_ = outcome->edit;
-    publish(ObservedField::lastStudyStateEdit);
+    sessionConfirmations_ = outcome->session.confirmedNoInputIntervals;
     return outcome->edit;
 }
 

@@ -57,6 +57,10 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
         case SessionFailure::recoveryPending:
             return "Lumenote found an unfinished session. Continue it or end it before starting "
                    "a new one.";
+        case SessionFailure::rulesNotCleared:
+            return std::string(detail);
+        case SessionFailure::editWhileActive:
+            return "End the active session before editing it.";
         case SessionFailure::endThereNotOffered:
             return "Ending the session there is offered only after a run of 45 minutes or more "
                    "without input.";

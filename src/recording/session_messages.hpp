@@ -32,10 +32,24 @@ enum class SessionFailure {
     noRecoverableSession,
     recoveryPending,     // a start while the recovery question is open
     endThereNotOffered,  // "end the session there" answered to a short run
+    editWhileActive,     // editing the session that is being recorded
+    rulesNotCleared,     // {error}: the rules' own sentence, as a reset reports it
 };
 
 // The sentence shown for `failure`; `detail` fills its {error} or limit.
 std::string sessionFailureMessage(SessionFailure failure, std::string_view detail = {});
+
+// A failure with what fills its sentence (a store error, a limit).
+struct SessionError {
+    SessionFailure failure;
+    std::string detail;
+
+    std::string message() const { return sessionFailureMessage(failure, detail); }
+    // An error is of the failure it names, whatever its detail.
+    friend bool operator==(const SessionError& error, SessionFailure failure) {
+        return error.failure == failure;
+    }
+};
 
 // Limits of the texts of a finished session, in characters (Unicode scalar values).
 inline constexpr std::size_t kSubjectCharacterLimit = 200;

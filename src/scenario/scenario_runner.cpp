@@ -87,13 +87,16 @@ class ScenarioMachine {
     void launch() {
         manager_.reset();
         rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
-        manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, checkpointStore_, *rules_));
+        history_ = std::make_unique<SessionHistory>(
+            machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+        manager_ = std::make_unique<SessionManager>(machine_.dependencies(
+            *store_, recordingPreferences_, checkpointStore_, *rules_, *history_));
         manager_->startUp();
         manager_->clearLastError();
     }
-    // A rule change that failed is shown as the application shows it.
-    void noteRuleOutcome(const Result<void, ClassificationError>& outcome) {
+    // A rule or history change that failed is shown as the application shows it.
+    template <typename Error>
+    void noteOutcome(const Result<void, Error>& outcome) {
         if (!outcome.ok()) {
             frontError_ = outcome.error().message();
         }
@@ -123,6 +126,7 @@ class ScenarioMachine {
     PreferencesForRecording recordingPreferences_;
     FileSessionCheckpointStore checkpointStore_;
     std::unique_ptr<ClassificationRules> rules_;
+    std::unique_ptr<SessionHistory> history_;
     std::unique_ptr<SessionManager> manager_;
     // The last failure of an operation the runner made outside the manager.
     std::optional<std::string> frontError_;
@@ -383,11 +387,11 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
             return fail(std::string("unknown classification"));
         }
         if (action == "classifyApp") {
-            noteRuleOutcome(rules_->saveApplicationClassification(
+            noteOutcome(rules_->saveApplicationClassification(
                 stringArgument(args, "bundle"), stringArgument(args, "name"), *classification));
         } else if (action == "classifyWebsite") {
-            noteRuleOutcome(rules_->saveWebsiteClassification(stringArgument(args, "hostname"),
-                                                              *classification));
+            noteOutcome(rules_->saveWebsiteClassification(stringArgument(args, "hostname"),
+                                                          *classification));
         } else if (action == "overrideApp") {
             rules_->setSessionApplicationOverride(stringArgument(args, "bundle"), *classification);
         } else {
@@ -430,11 +434,11 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
         if (!classification || !scope || !pdf) {
             return fail(std::string("classifyPdf needs a pdf id, a classification and a scope"));
         }
-        noteRuleOutcome(rules_->classifyLocalPDF(*pdf, *classification, *scope));
+        noteOutcome(rules_->classifyLocalPDF(*pdf, *classification, *scope));
         return {};
     }
     if (action == "clearFilenameLabels") {
-        noteRuleOutcome(rules_->clearFilenameDerivedPDFLabels());
+        noteOutcome(rules_->clearFilenameDerivedPDFLabels());
         return {};
     }
     if (action == "undoEdit") {
@@ -443,9 +447,9 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
     }
     if (action == "deleteSessions" || action == "undoDelete" || action == "deleteAll") {
         if (action == "undoDelete") {
-            (void)manager_->undoSessionDeletion();
+            noteOutcome(history_->undoSessionDeletion());
         } else if (action == "deleteAll") {
-            (void)manager_->deleteAllSessions();
+            noteOutcome(history_->deleteAllSessions());
         } else {
             std::vector<Uuid> ids;
             for (const auto& index : args.value("sessions", json::array())) {
@@ -453,7 +457,7 @@ Result<void, std::string> ScenarioMachine::perform(const ScriptStep& step,
                     ids.push_back(*id);
                 }
             }
-            (void)manager_->deleteSessions(ids);
+            noteOutcome(history_->deleteSessions(ids));
         }
         return {};
     }

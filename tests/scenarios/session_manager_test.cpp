@@ -31,6 +31,7 @@ class SessionManagerTest : public ::testing::Test {
     }
     void TearDown() override {
         manager_.reset();
+        history_.reset();
         rules_.reset();
         store_.reset();
     }
@@ -38,8 +39,10 @@ class SessionManagerTest : public ::testing::Test {
     void launch() {
         manager_.reset();
         rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
-        manager_ = std::make_unique<SessionManager>(
-            machine_.dependencies(*store_, recordingPreferences_, *checkpointStore_, *rules_));
+        history_ = std::make_unique<SessionHistory>(
+            machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+        manager_ = std::make_unique<SessionManager>(machine_.dependencies(
+            *store_, recordingPreferences_, *checkpointStore_, *rules_, *history_));
         manager_->startUp();
     }
     // The process ends without finishing its session: what is stored stays.
@@ -79,6 +82,7 @@ class SessionManagerTest : public ::testing::Test {
     PreferencesForRecording recordingPreferences_{preferences_};
     std::unique_ptr<SqliteRecordingStore> store_;
     std::unique_ptr<ClassificationRules> rules_;
+    std::unique_ptr<SessionHistory> history_;
     std::unique_ptr<SessionManager> manager_;
 };
 
@@ -210,14 +214,14 @@ TEST_F(SessionManagerTest, DeletionUndoOfferEndsAfterItsTime) {
     ASSERT_TRUE(manager_->start(request()).ok());
     tickFor(5);
     ASSERT_TRUE(manager_->end().ok());
-    ASSERT_TRUE(manager_->deleteSessions({stored()[0].id}).ok());
-    EXPECT_TRUE(manager_->canUndoSessionDeletion());
-    EXPECT_EQ(manager_->sessionDeletionUndoDescription(), "1 sessions deleted");
+    ASSERT_TRUE(history_->deleteSessions({stored()[0].id}).ok());
+    EXPECT_TRUE(history_->canUndoSessionDeletion());
+    EXPECT_EQ(history_->sessionDeletionUndoDescription(), "1 sessions deleted");
     tickFor(static_cast<int>(kDeletionUndoSeconds) - 1);
-    EXPECT_TRUE(manager_->canUndoSessionDeletion());
+    EXPECT_TRUE(history_->canUndoSessionDeletion());
     tickFor(1);
-    EXPECT_FALSE(manager_->canUndoSessionDeletion());
-    EXPECT_FALSE(manager_->undoSessionDeletion().ok());
+    EXPECT_FALSE(history_->canUndoSessionDeletion());
+    EXPECT_FALSE(history_->undoSessionDeletion().ok());
     EXPECT_TRUE(stored().empty());
 }
 
@@ -226,22 +230,22 @@ TEST_F(SessionManagerTest, EditingTrimsAndLimitsTheTexts) {
     ASSERT_TRUE(manager_->end().ok());
     const Uuid id = stored()[0].id;
     const std::string twoHundred(200, 's');
-    EXPECT_TRUE(manager_->editSession(id, "  " + twoHundred + "\n", " goal ", "  ").ok());
+    EXPECT_TRUE(history_->editSession(id, "  " + twoHundred + "\n", " goal ", "  ").ok());
     EXPECT_EQ(stored()[0].subject, twoHundred);
     EXPECT_EQ(stored()[0].goal, "goal");
     EXPECT_FALSE(stored()[0].notes());
-    EXPECT_EQ(manager_->editSession(id, twoHundred + "s", "", std::nullopt).error(),
-              SessionFailure::subjectTooLong);
-    EXPECT_EQ(manager_->lastError(), "Subject must be 200 characters or fewer.");
+    const auto tooLong = history_->editSession(id, twoHundred + "s", "", std::nullopt);
+    EXPECT_EQ(tooLong.error(), SessionFailure::subjectTooLong);
+    EXPECT_EQ(tooLong.error().message(), "Subject must be 200 characters or fewer.");
     // Characters, not bytes: 200 two-byte letters fit.
     std::string accented;
     for (int i = 0; i < 200; ++i) {
         accented += "é";
     }
-    EXPECT_TRUE(manager_->editSession(id, accented, "", std::nullopt).ok());
-    EXPECT_EQ(manager_->editSession(id, "   ", "", std::nullopt).error(),
+    EXPECT_TRUE(history_->editSession(id, accented, "", std::nullopt).ok());
+    EXPECT_EQ(history_->editSession(id, "   ", "", std::nullopt).error(),
               SessionFailure::subjectEmpty);
-    EXPECT_EQ(manager_->editSession(id, "x", std::string(501, 'g'), std::nullopt).error(),
+    EXPECT_EQ(history_->editSession(id, "x", std::string(501, 'g'), std::nullopt).error(),
               SessionFailure::goalTooLong);
     EXPECT_EQ(stored()[0].subject, accented);
 }
@@ -253,9 +257,9 @@ TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreference
                     .ok());
     preferences_.setInactivityThreshold(600);
     ASSERT_TRUE(manager_->start(request()).ok());
-    EXPECT_EQ(manager_->resetAllData().error(), SessionFailure::resetWhileActive);
+    EXPECT_EQ(history_->resetAllData().error(), SessionFailure::resetWhileActive);
     ASSERT_TRUE(manager_->end().ok());
-    ASSERT_TRUE(manager_->resetAllData().ok());
+    ASSERT_TRUE(history_->resetAllData().ok());
     EXPECT_TRUE(stored().empty());
     EXPECT_TRUE(store_->appClassifications()->empty());
     EXPECT_EQ(rules_->lookup().applicationClassification("org.example.Editor", "Editor"),

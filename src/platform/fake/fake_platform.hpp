@@ -114,14 +114,23 @@ struct FakeMachine {
     FakeMachine& operator=(const FakeMachine&) = delete;
 
     // The session manager's dependencies on this machine; the store, the
-    // preferences, the checkpoint store and the rules must outlive the manager.
+    // preferences, the checkpoint store, the rules and the history must
+    // outlive the manager.
     SessionManagerDependencies dependencies(RecordingStore& store,
                                             RecordingPreferences& preferences,
                                             SessionCheckpointStore& checkpoints,
-                                            ClassificationRules& rules) {
+                                            ClassificationRules& rules, SessionHistory& history) {
         return SessionManagerDependencies{
-            store,     preferences,   idle,    clock.monotonic(), clock.wall(),
-            frontmost, notifications, browser, checkpoints,       rules};
+            store,        preferences, idle,          clock.monotonic(),
+            clock.wall(), frontmost,   notifications, browser,
+            checkpoints,  rules,       history};
+    }
+    // The history over `store` on this machine's clocks.
+    SessionHistoryDependencies historyDependencies(RecordingStore& store,
+                                                   ClassificationRules& rules,
+                                                   RecordingPreferences& preferences) {
+        return SessionHistoryDependencies{store,        rules, preferences, clock.monotonic(),
+                                          clock.wall(), {}};
     }
     // Rules over `store` stamped with this machine's wall clock.
     ClassificationRules rulesFor(ClassificationRuleStore& store,
