@@ -34,11 +34,12 @@ RecorderHost::RecorderHost(Setup setup)
         connect(activationNotifier_.get(), &QSocketNotifier::activated, this,
                 &RecorderHost::onActivation);
     }
-    setup_.manager.setChangeHandler([this](ObservedField field) { noteChange(field); });
+    observation_ =
+        setup_.manager.observers().add([this](ObservedField field) { noteChange(field); });
 }
 
 RecorderHost::~RecorderHost() {
-    setup_.manager.setChangeHandler({});
+    setup_.manager.observers().remove(observation_);
 }
 
 bool RecorderHost::begin() {

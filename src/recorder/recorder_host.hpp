@@ -83,6 +83,7 @@ class RecorderHost final : public QObject, public RecorderCommandHandler {
     void stop(int status);
 
     Setup setup_;
+    ObserverList<ObservedField>::Token observation_ = 0;
     LocalCalendar calendar_;
     QTimer ticker_;
     std::unique_ptr<QSocketNotifier> keyNotifier_;

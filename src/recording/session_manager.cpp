@@ -47,9 +47,7 @@ double SessionManager::currentTimerValue() {
 }
 
 void SessionManager::publish(ObservedField field) {
-    if (changeHandler_) {
-        changeHandler_(field);
-    }
+    observers_.notify(field);
 }
 
 void SessionManager::report(std::string message) {

@@ -69,7 +69,7 @@ struct SessionStartRequest {
     std::optional<Uuid> templateID;
 };
 
-// Observable fields; the change handler is told which one changed.
+// Observable fields; observers are told which one changed.
 enum class ObservedField {
     activeSession,
     currentActivity,  // name, bundle identifier, classification, inactivity
@@ -205,9 +205,9 @@ class SessionManager {
     }
     void clearPendingPostSession();
     void clearLastError();
-    void setChangeHandler(std::function<void(ObservedField)> handler) {
-        changeHandler_ = std::move(handler);
-    }
+    // Told which observable field changed; any number may listen (a tray, a
+    // window, the command service), each removing itself with its token.
+    ObserverList<ObservedField>& observers() { return observers_; }
 
     // The timer value of the active session now: time counted while running.
     double currentTimerValue();
@@ -292,7 +292,7 @@ class SessionManager {
     std::optional<StudySession> pendingPostSession_;
     bool pendingPostSessionAllowsCelebration_ = false;
     std::vector<std::string> pendingPostSessionPersonalBests_;
-    std::function<void(ObservedField)> changeHandler_;
+    ObserverList<ObservedField> observers_;
 
     ActivityTimelineEngine timelineEngine_;
     std::vector<ActivitySegment> sessionSegments_;
