@@ -13,10 +13,27 @@ function(lumenote_apply_common target)
   endif()
 endfunction()
 
+# lumenote_record_module(FOLDER dependency...) writes the folder's declared
+# dependencies (the lumenote_ targets among them, by folder name) into the
+# module graph that the architecture test checks the includes against.
+function(lumenote_record_module folder)
+  set(modules "")
+  foreach(dependency IN LISTS ARGN)
+    if(dependency MATCHES "^lumenote_(.+)$")
+      string(REPLACE "platform_" "platform/" module "${CMAKE_MATCH_1}")
+      list(APPEND modules ${module})
+    endif()
+  endforeach()
+  list(JOIN modules "," joined)
+  string(REPLACE "platform_" "platform/" folder "${folder}")
+  set_property(GLOBAL APPEND PROPERTY LUMENOTE_MODULE_GRAPH "${folder}:${joined}")
+endfunction()
+
 # lumenote_module(NAME [DEPS target...]) builds lumenote_NAME from the .cpp files
 # of the current folder (not its subfolders).
 function(lumenote_module name)
   cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
+  lumenote_record_module(${name} ${ARG_DEPS})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
     # A folder whose code has not landed yet still names its target, so that

@@ -11,9 +11,9 @@
 #include <string_view>
 #include <unordered_map>
 
+#include "classification/classification_enumerations.hpp"
 #include "classification/classification_records.hpp"
 #include "foundation/uuid.hpp"
-#include "recording/enumerations.hpp"
 
 namespace lumenote {
 

@@ -5,10 +5,10 @@
 #include <optional>
 #include <string>
 
+#include "classification/classification_enumerations.hpp"
 #include "foundation/dates.hpp"
 #include "foundation/raw_enum.hpp"
 #include "foundation/uuid.hpp"
-#include "recording/enumerations.hpp"
 
 namespace lumenote {
 

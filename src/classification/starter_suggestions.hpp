@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "recording/enumerations.hpp"
+#include "classification/classification_enumerations.hpp"
 
 namespace lumenote {
 

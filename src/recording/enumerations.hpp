@@ -1,16 +1,17 @@
 // The small enumerations every part of the recorder speaks in, with the raw
-// text each case is stored and exchanged as.
+// text each case is stored and exchanged as. The classification and the PDF
+// label source belong to the classification rules and come from there.
 #pragma once
 
 #include <array>
 #include <string_view>
 #include <utility>
 
+#include "classification/classification_enumerations.hpp"
 #include "foundation/raw_enum.hpp"
 
 namespace lumenote {
 
-enum class ActivityClassification { focused, distracting, neutral, unclassified, ignored };
 enum class StudySessionStatus { running, paused, completed, interrupted };
 enum class SessionTimingMode { timer, openEnded };
 enum class StudySessionMode { computerBased, mixedStudy, offlineBookStudy };
@@ -27,28 +28,8 @@ enum class BrowserFallbackReason {
     paused,
     unknown
 };
-// How the label of a local PDF was obtained.
-enum class BrowserPDFLabelSource { filename, manual };
 // The state the running session is in right now; never stored.
 enum class LiveStudyState { computerActivity, passiveStudy, unconfirmedNoInput };
-
-template <>
-struct RawValues<ActivityClassification> {
-    using E = ActivityClassification;
-    static constexpr std::array<std::pair<E, std::string_view>, 5> entries{{
-        {E::focused, "focused"},
-        {E::distracting, "distracting"},
-        {E::neutral, "neutral"},
-        {E::unclassified, "unclassified"},
-        {E::ignored, "ignored"},
-    }};
-};
-
-// The class a stored text names; text of a later release reads as
-// unclassified, so an unknown value never counts as evidence or decides a rule.
-inline ActivityClassification classificationFromRawValue(std::string_view raw) {
-    return fromRawValue<ActivityClassification>(raw).value_or(ActivityClassification::unclassified);
-}
 
 template <>
 struct RawValues<StudySessionStatus> {
@@ -124,15 +105,6 @@ struct RawValues<BrowserFallbackReason> {
         {E::inactivity, "inactivity"},
         {E::paused, "paused"},
         {E::unknown, "unknown"},
-    }};
-};
-
-template <>
-struct RawValues<BrowserPDFLabelSource> {
-    using E = BrowserPDFLabelSource;
-    static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
-        {E::filename, "filename"},
-        {E::manual, "manual"},
     }};
 };
 
