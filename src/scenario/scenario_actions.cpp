@@ -139,10 +139,14 @@ ActionResult answerPrompt(const ActionCall& call) {
 
 // The machine: what the user and the system do.
 
+// The machine's own events still happen while the recorder is down; a
+// relaunched recorder finds the application that is frontmost by then.
 ActionResult bringToFront(const ActionCall& call) {
     call.machine.platform().frontmost.current = FrontmostApplication{
         stringArgument(call.arguments(), "name"), stringArgument(call.arguments(), "bundle")};
-    call.recorder().applicationActivated();
+    if (SessionManager* recorder = call.machine.recorder()) {
+        recorder->applicationActivated();
+    }
     return {};
 }
 
