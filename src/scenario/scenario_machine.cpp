@@ -1,0 +1,83 @@
+#include "scenario/scenario_machine.hpp"
+
+#include "recording/session_json.hpp"
+
+namespace lumenote::scenario {
+
+ScenarioMachine::ScenarioMachine(const UserPaths& paths, Date wallStart,
+                                 std::unique_ptr<RecordingStore> store)
+    : machine_(wallStart),
+      store_(std::move(store)),
+      domain_(JsonFileDefaultsDomain::pathFor(paths), [this] { return machine_.clock.wallNow(); }),
+      preferences_(domain_),
+      recordingPreferences_(preferences_),
+      checkpointStore_(paths.applicationData(), machine_.clock.wall()) {
+    launch();
+}
+
+void ScenarioMachine::advanceTo(double scriptSeconds) {
+    while (elapsed_ + 1.0 <= scriptSeconds + 1e-9) {
+        machine_.clock.advance(1.0);
+        elapsed_ += 1.0;
+        if (manager_) {
+            manager_->tick();
+        }
+    }
+    if (scriptSeconds > elapsed_) {
+        machine_.clock.advance(scriptSeconds - elapsed_);
+        elapsed_ = scriptSeconds;
+    }
+}
+
+void ScenarioMachine::launch() {
+    rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
+    history_ = std::make_unique<SessionHistory>(
+        machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+    manager_ = std::make_unique<SessionManager>(machine_.dependencies(
+        *store_, recordingPreferences_, checkpointStore_, *rules_, *history_));
+    manager_->startUp();
+    manager_->clearLastError();
+}
+
+std::optional<std::string> ScenarioMachine::takeShownError() {
+    std::optional<std::string> shown = frontError_;
+    frontError_.reset();
+    if (manager_) {
+        if (!shown) {
+            shown = manager_->lastError();
+        }
+        manager_->clearLastError();
+    }
+    return shown;
+}
+
+void ScenarioMachine::relaunch() {
+    // The old recorder goes before the new one starts, as a restarted process would.
+    manager_.reset();
+    launch();
+}
+
+nlohmann::json ScenarioMachine::storedSessions() {
+    nlohmann::json sessions = nlohmann::json::array();
+    auto listed = store_->listSessions(SessionQuery{.newestFirst = false, .includeChildren = true});
+    if (listed.ok()) {
+        for (const auto& session : *listed) {
+            sessions.push_back(sessionJson(session, true));
+        }
+    }
+    return sessions;
+}
+
+std::optional<Uuid> ScenarioMachine::storedSessionAt(long long index) {
+    auto listed = store_->listSessions(SessionQuery{.newestFirst = false});
+    if (!listed.ok() || index < 0 || static_cast<std::size_t>(index) >= listed->size()) {
+        return std::nullopt;
+    }
+    return (*listed)[static_cast<std::size_t>(index)].id;
+}
+
+Date ScenarioMachine::dateAt(double scriptSeconds) const {
+    return machine_.clock.wallNow().addingSeconds(scriptSeconds - elapsed_);
+}
+
+}  // namespace lumenote::scenario

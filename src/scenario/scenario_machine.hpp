@@ -1,0 +1,96 @@
+// The simulated machine a scenario runs on: the fake platform, the real store
+// and preferences, and the recorder, which a script may crash and relaunch.
+#pragma once
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "foundation/dates.hpp"
+#include "foundation/user_paths.hpp"
+#include "foundation/uuid.hpp"
+#include "platform/fake/fake_platform.hpp"
+#include "recording/session_checkpoint_store.hpp"
+#include "recording/session_manager.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preferences_store.hpp"
+#include "settings/recording_preferences_adapter.hpp"
+
+namespace lumenote::scenario {
+
+class ScenarioMachine {
+  public:
+    // Owns `store` and launches the recorder over it. The preferences live
+    // under `paths.configHome`, the checkpoint under `paths.dataHome`; the
+    // wall clock starts at `wallStart`.
+    ScenarioMachine(const UserPaths& paths, Date wallStart, std::unique_ptr<RecordingStore> store);
+    ScenarioMachine(const ScenarioMachine&) = delete;
+    ScenarioMachine& operator=(const ScenarioMachine&) = delete;
+
+    // Moves the simulated clocks to `scriptSeconds` after the script's start,
+    // one second at a time, calling the recorder's tick() after each whole
+    // second as the host loop does; a fraction left over is added last.
+    void advanceTo(double scriptSeconds);
+
+    // The recorder; null between crash() and relaunch().
+    SessionManager* recorder() { return manager_.get(); }
+    // The process is gone: nothing is finalised; only the store and the
+    // checkpoint file remain.
+    void crash() { manager_.reset(); }
+    // Drops any running recorder (as crash() does), then starts a new one
+    // over the same store, preferences and checkpoint file, with the error its
+    // start-up may have left cleared.
+    void relaunch();
+
+    // The rules and the history the recorder was launched with (they start
+    // anew with it); they outlive a crash until the relaunch.
+    ClassificationRules& rules() { return *rules_; }
+    SessionHistory& history() { return *history_; }
+    // The failure of a rule or history change, shown as the application shows
+    // it; an "expectError" step reads it before the recorder's own last error.
+    template <typename Error>
+    void noteOutcome(const Result<void, Error>& outcome) {
+        if (!outcome.ok()) {
+            frontError_ = outcome.error().message();
+        }
+    }
+    // The error shown now, cleared as it is read.
+    std::optional<std::string> takeShownError();
+
+    fake::FakeMachine& platform() { return machine_; }
+    PreferencesStore& preferences() { return preferences_; }
+    RecordingStore& store() { return *store_; }
+
+    // Every stored session in start order, with children, segments and
+    // confirmations; an empty array when the store cannot list them.
+    nlohmann::json storedSessions();
+    // The identifier of the stored top-level session at `index` (from 0, in
+    // start order); nullopt when there is none.
+    std::optional<Uuid> storedSessionAt(long long index);
+    // The wall date of a moment of the script (seconds from its start),
+    // counted back from the wall clock's now.
+    Date dateAt(double scriptSeconds) const;
+
+    // The history a "snapshot" step kept for a later "expectSnapshot"; an
+    // empty array until then.
+    nlohmann::json& snapshot() { return snapshot_; }
+
+  private:
+    void launch();
+
+    fake::FakeMachine machine_;
+    std::unique_ptr<RecordingStore> store_;
+    JsonFileDefaultsDomain domain_;
+    PreferencesStore preferences_;
+    PreferencesForRecording recordingPreferences_;
+    FileSessionCheckpointStore checkpointStore_;
+    std::unique_ptr<ClassificationRules> rules_;
+    std::unique_ptr<SessionHistory> history_;
+    // Declared last so that it goes first: it writes through everything above.
+    std::unique_ptr<SessionManager> manager_;
+    std::optional<std::string> frontError_;
+    double elapsed_ = 0.0;
+    nlohmann::json snapshot_ = nlohmann::json::array();
+};
+
+}  // namespace lumenote::scenario
