@@ -11,14 +11,9 @@
 #include "foundation/result.hpp"
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
+#include "recording/store_error.hpp"
 
 namespace lumenote {
-
-// A store failure: the description is the underlying error's text, which the
-// callers embed in their own fixed messages ("... could not be saved: {error}").
-struct StoreError {
-    std::string description;
-};
 
 // Changes written together in one transaction: either all of them land or
 // none does. Upserts insert a record or replace the stored one with the same

@@ -3,6 +3,7 @@
 // database file.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -14,10 +15,17 @@
 
 namespace lumenote {
 
+// How a store's connection behaves; the defaults are the recorder's.
+struct SqliteStoreOptions {
+    // How long a write, or the first open of a new file, waits for another
+    // connection's write lock before failing with StoreErrorKind::busy.
+    std::chrono::milliseconds busyTimeout{5000};
+};
+
 // One connection, used from one thread (the recorder's). Other processes may
 // read the same file at the same time: the file is in WAL mode, so readers and
-// the one writer do not block each other, and a writer waits up to five
-// seconds for another writer's lock before failing.
+// the one writer do not block each other, and a writer waits for another
+// writer's lock (five seconds unless the options say otherwise) before failing.
 //
 // Durability: commits use synchronous=NORMAL, which in WAL mode survives a
 // crash of the process but may lose the last commits on a power cut. A change
@@ -31,8 +39,9 @@ class SqliteRecordingStore final : public RecordingStore {
     // (mode 0600) when absent, and brings its layout up to date. Fails when
     // the folder or file cannot be made, the file is not a SQLite database,
     // or it was written by a later release (its layout is then untouched).
+    // The error's kind tells these apart.
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> open(
-        const std::filesystem::path& path);
+        const std::filesystem::path& path, const SqliteStoreOptions& options = {});
     // A private store in memory, gone when the object ends.
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> openInMemory();
 
@@ -78,7 +87,7 @@ class SqliteRecordingStore final : public RecordingStore {
     explicit SqliteRecordingStore(std::unique_ptr<SqliteConnection> connection)
         : connection_(std::move(connection)) {}
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> prepare(
-        std::unique_ptr<SqliteConnection> connection);
+        std::unique_ptr<SqliteConnection> connection, const SqliteStoreOptions& options);
 
     Result<void, StoreError> applyInTransaction(const StoreChangeSet& changes);
     Result<void, StoreError> deleteByIds(const char* sql, const std::vector<Uuid>& ids);
