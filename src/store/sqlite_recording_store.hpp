@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "recording/recording_store.hpp"
+#include "recording/session_history_reader.hpp"
 #include "store/sqlite_connection.hpp"
 
 namespace lumenote {
@@ -33,7 +34,7 @@ struct SqliteStoreOptions {
 // the transaction and restored just after), so that the WAL is synced before
 // apply() returns; no checkpoint is forced, as a synced WAL is already
 // durable.
-class SqliteRecordingStore final : public RecordingStore {
+class SqliteRecordingStore final : public RecordingStore, public SessionHistoryReader {
   public:
     // Opens the store at `path`, creating its folder (mode 0700) and the file
     // (mode 0600) when absent, and brings its layout up to date. Fails when
@@ -59,6 +60,21 @@ class SqliteRecordingStore final : public RecordingStore {
     Result<std::vector<StudySession>, StoreError> liveSessions() override;
     Result<std::size_t, StoreError> sessionCount() override;
     Result<void, StoreError> deleteAllSessions() override;
+
+    // Walks hold one read transaction from their first row to their end, so
+    // they see one consistent history even while another process records;
+    // until a walk ends, that process's write-ahead log cannot be folded back
+    // past the walk's snapshot and keeps growing. A visitor may call this
+    // store's reads; a write from inside a walk may fail as busy and may or
+    // may not be visited. Each walk prepares its own statements, parsed once
+    // per walk.
+    Result<void, StoreError> forEachSession(const SessionWalkQuery& query,
+                                            const SessionVisitor& visitor) override;
+    // Reads one session row per selected session and one segment row per
+    // visit; sessions outside `query.sessions` are skipped by id before their
+    // row is decoded.
+    Result<void, StoreError> forEachSegment(const SegmentWalkQuery& query,
+                                            const SegmentVisitor& visitor) override;
 
     // Rules come ordered by their key.
     Result<std::vector<AppClassification>, StoreError> appClassifications() override;
@@ -95,6 +111,9 @@ class SqliteRecordingStore final : public RecordingStore {
     Result<std::vector<StudySession>, StoreError> readSessions(StatementLoan& statement,
                                                                bool includeChildren);
     Result<void, StoreError> execute(const std::string& sql);
+    // The sessions of `range` in walk order, ready to step.
+    Result<std::unique_ptr<SqliteStatement>, StoreError> prepareSessionWalk(
+        const SessionRange& range);
 
     std::unique_ptr<SqliteConnection> connection_;
 };

@@ -130,6 +130,13 @@ TEST_F(StoreErrorsTest, EveryWriteIsBusyWhileAnotherConnectionHoldsTheWriteLock)
     auto count = store->sessionCount();
     ASSERT_TRUE(count.ok()) << count.error().description;
     EXPECT_EQ(*count, 1u);
+    int visits = 0;
+    auto walked = store->forEachSession({.includeChildren = true}, [&](const StudySession&) {
+        ++visits;
+        return true;
+    });
+    ASSERT_TRUE(walked.ok()) << walked.error().description;
+    EXPECT_EQ(visits, 1);
 
     // Once the lock is released the same store writes again: no failed
     // attempt left a transaction or the durable setting behind.
@@ -209,6 +216,25 @@ TEST_F(StoreErrorsTest, ADamagedTableIsCorruptWhenReadWhileTheRestStillReads) {
     auto loaded = store->loadSession(uuidNumbered(1));
     ASSERT_FALSE(loaded.ok());
     EXPECT_EQ(loaded.error().kind, StoreErrorKind::corrupt) << loaded.error().description;
+
+    // Walks fail the same way, and only where they reach the damage.
+    int visits = 0;
+    const auto countSession = [&](const StudySession&) {
+        ++visits;
+        return true;
+    };
+    EXPECT_TRUE(store->forEachSession({}, countSession));
+    EXPECT_EQ(visits, 1);
+    auto withChildren = store->forEachSession({.includeChildren = true}, countSession);
+    ASSERT_FALSE(withChildren.ok());
+    EXPECT_EQ(withChildren.error().kind, StoreErrorKind::corrupt);
+    auto segments = store->forEachSegment({}, [&](const StudySession&, const ActivitySegment&) {
+        ++visits;
+        return true;
+    });
+    ASSERT_FALSE(segments.ok());
+    EXPECT_EQ(segments.error().kind, StoreErrorKind::corrupt) << segments.error().description;
+    EXPECT_EQ(visits, 1);
 }
 
 // ---- full -----------------------------------------------------------------
