@@ -67,7 +67,7 @@ class SqliteHistoryWalkTest : public TemporaryFolderTest {
     //   session 4                     41                   |        42
     //
     // Sessions 1 and 2 start together (id order decides); segments 11 and 12
-    // start together too. Session 4's first segment starts before those of
+    // start together too, and 12 is stored first. Session 4's first segment starts before those of
     // sessions 1 and 2, yet comes after them: sessions order the walk.
     void storeFourSessions() {
         StoreChangeSet changes;
