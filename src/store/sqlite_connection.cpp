@@ -3,19 +3,48 @@
 #include <sqlite3.h>
 
 #include <cassert>
+#include <cerrno>
 
 namespace lumenote {
 
 namespace {
 
 StoreError errorOf(sqlite3* database, int code) {
+    const int systemErrno = database != nullptr ? sqlite3_system_errno(database) : 0;
     if (database != nullptr && sqlite3_errcode(database) == code) {
-        return StoreError{sqlite3_errmsg(database)};
+        return StoreError{sqlite3_errmsg(database), storeErrorKind(code, systemErrno)};
     }
-    return StoreError{sqlite3_errstr(code)};
+    return StoreError{sqlite3_errstr(code), storeErrorKind(code, systemErrno)};
 }
 
 }  // namespace
+
+StoreErrorKind storeErrorKindOfSystemError(int systemErrno) {
+    return systemErrno == ENOSPC || systemErrno == EDQUOT ? StoreErrorKind::full
+                                                          : StoreErrorKind::other;
+}
+
+StoreErrorKind storeErrorKind(int code, int systemErrno) {
+    switch (code & 0xff) {
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return StoreErrorKind::busy;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+            return StoreErrorKind::corrupt;
+        case SQLITE_FULL:
+            return StoreErrorKind::full;
+        case SQLITE_IOERR:
+            // A file that ends short of what its pages promise: its contents
+            // are damaged, whatever the file system says.
+            if (code == SQLITE_IOERR_CORRUPTFS) {
+                return StoreErrorKind::corrupt;
+            }
+            return storeErrorKindOfSystemError(systemErrno);
+        default:
+            return StoreErrorKind::other;
+    }
+}
 
 SqliteStatement::~SqliteStatement() {
     sqlite3_finalize(statement_);
@@ -62,7 +91,7 @@ Result<bool, StoreError> SqliteStatement::step() {
     if (bindError_ != 0) {
         const int code = bindError_;
         bindError_ = 0;
-        return fail(StoreError{sqlite3_errstr(code)});
+        return fail(StoreError{sqlite3_errstr(code), storeErrorKind(code)});
     }
     const int code = sqlite3_step(statement_);
     if (code == SQLITE_ROW) {
@@ -197,6 +226,17 @@ Result<StatementLoan, StoreError> SqliteConnection::cached(const std::string& sq
     return StatementLoan(*found->second);
 }
 
+Result<std::unique_ptr<SqliteStatement>, StoreError> SqliteConnection::prepare(
+    std::string_view sql) {
+    sqlite3_stmt* statement = nullptr;
+    const int code = sqlite3_prepare_v3(database_, sql.data(), static_cast<int>(sql.size()), 0,
+                                        &statement, nullptr);
+    if (code != SQLITE_OK) {
+        return fail(errorOf(database_, code));
+    }
+    return std::make_unique<SqliteStatement>(database_, statement);
+}
+
 Result<long long, StoreError> SqliteConnection::queryInteger(const std::string& sql) {
     auto statement = cached(sql);
     if (!statement) {
@@ -221,7 +261,8 @@ long long SqliteConnection::changes() const {
 }
 
 StoreError SqliteConnection::lastError() const {
-    return StoreError{sqlite3_errmsg(database_)};
+    return StoreError{sqlite3_errmsg(database_), storeErrorKind(sqlite3_extended_errcode(database_),
+                                                                sqlite3_system_errno(database_))};
 }
 
 Result<SqliteTransaction, StoreError> SqliteTransaction::beginImmediate(

@@ -18,6 +18,14 @@ struct sqlite3_stmt;
 
 namespace lumenote {
 
+// The kind of a failure with SQLite result code `code` (primary or extended).
+// `systemErrno` is the OS error of the I/O call that failed, if any: it tells
+// a full disk or quota behind a plain I/O error (a failed fsync or growth of
+// the shared-memory file reports SQLITE_IOERR, not SQLITE_FULL).
+StoreErrorKind storeErrorKind(int code, int systemErrno = 0);
+// The kind of a failed file call of the store's own (ENOSPC, EDQUOT: full).
+StoreErrorKind storeErrorKindOfSystemError(int systemErrno);
+
 // One prepared statement. Parameters are numbered from 1, result columns from
 // 0, as in SQLite. A failed bind (a text too large, no memory) is remembered
 // and reported by the next step(), so that binding code stays a flat list.
@@ -114,6 +122,10 @@ class SqliteConnection {
     // the connection: the hot paths (segment and session upserts) are parsed
     // once.
     Result<StatementLoan, StoreError> cached(const std::string& sql);
+    // A statement for `sql` owned by the caller and finalised when it ends
+    // (before the connection ends). Unlike cached ones, any number may be
+    // active at once, so a long read stays open while other calls run.
+    Result<std::unique_ptr<SqliteStatement>, StoreError> prepare(std::string_view sql);
     // Runs a query whose first row's first column is an integer.
     Result<long long, StoreError> queryInteger(const std::string& sql);
     // Sets how long a statement waits for another connection's lock, in
@@ -121,7 +133,7 @@ class SqliteConnection {
     void setBusyTimeout(int milliseconds);
     // Rows changed by the most recent INSERT, UPDATE or DELETE.
     long long changes() const;
-    // The connection's most recent error.
+    // The connection's most recent error, with its kind.
     StoreError lastError() const;
 
   private:

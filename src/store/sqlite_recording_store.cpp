@@ -17,8 +17,6 @@ namespace lumenote {
 
 namespace {
 
-constexpr int kBusyTimeoutMilliseconds = 5000;
-
 // Creates the database file owner-only before SQLite opens it: SQLite gives
 // its WAL and shared-memory files the mode of the database file.
 Result<void, StoreError> ensurePrivateFile(const std::filesystem::path& path) {
@@ -28,13 +26,16 @@ Result<void, StoreError> ensurePrivateFile(const std::filesystem::path& path) {
     }
     const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0) {
-        return fail(StoreError{path.string() + ": " + std::strerror(errno)});
+        const int error = errno;
+        return fail(StoreError{path.string() + ": " + std::strerror(error),
+                               storeErrorKindOfSystemError(error)});
     }
     const bool narrowed = ::fchmod(descriptor, 0600) == 0;
     const int error = errno;
     ::close(descriptor);
     if (!narrowed) {
-        return fail(StoreError{path.string() + ": " + std::strerror(error)});
+        return fail(StoreError{path.string() + ": " + std::strerror(error),
+                               storeErrorKindOfSystemError(error)});
     }
     return {};
 }
@@ -154,7 +155,7 @@ auto queryAll(SqliteConnection& connection, const std::string& sql, Read read)
 }  // namespace
 
 Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::open(
-    const std::filesystem::path& path) {
+    const std::filesystem::path& path, const SqliteStoreOptions& options) {
     if (auto file = ensurePrivateFile(path); !file) {
         return fail(file.error());
     }
@@ -162,7 +163,7 @@ Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::
     if (!connection) {
         return fail(connection.error());
     }
-    return prepare(std::move(*connection));
+    return prepare(std::move(*connection), options);
 }
 
 Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::openInMemory() {
@@ -170,12 +171,12 @@ Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::
     if (!connection) {
         return fail(connection.error());
     }
-    return prepare(std::move(*connection));
+    return prepare(std::move(*connection), SqliteStoreOptions{});
 }
 
 Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::prepare(
-    std::unique_ptr<SqliteConnection> connection) {
-    connection->setBusyTimeout(kBusyTimeoutMilliseconds);
+    std::unique_ptr<SqliteConnection> connection, const SqliteStoreOptions& options) {
+    connection->setBusyTimeout(static_cast<int>(options.busyTimeout.count()));
     // page_size takes effect only in a new file, before its first table. Small
     // pages keep each save small: a save rewrites whole pages (the session's,
     // the segment's and, for a new segment, its index entries), and reads at

@@ -3,6 +3,7 @@
 // database file.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -10,14 +11,22 @@
 #include <vector>
 
 #include "recording/recording_store.hpp"
+#include "recording/session_history_reader.hpp"
 #include "store/sqlite_connection.hpp"
 
 namespace lumenote {
 
+// How a store's connection behaves; the defaults are the recorder's.
+struct SqliteStoreOptions {
+    // How long a write, or the first open of a new file, waits for another
+    // connection's write lock before failing with StoreErrorKind::busy.
+    std::chrono::milliseconds busyTimeout{5000};
+};
+
 // One connection, used from one thread (the recorder's). Other processes may
 // read the same file at the same time: the file is in WAL mode, so readers and
-// the one writer do not block each other, and a writer waits up to five
-// seconds for another writer's lock before failing.
+// the one writer do not block each other, and a writer waits for another
+// writer's lock (five seconds unless the options say otherwise) before failing.
 //
 // Durability: commits use synchronous=NORMAL, which in WAL mode survives a
 // crash of the process but may lose the last commits on a power cut. A change
@@ -25,14 +34,15 @@ namespace lumenote {
 // the transaction and restored just after), so that the WAL is synced before
 // apply() returns; no checkpoint is forced, as a synced WAL is already
 // durable.
-class SqliteRecordingStore final : public RecordingStore {
+class SqliteRecordingStore final : public RecordingStore, public SessionHistoryReader {
   public:
     // Opens the store at `path`, creating its folder (mode 0700) and the file
     // (mode 0600) when absent, and brings its layout up to date. Fails when
     // the folder or file cannot be made, the file is not a SQLite database,
     // or it was written by a later release (its layout is then untouched).
+    // The error's kind tells these apart.
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> open(
-        const std::filesystem::path& path);
+        const std::filesystem::path& path, const SqliteStoreOptions& options = {});
     // A private store in memory, gone when the object ends.
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> openInMemory();
 
@@ -50,6 +60,21 @@ class SqliteRecordingStore final : public RecordingStore {
     Result<std::vector<StudySession>, StoreError> liveSessions() override;
     Result<std::size_t, StoreError> sessionCount() override;
     Result<void, StoreError> deleteAllSessions() override;
+
+    // Walks hold one read transaction from their first row to their end, so
+    // they see one consistent history even while another process records;
+    // until a walk ends, that process's write-ahead log cannot be folded back
+    // past the walk's snapshot and keeps growing. A visitor may call this
+    // store's reads; a write from inside a walk may fail as busy and may or
+    // may not be visited. Each walk prepares its own statements, parsed once
+    // per walk.
+    Result<void, StoreError> forEachSession(const SessionWalkQuery& query,
+                                            const SessionVisitor& visitor) override;
+    // Reads one session row per selected session and one segment row per
+    // visit; sessions outside `query.sessions` are skipped by id before their
+    // row is decoded.
+    Result<void, StoreError> forEachSegment(const SegmentWalkQuery& query,
+                                            const SegmentVisitor& visitor) override;
 
     // Rules come ordered by their key.
     Result<std::vector<AppClassification>, StoreError> appClassifications() override;
@@ -78,7 +103,7 @@ class SqliteRecordingStore final : public RecordingStore {
     explicit SqliteRecordingStore(std::unique_ptr<SqliteConnection> connection)
         : connection_(std::move(connection)) {}
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> prepare(
-        std::unique_ptr<SqliteConnection> connection);
+        std::unique_ptr<SqliteConnection> connection, const SqliteStoreOptions& options);
 
     Result<void, StoreError> applyInTransaction(const StoreChangeSet& changes);
     Result<void, StoreError> deleteByIds(const char* sql, const std::vector<Uuid>& ids);
@@ -86,6 +111,9 @@ class SqliteRecordingStore final : public RecordingStore {
     Result<std::vector<StudySession>, StoreError> readSessions(StatementLoan& statement,
                                                                bool includeChildren);
     Result<void, StoreError> execute(const std::string& sql);
+    // The sessions of `range` in walk order, ready to step.
+    Result<std::unique_ptr<SqliteStatement>, StoreError> prepareSessionWalk(
+        const SessionRange& range);
 
     std::unique_ptr<SqliteConnection> connection_;
 };

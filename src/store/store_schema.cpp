@@ -118,8 +118,9 @@ constexpr std::string_view kMigrationTable =
 
 StoreError newerLayout(long long recorded, long long known) {
     return StoreError{"the store was written by a newer version of Lumenote (schema version " +
-                      std::to_string(recorded) + "; this version reads up to " +
-                      std::to_string(known) + ")"};
+                          std::to_string(recorded) + "; this version reads up to " +
+                          std::to_string(known) + ")",
+                      StoreErrorKind::newerSchema};
 }
 
 }  // namespace
@@ -175,8 +176,11 @@ Result<void, StoreError> migrate(SqliteConnection& connection,
             continue;
         }
         if (auto applied = connection.execute(migration.sql); !applied) {
+            // The kind stays the cause's: a migration that ran out of disk
+            // space is a full store, not some other failure.
             return fail(StoreError{"schema migration " + std::to_string(migration.version) +
-                                   " failed: " + applied.error().description});
+                                       " failed: " + applied.error().description,
+                                   applied.error().kind});
         }
         auto record = connection.cached(
             "INSERT INTO schema_migrations (version, description) VALUES (?1, ?2)");

@@ -28,7 +28,8 @@ Result<long long, StoreError> recordedSchemaVersion(SqliteConnection& connection
 // Applies the migrations the file has not recorded yet, all of them in one
 // transaction that also records each one in `schema_migrations`; a failing
 // migration leaves the file as it was. A file recording a version above the
-// last of `migrations` (written by a later release) is refused untouched.
+// last of `migrations` (written by a later release) is refused untouched,
+// with the kind newerSchema.
 // The transaction is taken with BEGIN IMMEDIATE and the version read again
 // inside it, so that two processes opening a new file never migrate it twice.
 Result<void, StoreError> migrate(SqliteConnection& connection,

@@ -104,6 +104,7 @@ TEST_F(StoreSchemaTest, AFileFromALaterReleaseIsRefusedAndLeftUntouched) {
         "the store was written by a newer version of Lumenote (schema version " +
         std::to_string(later) + "; this version reads up to " + std::to_string(later - 1) + ")";
     EXPECT_EQ(refused.error().description, expected);
+    EXPECT_EQ(refused.error().kind, StoreErrorKind::newerSchema);
     EXPECT_EQ(
         storageOpenFailureMessage(refused.error()),
         "Local storage could not be opened (" + expected + "). No study activity was recorded.");
@@ -123,10 +124,11 @@ TEST_F(StoreSchemaTest, WhatIsNotAStoreIsRefusedWithItsReason) {
     const struct {
         std::filesystem::path path;
         const char* reason;
+        StoreErrorKind kind;
     } cases[] = {
-        {garbage, "file is not a database"},
-        {blockedFolder / "lumenote.sqlite", "could not be created"},
-        {folderAsFile, "Is a directory"},
+        {garbage, "file is not a database", StoreErrorKind::corrupt},
+        {blockedFolder / "lumenote.sqlite", "could not be created", StoreErrorKind::other},
+        {folderAsFile, "Is a directory", StoreErrorKind::other},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.path);
@@ -134,6 +136,7 @@ TEST_F(StoreSchemaTest, WhatIsNotAStoreIsRefusedWithItsReason) {
         ASSERT_FALSE(store.ok());
         EXPECT_NE(store.error().description.find(testCase.reason), std::string::npos)
             << store.error().description;
+        EXPECT_EQ(store.error().kind, testCase.kind) << store.error().description;
     }
     EXPECT_EQ(readBytes(garbage), bytes);
 }

@@ -7,12 +7,22 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "recording/session_records.hpp"
 #include "store/sqlite_recording_store.hpp"
+
+namespace lumenote {
+
+// Failure messages name the kind rather than its number.
+inline void PrintTo(StoreErrorKind kind, std::ostream* out) {
+    *out << rawValue(kind);
+}
+
+}  // namespace lumenote
 
 namespace lumenote::testing {
 
@@ -29,8 +39,9 @@ class TemporaryFolderTest : public ::testing::Test {
     std::filesystem::path storeFile() const { return folder_ / "Lumenote" / "lumenote.sqlite"; }
 
     std::unique_ptr<SqliteRecordingStore> openStore() { return openStore(storeFile()); }
-    std::unique_ptr<SqliteRecordingStore> openStore(const std::filesystem::path& file) {
-        auto store = SqliteRecordingStore::open(file);
+    std::unique_ptr<SqliteRecordingStore> openStore(const std::filesystem::path& file,
+                                                    const SqliteStoreOptions& options = {}) {
+        auto store = SqliteRecordingStore::open(file, options);
         EXPECT_TRUE(store.ok()) << (store.ok() ? "" : store.error().description);
         return store.ok() ? std::move(*store) : nullptr;
     }
