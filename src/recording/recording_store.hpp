@@ -13,7 +13,6 @@
 #include "foundation/store_error.hpp"
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
-#include "recording/store_error.hpp"
 
 namespace lumenote {
 

@@ -10,9 +10,9 @@
 
 #include "foundation/dates.hpp"
 #include "foundation/result.hpp"
+#include "foundation/store_error.hpp"
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
-#include "recording/store_error.hpp"
 
 namespace lumenote {
 

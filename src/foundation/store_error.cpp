@@ -1,4 +1,4 @@
-#include "recording/store_error.hpp"
+#include "foundation/store_error.hpp"
 
 namespace lumenote {
 
