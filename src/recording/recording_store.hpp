@@ -3,6 +3,7 @@
 // implementation lives in store/; tests may substitute their own.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,6 +40,10 @@ struct StoreChangeSet {
     // Adds `later` after this set's own changes (a later upsert of the same id wins).
     void append(const StoreChangeSet& later);
 };
+
+// How a service saves a change set: normally the store's apply(); a test or
+// the scenario runner may put a failing one in its place.
+using StoreSaveOperation = std::function<Result<void, StoreError>(const StoreChangeSet&)>;
 
 // Which sessions a listing returns.
 struct SessionQuery {

@@ -44,8 +44,6 @@ struct SessionDeletionBatch {
     std::vector<SessionDeletionSnapshot> snapshots;
 };
 
-using StoreSaveOperation = std::function<Result<void, StoreError>(const StoreChangeSet&)>;
-
 struct SessionHistoryDependencies {
     RecordingStore& store;
     ClassificationRules& rules;

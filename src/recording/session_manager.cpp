@@ -19,10 +19,13 @@ SessionManager::SessionManager(SessionManagerDependencies dependencies)
       browserTrackingCoordinator_(dependencies.browserTrackingCoordinator),
       checkpointStore_(dependencies.checkpointStore),
       rules_(dependencies.rules),
-      history_(dependencies.history) {
-    persistenceSaveOperation = [this](const StoreChangeSet& changes) {
-        return store_.apply(changes);
-    };
+      history_(dependencies.history),
+      persistenceSaveOperation_(std::move(dependencies.save)) {
+    if (!persistenceSaveOperation_) {
+        persistenceSaveOperation_ = [this](const StoreChangeSet& changes) {
+            return store_.apply(changes);
+        };
+    }
     // A rule or override chosen while recording applies from that moment.
     rulesObservation_ = rules_.changed().add([this] { applicationActivated(); });
 }
@@ -107,7 +110,7 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
 
     StoreChangeSet insert;
     insert.sessions.push_back(session);
-    if (auto saved = persistenceSaveOperation(insert); !saved.ok()) {
+    if (auto saved = persistenceSaveOperation_(insert); !saved.ok()) {
         // Nothing can be recorded without a store: refuse rather than record
         // a session that would vanish.
         reportFailure(SessionFailure::activityNotSaved, saved.error().description);

@@ -99,12 +99,12 @@ struct SessionManagerDependencies {
     // brings stored totals up to date at start-up and hands it study-state
     // edits of finished sessions.
     SessionHistory& history;
+    // How changes are saved; empty saves straight through the store.
+    StoreSaveOperation save;
 };
 
 class SessionManager {
   public:
-    using SaveOperation = std::function<Result<void, StoreError>(const StoreChangeSet&)>;
-
     explicit SessionManager(SessionManagerDependencies dependencies);
     ~SessionManager();
     SessionManager(const SessionManager&) = delete;
@@ -218,9 +218,6 @@ class SessionManager {
         return openPersistedSegment_;
     }
 
-    // Replaceable so that tests can make saving fail.
-    SaveOperation persistenceSaveOperation;
-
   private:
     TrackingInstant nowInstant();
     double timerValueAt(double monotonicTime) const;
@@ -280,6 +277,7 @@ class SessionManager {
     SessionCheckpointStore& checkpointStore_;
     ClassificationRules& rules_;
     SessionHistory& history_;
+    StoreSaveOperation persistenceSaveOperation_;
     ObserverList<>::Token rulesObservation_ = 0;
 
     std::optional<StudySession> activeSession_;

@@ -33,7 +33,7 @@ bool SessionManager::save(bool durable) {
         return true;
     }
     pendingChanges_.durable = pendingChanges_.durable || durable;
-    auto saved = persistenceSaveOperation(pendingChanges_);
+    auto saved = persistenceSaveOperation_(pendingChanges_);
     if (!saved.ok()) {
         // The unsaved changes stay queued and go out with the next save.
         reportFailure(SessionFailure::activityNotSaved, saved.error().description);

@@ -202,7 +202,7 @@ Result<void, SessionFailure> SessionManager::endRecoveredSession() {
     row.segments.clear();
     row.confirmedNoInputIntervals.clear();
     changes.sessions.push_back(std::move(row));
-    if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
+    if (auto saved = persistenceSaveOperation_(changes); !saved.ok()) {
         pendingRecoverySession_ = std::move(session);
         report(recoveryFailureMessage(RecoveryFailure::recoveryFailed, saved.error().description));
         return fail(SessionFailure::activityNotSaved);

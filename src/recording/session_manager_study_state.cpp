@@ -39,7 +39,7 @@ Result<StudyStateEdit, std::string> SessionManager::relabelActiveSession(
     changes.confirmedIntervals = outcome->superseded;
     changes.confirmedIntervals.insert(changes.confirmedIntervals.end(), outcome->inserted.begin(),
                                       outcome->inserted.end());
-    if (auto saved = persistenceSaveOperation(changes); !saved.ok()) {
+    if (auto saved = persistenceSaveOperation_(changes); !saved.ok()) {
         // A failed save leaves the previous confirmations as they were.
         return fail(
             sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description));

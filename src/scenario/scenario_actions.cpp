@@ -34,7 +34,6 @@ namespace {
 using ActionResult = Result<void, std::string>;
 
 // The message a save reports while saves are made to fail.
-constexpr const char* kInjectedSaveFailure = "disk I/O error (injected)";
 
 std::string stringArgument(const json& args, const char* key, std::string fallback = {}) {
     const auto found = args.find(key);
@@ -381,16 +380,7 @@ ActionResult deleteAll(const ActionCall& call) {
 }
 
 ActionResult failSaves(const ActionCall& call) {
-    if (call.arguments().value("enabled", true)) {
-        call.recorder().persistenceSaveOperation = [](const StoreChangeSet&) {
-            return Result<void, StoreError>(fail(StoreError{kInjectedSaveFailure}));
-        };
-    } else {
-        call.recorder().persistenceSaveOperation =
-            [&store = call.machine.store()](const StoreChangeSet& changes) {
-                return store.apply(changes);
-            };
-    }
+    call.machine.setFailingSaves(call.arguments().value("enabled", true));
     return {};
 }
 

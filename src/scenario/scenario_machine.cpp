@@ -31,10 +31,17 @@ void ScenarioMachine::advanceTo(double scriptSeconds) {
 
 void ScenarioMachine::launch() {
     rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
+    // Saves go through the store unless a "failSaves" step made them fail.
+    const StoreSaveOperation save = [this](const StoreChangeSet& changes) {
+        if (failingSaves_) {
+            return Result<void, StoreError>(fail(StoreError{kInjectedSaveFailure}));
+        }
+        return store_->apply(changes);
+    };
     history_ = std::make_unique<SessionHistory>(
-        machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+        machine_.historyDependencies(*store_, *rules_, recordingPreferences_, save));
     manager_ = std::make_unique<SessionManager>(machine_.dependencies(
-        *store_, recordingPreferences_, checkpointStore_, *rules_, *history_));
+        *store_, recordingPreferences_, checkpointStore_, *rules_, *history_, save));
     manager_->startUp();
     manager_->clearLastError();
 }

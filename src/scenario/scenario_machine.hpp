@@ -18,6 +18,9 @@
 
 namespace lumenote::scenario {
 
+// The store error of a save that a "failSaves" step made fail.
+inline constexpr const char* kInjectedSaveFailure = "disk I/O error (injected)";
+
 class ScenarioMachine {
   public:
     // Owns `store` and launches the recorder over it. The preferences live
@@ -57,6 +60,10 @@ class ScenarioMachine {
     // The error shown now, cleared as it is read.
     std::optional<std::string> takeShownError();
 
+    // While set, every save of the recorder and the history fails with
+    // kInjectedSaveFailure and changes nothing.
+    void setFailingSaves(bool failing) { failingSaves_ = failing; }
+
     fake::FakeMachine& platform() { return machine_; }
     PreferencesStore& preferences() { return preferences_; }
     RecordingStore& store() { return *store_; }
@@ -89,6 +96,7 @@ class ScenarioMachine {
     // Declared last so that it goes first: it writes through everything above.
     std::unique_ptr<SessionManager> manager_;
     std::optional<std::string> frontError_;
+    bool failingSaves_ = false;
     double elapsed_ = 0.0;
     nlohmann::json snapshot_ = nlohmann::json::array();
 };

@@ -119,18 +119,20 @@ struct FakeMachine {
     SessionManagerDependencies dependencies(RecordingStore& store,
                                             RecordingPreferences& preferences,
                                             SessionCheckpointStore& checkpoints,
-                                            ClassificationRules& rules, SessionHistory& history) {
+                                            ClassificationRules& rules, SessionHistory& history,
+                                            StoreSaveOperation save = {}) {
         return SessionManagerDependencies{
             store,        preferences, idle,          clock.monotonic(),
             clock.wall(), frontmost,   notifications, browser,
-            checkpoints,  rules,       history};
+            checkpoints,  rules,       history,       std::move(save)};
     }
     // The history over `store` on this machine's clocks.
     SessionHistoryDependencies historyDependencies(RecordingStore& store,
                                                    ClassificationRules& rules,
-                                                   RecordingPreferences& preferences) {
-        return SessionHistoryDependencies{store,        rules, preferences, clock.monotonic(),
-                                          clock.wall(), {}};
+                                                   RecordingPreferences& preferences,
+                                                   StoreSaveOperation save = {}) {
+        return SessionHistoryDependencies{store,        rules,          preferences, clock.monotonic(),
+                                          clock.wall(), std::move(save)};
     }
     // Rules over `store` stamped with this machine's wall clock.
     ClassificationRules rulesFor(ClassificationRuleStore& store,
