@@ -21,7 +21,7 @@
 #include "foundation/dates.hpp"
 #include "foundation/result.hpp"
 #include "foundation/user_paths.hpp"
-#include "recording/headless_platform.hpp"
+#include "platform/system/headless_platform.hpp"
 #include "recording/recording_store.hpp"
 #include "recording/session_checkpoint_store.hpp"
 #include "recording/session_manager.hpp"

@@ -5,6 +5,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/duration_argument.hpp"
+#include "platform/system/system_clocks.hpp"
 #include "recorder/recorder.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "settings/json_file_defaults_domain.hpp"

@@ -15,6 +15,7 @@
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
 #include "cli/session_text.hpp"
+#include "platform/system/system_clocks.hpp"
 #include "recording/session_json.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"

@@ -1,8 +1,7 @@
 // The clocks and the idle-time source the recorder reads, behind small
-// interfaces so that tests and other platforms can substitute them.
+// interfaces so that tests and other platforms can substitute them. The
+// system's own clocks are in platform/system.
 #pragma once
-
-#include <ctime>
 
 #include "foundation/dates.hpp"
 
@@ -28,23 +27,6 @@ class WallClock {
   public:
     virtual ~WallClock() = default;
     virtual Date now() = 0;
-};
-
-// CLOCK_BOOTTIME, which (unlike CLOCK_MONOTONIC and std::chrono::steady_clock
-// on Linux) keeps counting through suspend. Readings are seconds since the
-// provider was made.
-class SystemMonotonicTimeProvider final : public MonotonicTimeProvider {
-  public:
-    SystemMonotonicTimeProvider();
-    double now() override;
-
-  private:
-    timespec origin_{};
-};
-
-class SystemWallClock final : public WallClock {
-  public:
-    Date now() override;
 };
 
 }  // namespace lumenote

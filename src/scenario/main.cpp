@@ -5,6 +5,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "platform/system/system_clocks.hpp"
 #include "recording/time_providers.hpp"
 #include "scenario/scenario_runner.hpp"
 

@@ -25,9 +25,9 @@
 
 #include "foundation/dates.hpp"
 #include "foundation/observer_list.hpp"
+#include "insights/analytics_count_rule.hpp"
 #include "recording/enumerations.hpp"
 #include "recording/session_records.hpp"
-#include "settings/analytics_count_rule.hpp"
 #include "settings/defaults_domain.hpp"
 #include "settings/global_hotkey_binding.hpp"
 #include "settings/preference_enumerations.hpp"

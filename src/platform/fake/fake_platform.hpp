@@ -131,8 +131,8 @@ struct FakeMachine {
                                                    ClassificationRules& rules,
                                                    RecordingPreferences& preferences,
                                                    StoreSaveOperation save = {}) {
-        return SessionHistoryDependencies{store,        rules,          preferences, clock.monotonic(),
-                                          clock.wall(), std::move(save)};
+        return SessionHistoryDependencies{
+            store, rules, preferences, clock.monotonic(), clock.wall(), std::move(save)};
     }
     // Rules over `store` stamped with this machine's wall clock.
     ClassificationRules rulesFor(ClassificationRuleStore& store,

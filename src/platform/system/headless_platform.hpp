@@ -1,13 +1,13 @@
-// Platform services for a process that observes nothing: the command line
-// acting on stored history and rules builds a session manager over them, so
-// that its edits, deletions and rules follow the application's own code.
+// Platform services for a process that observes nothing (the command line
+// acting on stored history, or a recorder without a display): the real clocks
+// and no frontmost application, no idle time, no notifications.
 #pragma once
 
 #include <optional>
 #include <string>
 
+#include "platform/system/system_clocks.hpp"
 #include "recording/platform_services.hpp"
-#include "recording/time_providers.hpp"
 
 namespace lumenote {
 

@@ -1,4 +1,4 @@
-#include "recording/time_providers.hpp"
+#include "platform/system/system_clocks.hpp"
 
 #include <cassert>
 #include <chrono>

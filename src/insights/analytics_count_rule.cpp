@@ -1,4 +1,4 @@
-#include "settings/analytics_count_rule.hpp"
+#include "insights/analytics_count_rule.hpp"
 
 #include <cmath>
 
