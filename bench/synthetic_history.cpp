@@ -128,7 +128,7 @@ constexpr std::array<std::string_view, 8> kGoals{
     "Past paper 2019, timed",
 };
 
-constexpr std::array<std::string_view, 8> kPdfLabels{
+constexpr std::array<std::string_view, 8> kPDFLabels{
     "Lecture 07 - Eigenvalues.pdf",
     "Skript Thermodynamik.pdf",
     "exam-2019.pdf",
@@ -278,7 +278,7 @@ ActivitySegment HistoryWriter::nextSegment(const ActivitySegment* previous,
             LocalPDFIdentity identity;
             identity.id = uuid();
             identity.browserBundleIdentifier = browser.bundleIdentifier;
-            identity.displayLabelStorage = std::string(kPdfLabels[pick(kPdfLabels.size())]);
+            identity.displayLabelStorage = std::string(kPDFLabels[pick(kPDFLabels.size())]);
             identity.labelSourceRawValue = std::string(rawValue(
                 chance(0.8) ? BrowserPDFLabelSource::filename : BrowserPDFLabelSource::manual));
             identity.classificationRawValue = rawValue(chance(0.9) ? AC::focused : AC::neutral);
@@ -342,7 +342,7 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
         tab = uuid();
     }
     std::vector<LocalPDFIdentity> pdfs;
-    const bool readsPdfs = chance(0.15);
+    const bool readsPDFs = chance(0.15);
 
     Totals totals;
     Date cursor = start;
@@ -351,7 +351,7 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
         const ActivitySegment* previous =
             count == 0 ? nullptr : &changes.segments[firstSegment + count - 1];
         ActivitySegment segment = nextSegment(previous, session, browser, tabs, pdfs, cursor);
-        if (!readsPdfs && segment.activitySource() == ActivitySourceType::localPDF) {
+        if (!readsPDFs && segment.activitySource() == ActivitySourceType::localPDF) {
             segment.setActivitySource(ActivitySourceType::application);
             segment.applicationName = browser.name;
             segment.browserBundleIdentifier.reset();

@@ -28,10 +28,10 @@ class ClassificationRuleStore {
 
     virtual Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
         const std::optional<Uuid>& session) = 0;  // all when no session is given
-    virtual Result<void, StoreError> savePdfIdentity(const LocalPDFIdentity& identity) = 0;
+    virtual Result<void, StoreError> savePDFIdentity(const LocalPDFIdentity& identity) = 0;
     // Removes every label whose source is the filename; returns how many changed.
-    virtual Result<std::size_t, StoreError> clearFilenameDerivedPdfLabels() = 0;
-    virtual Result<void, StoreError> deleteAllPdfIdentities() = 0;
+    virtual Result<std::size_t, StoreError> clearFilenameDerivedPDFLabels() = 0;
+    virtual Result<void, StoreError> deleteAllPDFIdentities() = 0;
     virtual Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() = 0;
     virtual Result<void, StoreError> saveLocalPDFPreferences(
         const LocalPDFPreferences& preferences) = 0;

@@ -113,7 +113,7 @@ Result<void, ClassificationError> ClassificationRules::clearAll() {
     if (auto cleared = clearWebsiteClassifications(); !cleared.ok()) {
         return cleared;
     }
-    for (auto cleared : {store_.deleteAllPdfIdentities(), store_.deleteLocalPDFPreferences()}) {
+    for (auto cleared : {store_.deleteAllPDFIdentities(), store_.deleteLocalPDFPreferences()}) {
         if (!cleared.ok()) {
             return fail(storeFailure(ClassificationFailure::pdfRecordsNotCleared, cleared.error()));
         }
@@ -146,7 +146,7 @@ Result<void, ClassificationError> ClassificationRules::classifyLocalPDF(
         applyPDFScope(classification, scope, known->second, sessionIdentities, preferences);
     const std::string label = known->second.displayLabelStorage.value_or("this PDF");
     for (const LocalPDFIdentity& identity : changes.identities) {
-        if (auto saved = store_.savePdfIdentity(identity); !saved.ok()) {
+        if (auto saved = store_.savePDFIdentity(identity); !saved.ok()) {
             return fail(
                 storeFailure(ClassificationFailure::classificationNotSaved, saved.error(), label));
         }
@@ -172,7 +172,7 @@ Result<void, ClassificationError> ClassificationRules::classifyLocalPDF(
 }
 
 Result<void, ClassificationError> ClassificationRules::clearFilenameDerivedPDFLabels() {
-    if (auto cleared = store_.clearFilenameDerivedPdfLabels(); !cleared.ok()) {
+    if (auto cleared = store_.clearFilenameDerivedPDFLabels(); !cleared.ok()) {
         return fail(storeFailure(ClassificationFailure::filenameLabelsNotCleared, cleared.error()));
     }
     std::vector<LocalPDFIdentity> identities;

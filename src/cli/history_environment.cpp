@@ -14,14 +14,14 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::str
     switch (failure) {
         case HistoryCommandFailure::historyUnreadable:
             return fmt::format("Session history could not be read: {}", detail);
-        case HistoryCommandFailure::sessionIdMalformed:
+        case HistoryCommandFailure::sessionIDMalformed:
             return fmt::format(
                 "\"{}\" is not a session id. Give the whole id or at least its first {} hex "
                 "digits.",
-                detail, kMinimumSessionIdPrefixDigits);
-        case HistoryCommandFailure::sessionIdUnknown:
+                detail, kMinimumSessionIDPrefixDigits);
+        case HistoryCommandFailure::sessionIDUnknown:
             return fmt::format("No session has the id {}.", detail);
-        case HistoryCommandFailure::sessionIdAmbiguous:
+        case HistoryCommandFailure::sessionIDAmbiguous:
             return fmt::format("More than one session has an id starting with {}:", detail);
         case HistoryCommandFailure::resetNotConfirmed:
             return "Nothing was reset. To reset Lumenote, run: lumenote-cli reset --confirm RESET";
@@ -133,7 +133,7 @@ std::optional<std::string> hexDigits(std::string_view text) {
 
 }  // namespace
 
-Result<Uuid, std::string> HistoryEnvironment::resolveSessionId(std::string_view text) {
+Result<Uuid, std::string> HistoryEnvironment::resolveSessionID(std::string_view text) {
     const std::string given = text::trimmed(text);
     if (const auto whole = Uuid::parse(given)) {
         auto loaded = store_->loadSession(*whole);
@@ -143,13 +143,13 @@ Result<Uuid, std::string> HistoryEnvironment::resolveSessionId(std::string_view 
         }
         if (!loaded->has_value()) {
             return fail(
-                historyCommandFailureMessage(HistoryCommandFailure::sessionIdUnknown, given));
+                historyCommandFailureMessage(HistoryCommandFailure::sessionIDUnknown, given));
         }
         return *whole;
     }
     const auto prefix = hexDigits(given);
-    if (!prefix || prefix->size() < kMinimumSessionIdPrefixDigits || prefix->size() > 32) {
-        return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIdMalformed, given));
+    if (!prefix || prefix->size() < kMinimumSessionIDPrefixDigits || prefix->size() > 32) {
+        return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIDMalformed, given));
     }
     auto sessions = store_->listSessions(SessionQuery{});
     if (!sessions.ok()) {
@@ -163,11 +163,11 @@ Result<Uuid, std::string> HistoryEnvironment::resolveSessionId(std::string_view 
         }
     }
     if (matches.empty()) {
-        return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIdUnknown, given));
+        return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIDUnknown, given));
     }
     if (matches.size() > 1) {
         std::string message =
-            historyCommandFailureMessage(HistoryCommandFailure::sessionIdAmbiguous, given);
+            historyCommandFailureMessage(HistoryCommandFailure::sessionIDAmbiguous, given);
         for (const Uuid& id : matches) {
             message += "\n  " + id.upperString();
         }

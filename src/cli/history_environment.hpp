@@ -34,9 +34,9 @@ namespace lumenote::cli {
 // Refusals of the history commands that the recorder itself never makes.
 enum class HistoryCommandFailure {
     historyUnreadable,   // {error}: the store could not be read
-    sessionIdMalformed,  // {id}
-    sessionIdUnknown,    // {id}
-    sessionIdAmbiguous,  // {id}
+    sessionIDMalformed,  // {id}
+    sessionIDUnknown,    // {id}
+    sessionIDAmbiguous,  // {id}
     resetNotConfirmed,
 };
 
@@ -44,7 +44,7 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure,
                                          std::string_view detail = {});
 
 // The fewest hex digits a session-id prefix must have.
-inline constexpr std::size_t kMinimumSessionIdPrefixDigits = 8;
+inline constexpr std::size_t kMinimumSessionIDPrefixDigits = 8;
 
 // Whether the manager may use the recorder's recovery checkpoint. Only the
 // recovery command takes it, and only while no recorder runs (it holds the
@@ -85,11 +85,11 @@ class HistoryEnvironment {
     Result<bool, StoreError> holdsLiveSession();
 
     // The session named by `text`: a full id in either letter case, or a
-    // prefix of at least kMinimumSessionIdPrefixDigits hex digits (hyphens
+    // prefix of at least kMinimumSessionIDPrefixDigits hex digits (hyphens
     // ignored) that exactly one stored session starts with. Fails with the
     // message to show; an ambiguous prefix lists the sessions it matches,
     // newest first.
-    Result<Uuid, std::string> resolveSessionId(std::string_view text);
+    Result<Uuid, std::string> resolveSessionID(std::string_view text);
 
   private:
     HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,

@@ -99,7 +99,7 @@ void runRelabel(CliContext& context, const RelabelArguments& arguments) {
     if (!environment) {
         return;
     }
-    const auto id = environment->resolveSessionId(arguments.session);
+    const auto id = environment->resolveSessionID(arguments.session);
     if (!id.ok()) {
         context.refuse(id.error());
         return;

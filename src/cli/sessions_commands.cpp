@@ -63,7 +63,7 @@ void refuseWith(CliContext& context, const SessionError& error) {
 
 std::optional<StudySession> loadResolved(HistoryEnvironment& environment, CliContext& context,
                                          const std::string& idText) {
-    auto id = environment.resolveSessionId(idText);
+    auto id = environment.resolveSessionID(idText);
     if (!id.ok()) {
         context.refuse(id.error());
         return std::nullopt;
@@ -187,7 +187,7 @@ void deleteSelected(HistoryEnvironment& environment, CliContext& context,
     // Every id is resolved before anything is deleted: one bad id deletes nothing.
     std::vector<Uuid> ids;
     for (const std::string& text : idTexts) {
-        auto id = environment.resolveSessionId(text);
+        auto id = environment.resolveSessionID(text);
         if (!id.ok()) {
             context.refuse(id.error());
             return;

@@ -425,7 +425,7 @@ Result<std::vector<LocalPDFIdentity>, StoreError> SqliteRecordingStore::pdfIdent
     const std::optional<Uuid>& session) {
     if (!session) {
         return queryAll(*connection_, selectSql(pdfIdentityLayout(), "ORDER BY createdAt, id"),
-                        readPdfIdentity);
+                        readPDFIdentity);
     }
     auto statement = connection_->cached(
         selectSql(pdfIdentityLayout(), "WHERE session = ?1 ORDER BY createdAt, id"));
@@ -433,14 +433,14 @@ Result<std::vector<LocalPDFIdentity>, StoreError> SqliteRecordingStore::pdfIdent
         return fail(statement.error());
     }
     (*statement)->bind(1, *session);
-    return collect(*statement, readPdfIdentity);
+    return collect(*statement, readPDFIdentity);
 }
 
-Result<void, StoreError> SqliteRecordingStore::savePdfIdentity(const LocalPDFIdentity& identity) {
+Result<void, StoreError> SqliteRecordingStore::savePDFIdentity(const LocalPDFIdentity& identity) {
     return upsertOne(*connection_, pdfIdentityLayout(), identity);
 }
 
-Result<std::size_t, StoreError> SqliteRecordingStore::clearFilenameDerivedPdfLabels() {
+Result<std::size_t, StoreError> SqliteRecordingStore::clearFilenameDerivedPDFLabels() {
     const std::string_view filename = rawValue(BrowserPDFLabelSource::filename);
     auto transaction = SqliteTransaction::beginImmediate(*connection_);
     if (!transaction) {
@@ -476,14 +476,14 @@ Result<std::size_t, StoreError> SqliteRecordingStore::clearFilenameDerivedPdfLab
     return static_cast<std::size_t>(identitiesChanged);
 }
 
-Result<void, StoreError> SqliteRecordingStore::deleteAllPdfIdentities() {
+Result<void, StoreError> SqliteRecordingStore::deleteAllPDFIdentities() {
     return execute("DELETE FROM pdf_identities");
 }
 
 Result<std::optional<LocalPDFPreferences>, StoreError> SqliteRecordingStore::localPDFPreferences() {
     auto preferences =
-        queryAll(*connection_, selectSql(localPdfPreferencesLayout(), "ORDER BY rowid LIMIT 1"),
-                 readLocalPdfPreferences);
+        queryAll(*connection_, selectSql(localPDFPreferencesLayout(), "ORDER BY rowid LIMIT 1"),
+                 readLocalPDFPreferences);
     if (!preferences) {
         return fail(preferences.error());
     }
@@ -509,7 +509,7 @@ Result<void, StoreError> SqliteRecordingStore::saveLocalPDFPreferences(
             return deleted;
         }
     }
-    if (auto written = upsertOne(*connection_, localPdfPreferencesLayout(), preferences);
+    if (auto written = upsertOne(*connection_, localPDFPreferencesLayout(), preferences);
         !written) {
         return written;
     }

@@ -87,12 +87,12 @@ class SqliteRecordingStore final : public RecordingStore, public SessionHistoryR
     // Ordered by creation date, then id.
     Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
         const std::optional<Uuid>& session) override;
-    Result<void, StoreError> savePdfIdentity(const LocalPDFIdentity& identity) override;
+    Result<void, StoreError> savePDFIdentity(const LocalPDFIdentity& identity) override;
     // Clears the label and its source on every PDF identity whose label came
     // from the filename, and the copies of such labels on segments, so that no
     // file name stays in the history. Returns the number of identities changed.
-    Result<std::size_t, StoreError> clearFilenameDerivedPdfLabels() override;
-    Result<void, StoreError> deleteAllPdfIdentities() override;
+    Result<std::size_t, StoreError> clearFilenameDerivedPDFLabels() override;
+    Result<void, StoreError> deleteAllPDFIdentities() override;
     Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() override;
     // Keeps a single record: one saved under another id replaces it.
     Result<void, StoreError> saveLocalPDFPreferences(

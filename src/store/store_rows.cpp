@@ -124,7 +124,7 @@ const TableLayout& websiteClassificationLayout() {
     return layout;
 }
 
-const TableLayout& localPdfPreferencesLayout() {
+const TableLayout& localPDFPreferencesLayout() {
     static const TableLayout layout =
         makeLayout("local_pdf_preferences",
                    {"id", "filenameLabelsEnabled", "defaultClassificationRawValue"}, "id", {});
@@ -286,7 +286,7 @@ ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row) {
     return interval;
 }
 
-LocalPDFIdentity readPdfIdentity(const SqliteStatement& row) {
+LocalPDFIdentity readPDFIdentity(const SqliteStatement& row) {
     LocalPDFIdentity identity;
     identity.id = row.uuidAt(0);
     identity.browserBundleIdentifier = row.textAt(1);
@@ -306,7 +306,7 @@ WebsiteClassification readWebsiteClassification(const SqliteStatement& row) {
     return WebsiteClassification{row.textAt(0), row.textAt(1), row.dateAt(2)};
 }
 
-LocalPDFPreferences readLocalPdfPreferences(const SqliteStatement& row) {
+LocalPDFPreferences readLocalPDFPreferences(const SqliteStatement& row) {
     LocalPDFPreferences preferences;
     preferences.id = row.uuidAt(0);
     preferences.filenameLabelsEnabled = row.boolAt(1);

@@ -36,7 +36,7 @@ const TableLayout& confirmedIntervalLayout();
 const TableLayout& pdfIdentityLayout();
 const TableLayout& appClassificationLayout();
 const TableLayout& websiteClassificationLayout();
-const TableLayout& localPdfPreferencesLayout();
+const TableLayout& localPDFPreferencesLayout();
 
 // "SELECT <every column> FROM <table> " followed by `tail`.
 std::string selectSql(const TableLayout& layout, std::string_view tail);
@@ -57,9 +57,9 @@ void bindRow(SqliteStatement& statement, const LocalPDFPreferences& preferences)
 StudySession readSession(const SqliteStatement& row);
 ActivitySegment readSegment(const SqliteStatement& row);
 ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row);
-LocalPDFIdentity readPdfIdentity(const SqliteStatement& row);
+LocalPDFIdentity readPDFIdentity(const SqliteStatement& row);
 AppClassification readAppClassification(const SqliteStatement& row);
 WebsiteClassification readWebsiteClassification(const SqliteStatement& row);
-LocalPDFPreferences readLocalPdfPreferences(const SqliteStatement& row);
+LocalPDFPreferences readLocalPDFPreferences(const SqliteStatement& row);
 
 }  // namespace lumenote

@@ -81,16 +81,16 @@ class MemoryRuleStore final : public ClassificationRuleStore {
         }
         return answer(list);
     }
-    Result<void, StoreError> savePdfIdentity(const LocalPDFIdentity& identity) override {
+    Result<void, StoreError> savePDFIdentity(const LocalPDFIdentity& identity) override {
         if (!failing) {
             pdfs[identity.id] = identity;
         }
         return done();
     }
-    Result<std::size_t, StoreError> clearFilenameDerivedPdfLabels() override {
+    Result<std::size_t, StoreError> clearFilenameDerivedPDFLabels() override {
         return answer(std::size_t{0});
     }
-    Result<void, StoreError> deleteAllPdfIdentities() override { return done(); }
+    Result<void, StoreError> deleteAllPDFIdentities() override { return done(); }
     Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() override {
         return answer(preferences);
     }

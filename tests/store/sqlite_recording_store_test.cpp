@@ -404,7 +404,7 @@ TEST_F(SqliteRecordingStoreTest, ClearingFilenameLabelsKeepsManualOnesAndClearsS
     changes.segments = {fullSegment(10, session, kDay), manual};
     apply(**store, changes);
 
-    auto cleared = (*store)->clearFilenameDerivedPdfLabels();
+    auto cleared = (*store)->clearFilenameDerivedPDFLabels();
     ASSERT_TRUE(cleared.ok());
     EXPECT_EQ(*cleared, 2u);
 
@@ -421,7 +421,7 @@ TEST_F(SqliteRecordingStoreTest, ClearingFilenameLabelsKeepsManualOnesAndClearsS
     EXPECT_FALSE((*loaded)->segments[0].pdfLabelSourceRawValue);
     EXPECT_EQ((*loaded)->segments[1].pdfDisplayLabel(), "Übung 3.pdf");
 
-    ASSERT_TRUE((*store)->deleteAllPdfIdentities());
+    ASSERT_TRUE((*store)->deleteAllPDFIdentities());
     EXPECT_TRUE((*store)->pdfIdentities(std::nullopt)->empty());
     EXPECT_TRUE((*store)->loadSession(session)->value().localPDFIdentities.empty());
 }

@@ -113,7 +113,7 @@ TEST_F(StoreErrorsTest, EveryWriteIsBusyWhileAnotherConnectionHoldsTheWriteLock)
          }},
         {"label clearing",
          [&]() -> Result<void, StoreError> {
-             auto cleared = store->clearFilenameDerivedPdfLabels();
+             auto cleared = store->clearFilenameDerivedPDFLabels();
              return cleared ? Result<void, StoreError>() : fail(cleared.error());
          }},
     };

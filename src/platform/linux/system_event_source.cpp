@@ -110,9 +110,9 @@ std::string systemEventGapMessage(SystemEventGap gap) {
 
 SystemEventSourceSettings SystemEventSourceSettings::fromEnvironment() {
     SystemEventSourceSettings settings{QDBusConnection::systemBus(), QDBusConnection::sessionBus()};
-    const QByteArray sessionId = qgetenv("XDG_SESSION_ID");
-    if (!sessionId.isEmpty()) {
-        settings.sessionId = sessionId.toStdString();
+    const QByteArray loginSessionID = qgetenv("XDG_SESSION_ID");
+    if (!loginSessionID.isEmpty()) {
+        settings.loginSessionID = loginSessionID.toStdString();
     }
     settings.processId = static_cast<std::uint32_t>(::getpid());
     return settings;
@@ -241,8 +241,8 @@ QString LinuxSystemEventSource::findSessionPath() {
         return reply.arguments().constFirst().value<QDBusObjectPath>().path();
     };
     QString path;
-    if (settings_.sessionId && !settings_.sessionId->empty()) {
-        path = ask("GetSession", QString::fromStdString(*settings_.sessionId));
+    if (settings_.loginSessionID && !settings_.loginSessionID->empty()) {
+        path = ask("GetSession", QString::fromStdString(*settings_.loginSessionID));
     }
     if (path.isEmpty() && settings_.processId != 0) {
         path = ask("GetSessionByPID", QVariant::fromValue<uint>(settings_.processId));

@@ -98,7 +98,7 @@ struct SystemEventSourceSettings {
     // up by `processId`, then as logind's "auto" session (the caller's session
     // or the user's display session, which covers applications started by
     // the user's service manager outside the session).
-    std::optional<std::string> sessionId;
+    std::optional<std::string> loginSessionID;
     std::uint32_t processId = 0;
     // Bound on each blocking call to logind or the screen saver, milliseconds.
     int callTimeoutMilliseconds = 1000;
