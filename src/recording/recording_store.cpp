@@ -16,4 +16,11 @@ void StoreChangeSet::append(const StoreChangeSet& later) {
     durable = durable || later.durable;
 }
 
+StoreSaveOperation saveOperationOr(StoreSaveOperation given, RecordingStore& store) {
+    if (given) {
+        return given;
+    }
+    return [&store](const StoreChangeSet& changes) { return store.apply(changes); };
+}
+
 }  // namespace lumenote

@@ -45,6 +45,10 @@ struct StoreChangeSet {
 // the scenario runner may put a failing one in its place.
 using StoreSaveOperation = std::function<Result<void, StoreError>(const StoreChangeSet&)>;
 
+class RecordingStore;
+// `given`, or, when it is empty, saving through `store` (which must outlive it).
+StoreSaveOperation saveOperationOr(StoreSaveOperation given, RecordingStore& store);
+
 // Which sessions a listing returns.
 struct SessionQuery {
     std::optional<Date> startingAtOrAfter;

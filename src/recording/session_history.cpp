@@ -22,11 +22,7 @@ SessionHistory::SessionHistory(SessionHistoryDependencies dependencies)
       preferences_(dependencies.preferences),
       monotonicClock_(dependencies.monotonicClock),
       wallClock_(dependencies.wallClock),
-      save_(std::move(dependencies.save)) {
-    if (!save_) {
-        save_ = [this](const StoreChangeSet& changes) { return store_.apply(changes); };
-    }
-}
+      save_(saveOperationOr(std::move(dependencies.save), store_)) {}
 
 Result<bool, SessionError> SessionHistory::holdsLiveSession(SessionFailure whenUnreadable) {
     auto live = store_.liveSessions();
@@ -266,9 +262,7 @@ Result<StudyStateEdit, std::string> SessionHistory::relabel(
         return fail(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
     }
     StoreChangeSet changes;
-    changes.confirmedIntervals = outcome->superseded;
-    changes.confirmedIntervals.insert(changes.confirmedIntervals.end(), outcome->inserted.begin(),
-                                      outcome->inserted.end());
+    changes.confirmedIntervals = confirmationsToSave(*outcome);
     StudySession row = outcome->session;
     row.segments.clear();
     row.confirmedNoInputIntervals.clear();

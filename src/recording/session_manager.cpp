@@ -20,12 +20,7 @@ SessionManager::SessionManager(SessionManagerDependencies dependencies)
       checkpointStore_(dependencies.checkpointStore),
       rules_(dependencies.rules),
       history_(dependencies.history),
-      persistenceSaveOperation_(std::move(dependencies.save)) {
-    if (!persistenceSaveOperation_) {
-        persistenceSaveOperation_ = [this](const StoreChangeSet& changes) {
-            return store_.apply(changes);
-        };
-    }
+      persistenceSaveOperation_(saveOperationOr(std::move(dependencies.save), store_)) {
     // A rule or override chosen while recording applies from that moment.
     rulesObservation_ = rules_.changed().add([this] { applicationActivated(); });
 }

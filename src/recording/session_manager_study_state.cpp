@@ -36,9 +36,7 @@ Result<StudyStateEdit, std::string> SessionManager::relabelActiveSession(
         return fail(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
     }
     StoreChangeSet changes;
-    changes.confirmedIntervals = outcome->superseded;
-    changes.confirmedIntervals.insert(changes.confirmedIntervals.end(), outcome->inserted.begin(),
-                                      outcome->inserted.end());
+    changes.confirmedIntervals = confirmationsToSave(*outcome);
     if (auto saved = persistenceSaveOperation_(changes); !saved.ok()) {
         // A failed save leaves the previous confirmations as they were.
         return fail(

@@ -146,6 +146,12 @@ Result<StudyStateEditOutcome, SessionStudyStateEditError> applyEdit(
 
 }  // namespace SessionStudyStateEditor
 
+std::vector<ConfirmedNoInputInterval> confirmationsToSave(const StudyStateEditOutcome& outcome) {
+    std::vector<ConfirmedNoInputInterval> changed = outcome.superseded;
+    changed.insert(changed.end(), outcome.inserted.begin(), outcome.inserted.end());
+    return changed;
+}
+
 std::string_view sessionStudyStateEditErrorMessage(SessionStudyStateEditError error) {
     switch (error) {
         case SessionStudyStateEditError::sessionUnavailable:

@@ -44,6 +44,10 @@ struct StudyStateEditOutcome {
     StudyStateEdit edit;
 };
 
+// The confirmations an edit writes, in one list: those it superseded, then
+// those it inserted.
+std::vector<ConfirmedNoInputInterval> confirmationsToSave(const StudyStateEditOutcome& outcome);
+
 namespace SessionStudyStateEditor {
 
 // One contiguous stretch without input inside the edited range.
