@@ -1,14 +1,14 @@
 // What the history and rules commands of lumenote-cli work through: the
-// object store, the preferences and a session manager over a platform that
-// observes nothing, opened in one place so that every command sees the same
-// wiring; plus session-id lookup and the commands' own refusals.
+// object store, the preferences, the classification rules and the session
+// history (the same services the recorder uses), opened in one place so that
+// every command sees the same wiring; a session manager over a platform that
+// observes nothing only for recovery; plus session-id lookup and the
+// commands' own refusals.
 //
 // The command line never records. A session recorded by another process (the
 // recorder) is visible only as a stored session whose status is running or
-// paused, so such a stored session counts as the active session: deleting,
-// deleting all, resetting and editing it are refused while it exists. Editing
-// a live session is refused because the recorder rewrites its session row at
-// every save, which would silently undo the edit.
+// paused; the history counts such a session as active and refuses deleting,
+// deleting all, resetting and editing it while it exists.
 #pragma once
 
 #include <memory>
@@ -65,10 +65,9 @@ class HistoryEnvironment {
     // The local time zone the commands show dates in.
     const LocalCalendar& calendar() const { return calendar_; }
 
-    // The session manager, built on first use: reading the preferences and
-    // starting it up (loading the rule caches, and recalculating stored totals
-    // when their revision changed, as the application does at launch) happen
-    // only for commands that change something. A problem met while starting
+    // The session manager, built on first use (only recovery needs one):
+    // starting it up loads the rule caches and brings stored totals up to
+    // date, as the application does at launch. A problem met while starting
     // up is written to `warnings` and cleared, so that the manager's last
     // error afterwards belongs to the command's own operation.
     SessionManager& manager(std::ostream& warnings);
