@@ -105,14 +105,6 @@ ClassificationRules& HistoryEnvironment::rules(std::ostream& warnings) {
     return *rules_;
 }
 
-Result<bool, StoreError> HistoryEnvironment::holdsLiveSession() {
-    auto live = store_->liveSessions();
-    if (!live.ok()) {
-        return fail(live.error());
-    }
-    return !live->empty();
-}
-
 namespace {
 
 // The hex digits of `text` in lower case with hyphens dropped; nullopt when

@@ -80,9 +80,6 @@ class HistoryEnvironment {
     // date (as the application does at launch); problems go to `warnings`.
     SessionHistory& history(std::ostream& warnings);
 
-    // Whether the store holds a running or paused session.
-    Result<bool, StoreError> holdsLiveSession();
-
     // The session named by `text`: a full id in either letter case, or a
     // prefix of at least kMinimumSessionIDPrefixDigits hex digits (hyphens
     // ignored) that exactly one stored session starts with. Fails with the

@@ -40,23 +40,8 @@ void printJson(CliContext& context, const nlohmann::json& value) {
     context.out << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 
-// Refuses with `failure` when the store holds a running or paused session.
-// Returns whether the command may go on.
-bool noLiveSession(HistoryEnvironment& environment, CliContext& context, SessionFailure failure) {
-    auto live = environment.holdsLiveSession();
-    if (!live.ok()) {
-        context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
-                                                    live.error().description));
-        return false;
-    }
-    if (*live) {
-        context.refuse(sessionFailureMessage(failure));
-        return false;
-    }
-    return true;
-}
-
-// Reports a refused manager operation with the sentence the manager chose.
+// Refuses with the sentence of a history change that failed; the history
+// itself refuses changes while the store holds a running or paused session.
 void refuseWith(CliContext& context, const SessionError& error) {
     context.refuse(error.message());
 }
@@ -196,9 +181,6 @@ void deleteSelected(HistoryEnvironment& environment, CliContext& context,
             ids.push_back(*id);
         }
     }
-    if (!noLiveSession(environment, context, SessionFailure::deleteWhileActive)) {
-        return;
-    }
     if (auto deleted = environment.history(context.err).deleteSessions(ids); !deleted.ok()) {
         refuseWith(context, deleted.error());
         return;
@@ -207,9 +189,6 @@ void deleteSelected(HistoryEnvironment& environment, CliContext& context,
 }
 
 void deleteEverySession(HistoryEnvironment& environment, CliContext& context) {
-    if (!noLiveSession(environment, context, SessionFailure::deleteAllWhileActive)) {
-        return;
-    }
     auto count = environment.store().sessionCount();
     if (!count.ok()) {
         context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
@@ -285,8 +264,7 @@ void installReset(CLI::App& app, CliContext& context) {
             return;
         }
         auto environment = openHistoryEnvironment(context);
-        if (!environment ||
-            !noLiveSession(*environment, context, SessionFailure::resetWhileActive)) {
+        if (!environment) {
             return;
         }
         const auto counts = countResettable(environment->store(), context);
