@@ -229,11 +229,11 @@ void installRulesCommands(CLI::App& app, CliContext& context) {
     installClear(
         *rules, context, "clear-apps", "Remove every application rule", "application rule",
         "application rules", [](RecordingStore& store) { return store.appClassifications(); },
-        [](ClassificationRules& rules) { return rules.clearApplicationClassifications(); });
+        [](ClassificationRules& service) { return service.clearApplicationClassifications(); });
     installClear(
         *rules, context, "clear-websites", "Remove every website rule", "website rule",
         "website rules", [](RecordingStore& store) { return store.websiteClassifications(); },
-        [](ClassificationRules& rules) { return rules.clearWebsiteClassifications(); });
+        [](ClassificationRules& service) { return service.clearWebsiteClassifications(); });
 }
 
 }  // namespace lumenote::cli
