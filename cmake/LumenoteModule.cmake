@@ -29,10 +29,11 @@ function(lumenote_record_module folder)
   set_property(GLOBAL APPEND PROPERTY LUMENOTE_MODULE_GRAPH "${folder}:${joined}")
 endfunction()
 
-# lumenote_module(NAME [DEPS target...]) builds lumenote_NAME from the .cpp files
-# of the current folder (not its subfolders).
+# lumenote_module(NAME [QT] [DEPS target...]) builds lumenote_NAME from the .cpp
+# files of the current folder (not its subfolders). QT runs Qt's meta-object
+# compiler over the folder (for the folders that may use Qt).
 function(lumenote_module name)
-  cmake_parse_arguments(ARG "" "" "DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "QT" "" "DEPS" ${ARGN})
   lumenote_record_module(${name} ${ARG_DEPS})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
@@ -46,6 +47,9 @@ function(lumenote_module name)
   add_library(lumenote_${name} STATIC ${sources})
   target_include_directories(lumenote_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
   target_link_libraries(lumenote_${name} PUBLIC ${ARG_DEPS})
+  if(ARG_QT)
+    set_target_properties(lumenote_${name} PROPERTIES AUTOMOC ON)
+  endif()
   lumenote_apply_common(lumenote_${name})
   if(LUMENOTE_SANITIZE)
     target_link_options(lumenote_${name} INTERFACE -fsanitize=address,undefined)

@@ -87,11 +87,10 @@ SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
         *store_, recordingPreferences(), platform_.idleTime, platform_.monotonicClock,
         platform_.wallClock, platform_.frontmostApplication, platform_.notifications,
         platform_.browserTracking, *checkpoints_, *rules_, sessions});
+    const auto shown = manager_->problems().add(
+        [&warnings](const SessionError& problem) { warnings << problem.message() << '\n'; });
     manager_->startUp();
-    if (const auto& problem = manager_->lastError()) {
-        warnings << *problem << '\n';
-        manager_->clearLastError();
-    }
+    manager_->problems().remove(shown);
     return *manager_;
 }
 

@@ -6,10 +6,12 @@
 #include "cli/commands.hpp"
 #include "cli/duration_argument.hpp"
 #include "platform/system/system_clocks.hpp"
-#include "recorder/recorder.hpp"
 #include "recording/no_input_prompt.hpp"
+#include "runtime/recorder_control.hpp"
+#include "runtime/setup_check.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
+#include "terminal/run_terminal_recorder.hpp"
 
 namespace lumenote::cli {
 
@@ -31,7 +33,7 @@ const std::map<std::string, StudySessionMode> kModes{
 };
 
 void runRecord(CliContext& context, const RecordArguments& arguments) {
-    recorder::RecorderOptions options;
+    terminal::RecorderOptions options;
     options.interactive = isatty(STDIN_FILENO) && isatty(STDOUT_FILENO);
     options.request.subject = arguments.subject;
     options.request.goal = arguments.goal;
@@ -64,11 +66,11 @@ void runRecord(CliContext& context, const RecordArguments& arguments) {
     if (!arguments.templateName.empty()) {
         options.templateName = arguments.templateName;
     }
-    context.exitCode = recorder::runRecorder(options, context.paths, context.out, context.err);
+    context.exitCode = terminal::runRecorder(options, context.paths, context.out, context.err);
 }
 
-void runControl(CliContext& context, recorder::RecorderControl control) {
-    auto answer = recorder::controlRecorder(control);
+void runControl(CliContext& context, runtime::RecorderControl control) {
+    auto answer = runtime::controlRecorder(control);
     if (!answer.ok()) {
         context.refuse(answer.error());
         return;
@@ -104,20 +106,20 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
         "e end, q quit.\nFrom elsewhere: lumenote-cli pause|resume|end|away|back|status.");
     record->callback([&context, arguments] { runRecord(context, *arguments); });
 
-    const std::pair<const char*, std::pair<recorder::RecorderControl, std::string_view>>
-        controls[] = {
-            {"pause", {recorder::RecorderControl::pause, "Pause the session being recorded"}},
-            {"resume", {recorder::RecorderControl::resume, "Resume the paused session"}},
-            {"end", {recorder::RecorderControl::end, "End the session being recorded"}},
-            {"away", {recorder::RecorderControl::away, kStudyAwayControlHelp}},
-            {"back", {recorder::RecorderControl::back, kBackToComputerStudyHelp}},
-            {"status", {recorder::RecorderControl::status, "Show what the recorder is doing"}},
+    const std::pair<const char*, std::pair<runtime::RecorderControl, std::string_view>> controls[] =
+        {
+            {"pause", {runtime::RecorderControl::pause, "Pause the session being recorded"}},
+            {"resume", {runtime::RecorderControl::resume, "Resume the paused session"}},
+            {"end", {runtime::RecorderControl::end, "End the session being recorded"}},
+            {"away", {runtime::RecorderControl::away, kStudyAwayControlHelp}},
+            {"back", {runtime::RecorderControl::back, kBackToComputerStudyHelp}},
+            {"status", {runtime::RecorderControl::status, "Show what the recorder is doing"}},
         };
     app.add_subcommand("check",
                        "Check what this desktop lets Lumenote observe: the X display, input idle "
                        "time, sleep and lock notices, notifications")
         ->callback([&context] {
-            const recorder::SetupCheck check = recorder::checkSetup();
+            const runtime::SetupCheck check = runtime::checkSetup();
             context.out << check.report;
             if (!check.complete) {
                 context.exitCode = kExitRefused;

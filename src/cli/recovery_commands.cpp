@@ -7,10 +7,10 @@
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
 #include "cli/session_text.hpp"
-#include "recorder/record_view.hpp"
 #include "recording/study_state_edit.hpp"
 #include "store/recorder_lock.hpp"
 #include "store/store_files.hpp"
+#include "terminal/record_view.hpp"
 
 namespace lumenote::cli {
 
@@ -43,15 +43,15 @@ void runRecovery(CliContext& context, bool endIt) {
         return;
     }
     if (!endIt) {
-        context.out << recorder::recoveryOffer(*summary, session->subject, environment->calendar())
+        context.out << terminal::recoveryOffer(*summary, session->subject, environment->calendar())
                     << '\n';
         context.out << "Run `lumenote-cli recovery end` to end it, or `lumenote-cli record` to "
                        "be offered to continue it.\n";
         return;
     }
     const std::string subject = session->subject;
-    if (!manager.endRecoveredSession().ok()) {
-        context.refuse(manager.lastError().value_or("The session could not be ended."));
+    if (auto ended = manager.endRecoveredSession(); !ended.ok()) {
+        context.refuse(ended.error().message());
         return;
     }
     context.out << fmt::format("\"{}\" ended as interrupted after {} of confirmed time.\n", subject,
@@ -129,7 +129,7 @@ void runRelabel(CliContext& context, const RelabelArguments& arguments) {
     auto edited = environment->history(context.err)
                       .relabel(*id, *from, *to, state, ConfirmedStudyStateSource::replayEdit);
     if (!edited.ok()) {
-        context.refuse(edited.error());
+        context.refuse(edited.error().message());
         return;
     }
     context.out << studyStateEditDescription(*edited) << '\n';

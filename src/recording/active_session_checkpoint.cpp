@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <limits>
 
-#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include "foundation/numeric.hpp"
@@ -209,23 +208,6 @@ ActiveSessionRecoverySummary makeRecoverySummary(const ActiveSessionCheckpoint& 
         clampDuration(recoveredAt.secondsSince(checkpoint.lastConfirmedActivityAt));
     summary.recoveredAt = recoveredAt;
     return summary;
-}
-
-std::string recoveryFailureMessage(RecoveryFailure failure, std::string_view error) {
-    switch (failure) {
-        case RecoveryFailure::checkpointNotSaved:
-            return "The recovery checkpoint could not be saved. Persisted study activity "
-                   "remains available.";
-        case RecoveryFailure::damagedCheckpointIsolated:
-            return "A damaged recovery checkpoint was isolated. Persisted study activity "
-                   "remains available.";
-        case RecoveryFailure::recoveryFailed:
-            return fmt::format("Lumenote could not recover an unfinished session: {}", error);
-        case RecoveryFailure::checkpointNotRemoved:
-            return "The completed recovery checkpoint could not be removed. It will be "
-                   "reconciled safely on the next launch.";
-    }
-    return {};
 }
 
 }  // namespace lumenote

@@ -120,14 +120,4 @@ inline constexpr std::string_view kRecoveryPromptDetail =
     "Confirmed activity is preserved. Time after the last confirmed boundary is excluded.";
 inline constexpr std::string_view kContinueFromNowAction = "Continue From Now";
 
-enum class RecoveryFailure {
-    checkpointNotSaved,
-    damagedCheckpointIsolated,
-    recoveryFailed,  // {error}
-    checkpointNotRemoved
-};
-
-// The sentence shown for `failure`; `error` fills its {error}.
-std::string recoveryFailureMessage(RecoveryFailure failure, std::string_view error = {});
-
 }  // namespace lumenote

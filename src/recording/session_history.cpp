@@ -248,18 +248,17 @@ Result<void, SessionError> SessionHistory::resetAllData() {
     return {};
 }
 
-Result<StudyStateEdit, std::string> SessionHistory::relabel(
+Result<StudyStateEdit, SessionError> SessionHistory::relabel(
     const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
     ConfirmedStudyStateSource source) {
     auto loaded = store_.loadSession(sessionID);
     if (!loaded.ok()) {
-        return fail(
-            sessionFailureMessage(SessionFailure::activityNotSaved, loaded.error().description));
+        return fail(SessionError(SessionFailure::activityNotSaved, loaded.error().description));
     }
     auto outcome =
         SessionStudyStateEditor::applyEdit(*loaded, from, to, state, source, wallClock_.now());
     if (!outcome.ok()) {
-        return fail(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
+        return fail(studyStateEditFailure(outcome.error()));
     }
     StoreChangeSet changes;
     changes.confirmedIntervals = confirmationsToSave(*outcome);
@@ -269,8 +268,7 @@ Result<StudyStateEdit, std::string> SessionHistory::relabel(
     changes.sessions.push_back(std::move(row));
     if (auto saved = save_(changes); !saved.ok()) {
         // A failed save leaves the previous confirmations as they were.
-        return fail(
-            sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description));
+        return fail(SessionError(SessionFailure::activityNotSaved, saved.error().description));
     }
     return outcome->edit;
 }

@@ -82,10 +82,10 @@ class SessionHistory {
     Result<void, SessionError> resetAllData();
 
     // Relabels the time without input in [from, to] of a stored session; an
-    // empty state returns it to unconfirmed. Fails with the sentence to show.
-    Result<StudyStateEdit, std::string> relabel(const Uuid& sessionID, Date from, Date to,
-                                                std::optional<ConfirmedStudyState> state,
-                                                ConfirmedStudyStateSource source);
+    // empty state returns it to unconfirmed.
+    Result<StudyStateEdit, SessionError> relabel(const Uuid& sessionID, Date from, Date to,
+                                                 std::optional<ConfirmedStudyState> state,
+                                                 ConfirmedStudyStateSource source);
 
     // Ends the undo offer once its time is up; called once a second.
     void tick();

@@ -48,20 +48,8 @@ void SessionManager::publish(ObservedField field) {
     observers_.notify(field);
 }
 
-void SessionManager::report(std::string message) {
-    lastError_ = std::move(message);
-    publish(ObservedField::lastError);
-}
-
-void SessionManager::reportFailure(SessionFailure failure, std::string_view detail) {
-    report(sessionFailureMessage(failure, detail));
-}
-
-void SessionManager::clearLastError() {
-    if (lastError_) {
-        lastError_.reset();
-        publish(ObservedField::lastError);
-    }
+void SessionManager::reportProblem(SessionFailure failure, std::string detail) {
+    problems_.notify(SessionError(failure, std::move(detail)));
 }
 
 void SessionManager::clearPendingPostSession() {
@@ -72,9 +60,8 @@ void SessionManager::clearPendingPostSession() {
     }
 }
 
-Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& request) {
-    auto refuse = [this](SessionFailure failure) -> Result<void, SessionFailure> {
-        reportFailure(failure);
+Result<void, SessionError> SessionManager::start(const SessionStartRequest& request) {
+    auto refuse = [](SessionFailure failure) -> Result<void, SessionError> {
         return fail(failure);
     };
     if (activeSession_) {
@@ -108,8 +95,7 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     if (auto saved = persistenceSaveOperation_(insert); !saved.ok()) {
         // Nothing can be recorded without a store: refuse rather than record
         // a session that would vanish.
-        reportFailure(SessionFailure::activityNotSaved, saved.error().description);
-        return fail(SessionFailure::activityNotSaved);
+        return fail(SessionError(SessionFailure::activityNotSaved, saved.error().description));
     }
 
     activeSession_ = std::move(session);
@@ -137,7 +123,7 @@ Result<void, SessionFailure> SessionManager::start(const SessionStartRequest& re
     return {};
 }
 
-Result<void, SessionFailure> SessionManager::pause() {
+Result<void, SessionError> SessionManager::pause() {
     if (!activeSession_) {
         return fail(SessionFailure::noActiveSession);
     }
@@ -176,7 +162,7 @@ void SessionManager::pauseAt(TrackingInstant instant, double timerValue) {
     publish(ObservedField::currentPauseDuration);
 }
 
-Result<void, SessionFailure> SessionManager::resume() {
+Result<void, SessionError> SessionManager::resume() {
     if (!activeSession_) {
         return fail(SessionFailure::noActiveSession);
     }
@@ -200,7 +186,7 @@ Result<void, SessionFailure> SessionManager::resume() {
     return {};
 }
 
-Result<void, SessionFailure> SessionManager::end() {
+Result<void, SessionError> SessionManager::end() {
     if (!activeSession_) {
         return fail(SessionFailure::noActiveSession);
     }
@@ -209,7 +195,7 @@ Result<void, SessionFailure> SessionManager::end() {
     return {};
 }
 
-Result<void, SessionFailure> SessionManager::endAsInterrupted() {
+Result<void, SessionError> SessionManager::endAsInterrupted() {
     if (!activeSession_) {
         return fail(SessionFailure::noActiveSession);
     }

@@ -20,6 +20,10 @@
 // - History (editing, deleting with undo, resetting) and the classification
 //   rules are services of their own that the manager shares with the front
 //   ends; tick() also ends the history's undo offer when its time is up.
+// - Failures: an operation returns its SessionError and nothing else keeps
+//   it. Failures that no call returns (a save during a tick, the checkpoint,
+//   what start-up finds) go to problems(). Keeping a last error for display
+//   is the front end's business.
 #pragma once
 
 #include <functional>
@@ -74,7 +78,6 @@ enum class ObservedField {
     activeSession,
     currentActivity,  // name, bundle identifier, classification, inactivity
     currentPauseDuration,
-    lastError,
     pendingPostSession,
     pendingNoInputPrompt,
     liveStudyState,
@@ -112,7 +115,7 @@ class SessionManager {
 
     // Loads the rule caches and PDF preferences, recalculates stored totals
     // when the derived revision changed, and looks for an unfinished session
-    // to offer for recovery. Failures are reported in lastError().
+    // to offer for recovery. Failures go to problems().
     void startUp();
 
     // ---- recovery (session_manager_recovery.cpp) ----
@@ -124,20 +127,20 @@ class SessionManager {
     }
     // "Continue From Now": the session goes on from now in the state it was
     // in; the time since its last confirmed boundary is left out.
-    Result<void, SessionFailure> continueRecoveredSession();
+    Result<void, SessionError> continueRecoveredSession();
     // Ends the unfinished session at its last confirmed boundary as
     // interrupted, keeping the confirmed duration.
-    Result<void, SessionFailure> endRecoveredSession();
+    Result<void, SessionError> endRecoveredSession();
 
     // ---- lifecycle ----
     // Refused while another session is active or a recovery offer waits.
-    Result<void, SessionFailure> start(const SessionStartRequest& request);
-    Result<void, SessionFailure> pause();
-    Result<void, SessionFailure> resume();
-    Result<void, SessionFailure> end();
+    Result<void, SessionError> start(const SessionStartRequest& request);
+    Result<void, SessionError> pause();
+    Result<void, SessionError> resume();
+    Result<void, SessionError> end();
     // Closes the active session now as interrupted (quitting without ending it).
-    Result<void, SessionFailure> endAsInterrupted();
-    // Called once a second by the host loop, whether or not a session runs.
+    Result<void, SessionError> endAsInterrupted();
+    // Called once a second by the recorder runtime, whether or not a session runs.
     void tick();
     // The frontmost application changed: sample at once instead of at the next tick.
     void applicationActivated();
@@ -159,24 +162,22 @@ class SessionManager {
     // Answers the pending question; `from` and `to` narrow its range. Ending
     // there is accepted only for a run long enough to ask about it; it ends
     // the session at the run's start with the timer value then, and keeps
-    // every recorded stretch (see endAt). Fails with the message shown to the
-    // user.
-    Result<void, std::string> answerNoInputPrompt(NoInputPromptAnswer answer,
-                                                  std::optional<Date> from = std::nullopt,
-                                                  std::optional<Date> to = std::nullopt);
+    // every recorded stretch (see endAt).
+    Result<void, SessionError> answerNoInputPrompt(NoInputPromptAnswer answer,
+                                                   std::optional<Date> from = std::nullopt,
+                                                   std::optional<Date> to = std::nullopt);
     // Relabels the time without input in [from, to] of a session (running or
-    // finished); an empty state returns it to unconfirmed. Fails with the
-    // message shown to the user, which is also put in lastError().
-    Result<StudyStateEdit, std::string> relabel(
+    // finished); an empty state returns it to unconfirmed.
+    Result<StudyStateEdit, SessionError> relabel(
         const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
         ConfirmedStudyStateSource source = ConfirmedStudyStateSource::replayEdit);
     const std::optional<StudyStateEdit>& lastStudyStateEdit() const { return lastStudyStateEdit_; }
     // Puts the previous state back over the last edit's range.
-    Result<StudyStateEdit, std::string> undoLastStudyStateEdit();
+    Result<StudyStateEdit, SessionError> undoLastStudyStateEdit();
 
     // ---- away from the computer (session_manager_passive_study.cpp) ----
-    Result<void, SessionFailure> startPassiveStudy();
-    Result<void, SessionFailure> endPassiveStudy();
+    Result<void, SessionError> startPassiveStudy();
+    Result<void, SessionError> endPassiveStudy();
     LiveStudyState liveStudyState() const;
 
     // ---- observable state ----
@@ -186,7 +187,6 @@ class SessionManager {
     ActivityClassification currentClassification() const { return currentClassification_; }
     bool currentIsInactive() const { return currentIsInactive_; }
     double currentPauseDuration() const { return currentPauseDuration_; }
-    const std::optional<std::string>& lastError() const { return lastError_; }
     const std::optional<StudySession>& pendingPostSession() const { return pendingPostSession_; }
     bool pendingPostSessionAllowsCelebration() const {
         return pendingPostSessionAllowsCelebration_;
@@ -204,10 +204,11 @@ class SessionManager {
         return sessionConfirmations_;
     }
     void clearPendingPostSession();
-    void clearLastError();
     // Told which observable field changed; any number may listen (a tray, a
     // window, the command service), each removing itself with its token.
     ObserverList<ObservedField>& observers() { return observers_; }
+    // Told of each failure that no call returns.
+    ObserverList<SessionError>& problems() { return problems_; }
 
     // The timer value of the active session now: time counted while running.
     double currentTimerValue();
@@ -227,9 +228,7 @@ class SessionManager {
     void endAt(TrackingInstant instant, double timerValue);
     // Pauses with the stretch closed at `instant` and the timer set to `timerValue`.
     void pauseAt(TrackingInstant instant, double timerValue);
-    // Publishes `message` as the last error.
-    void report(std::string message);
-    void reportFailure(SessionFailure failure, std::string_view detail = {});
+    void reportProblem(SessionFailure failure, std::string detail = {});
 
     // sampling (session_manager_sampling.cpp)
     ActivityState sampleState(double idleSeconds, Date wallNow);
@@ -243,7 +242,7 @@ class SessionManager {
     void publishCurrent(const ActivityState& state);
     void completeTimerIfReached(TrackingInstant instant);
 
-    Result<StudyStateEdit, std::string> relabelActiveSession(
+    Result<StudyStateEdit, SessionError> relabelActiveSession(
         Date from, Date to, std::optional<ConfirmedStudyState> state,
         ConfirmedStudyStateSource source);
 
@@ -286,11 +285,11 @@ class SessionManager {
     ActivityClassification currentClassification_ = ActivityClassification::unclassified;
     bool currentIsInactive_ = false;
     double currentPauseDuration_ = 0.0;
-    std::optional<std::string> lastError_;
     std::optional<StudySession> pendingPostSession_;
     bool pendingPostSessionAllowsCelebration_ = false;
     std::vector<std::string> pendingPostSessionPersonalBests_;
     ObserverList<ObservedField> observers_;
+    ObserverList<SessionError> problems_;
 
     ActivityTimelineEngine timelineEngine_;
     std::vector<ActivitySegment> sessionSegments_;

@@ -26,7 +26,7 @@ LiveStudyState SessionManager::liveStudyState() const {
     return LiveStudyState::computerActivity;
 }
 
-Result<void, SessionFailure> SessionManager::startPassiveStudy() {
+Result<void, SessionError> SessionManager::startPassiveStudy() {
     if (!activeSession_) {
         return fail(SessionFailure::noActiveSession);
     }
@@ -49,7 +49,7 @@ Result<void, SessionFailure> SessionManager::startPassiveStudy() {
     return {};
 }
 
-Result<void, SessionFailure> SessionManager::endPassiveStudy() {
+Result<void, SessionError> SessionManager::endPassiveStudy() {
     if (!openPassiveStudyInterval_) {
         return fail(SessionFailure::noPassiveStudyPeriod);
     }

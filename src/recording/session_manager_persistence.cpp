@@ -36,7 +36,7 @@ bool SessionManager::save(bool durable) {
     auto saved = persistenceSaveOperation_(pendingChanges_);
     if (!saved.ok()) {
         // The unsaved changes stay queued and go out with the next save.
-        reportFailure(SessionFailure::activityNotSaved, saved.error().description);
+        reportProblem(SessionFailure::activityNotSaved, saved.error().description);
         return false;
     }
     pendingChanges_ = StoreChangeSet{};
@@ -50,15 +50,12 @@ bool SessionManager::save(bool durable) {
 
 void SessionManager::startUp() {
     for (const ClassificationError& problem : rules_.load()) {
-        lastError_ = problem.message();
+        reportProblem(SessionFailure::rulesNotLoaded, problem.message());
     }
     if (auto upToDate = history_.bringTotalsUpToDate(); !upToDate.ok()) {
-        lastError_ = upToDate.error().message();
+        problems_.notify(upToDate.error());
     }
     lookForUnfinishedSession();
-    if (lastError_) {
-        publish(ObservedField::lastError);
-    }
 }
 
 }  // namespace lumenote

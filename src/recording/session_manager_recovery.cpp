@@ -51,13 +51,13 @@ void SessionManager::writeCheckpoint(TrackingInstant instant) {
     checkpoint.templateID = session.originatingTemplateID();
     if (!checkpointStore_.save(checkpoint).ok()) {
         // Recording goes on: the store stays the record of truth.
-        report(recoveryFailureMessage(RecoveryFailure::checkpointNotSaved));
+        reportProblem(SessionFailure::checkpointNotSaved);
     }
 }
 
 void SessionManager::removeCheckpoint() {
     if (!checkpointStore_.remove().ok()) {
-        report(recoveryFailureMessage(RecoveryFailure::checkpointNotRemoved));
+        reportProblem(SessionFailure::checkpointNotRemoved);
     }
 }
 
@@ -68,20 +68,19 @@ void SessionManager::lookForUnfinishedSession() {
     // file) counts as missing: the store still marks the session it was kept
     // for as live, and that session is offered from the store. The failure is
     // told only when the store has nothing to offer either.
-    std::optional<std::string> unreadable;
+    std::optional<SessionError> unreadable;
     if (!loaded.ok()) {
         unreadable =
-            recoveryFailureMessage(RecoveryFailure::recoveryFailed, describe(loaded.error()));
+            SessionError(SessionFailure::recoveryFailed, std::string(describe(loaded.error())));
     } else {
         checkpoint = loaded->checkpoint;
         if (loaded->kind == SessionCheckpointLoadResult::Kind::corruptQuarantined) {
-            lastError_ = recoveryFailureMessage(RecoveryFailure::damagedCheckpointIsolated);
+            reportProblem(SessionFailure::damagedCheckpointIsolated);
         }
     }
     auto live = store_.liveSessions();
     if (!live.ok()) {
-        lastError_ =
-            recoveryFailureMessage(RecoveryFailure::recoveryFailed, live.error().description);
+        reportProblem(SessionFailure::recoveryFailed, live.error().description);
         return;
     }
     const StudySession* unfinished = nullptr;
@@ -105,15 +104,14 @@ void SessionManager::lookForUnfinishedSession() {
     }
     if (unfinished == nullptr) {
         if (unreadable) {
-            lastError_ = std::move(unreadable);
+            reportProblem(unreadable->failure, unreadable->detail);
         }
         return;
     }
     auto full = store_.loadSession(unfinished->id);
     if (!full.ok() || !full->has_value()) {
-        lastError_ = recoveryFailureMessage(
-            RecoveryFailure::recoveryFailed,
-            full.ok() ? "the session could not be read" : full.error().description);
+        reportProblem(SessionFailure::recoveryFailed,
+                      full.ok() ? "the session could not be read" : full.error().description);
         return;
     }
     StudySession session = std::move(**full);
@@ -141,7 +139,7 @@ ActiveSessionCheckpoint SessionManager::checkpointFromStore(const StudySession& 
     return checkpoint;
 }
 
-Result<void, SessionFailure> SessionManager::continueRecoveredSession() {
+Result<void, SessionError> SessionManager::continueRecoveredSession() {
     if (!pendingRecoverySession_ || activeSession_) {
         return fail(SessionFailure::noRecoverableSession);
     }
@@ -183,7 +181,7 @@ Result<void, SessionFailure> SessionManager::continueRecoveredSession() {
     return {};
 }
 
-Result<void, SessionFailure> SessionManager::endRecoveredSession() {
+Result<void, SessionError> SessionManager::endRecoveredSession() {
     if (!pendingRecoverySession_) {
         return fail(SessionFailure::noRecoverableSession);
     }
@@ -204,8 +202,7 @@ Result<void, SessionFailure> SessionManager::endRecoveredSession() {
     changes.sessions.push_back(std::move(row));
     if (auto saved = persistenceSaveOperation_(changes); !saved.ok()) {
         pendingRecoverySession_ = std::move(session);
-        report(recoveryFailureMessage(RecoveryFailure::recoveryFailed, saved.error().description));
-        return fail(SessionFailure::activityNotSaved);
+        return fail(SessionError(SessionFailure::recoveryFailed, saved.error().description));
     }
     clearPendingRecovery();
     removeCheckpoint();

@@ -7,14 +7,13 @@
 
 namespace lumenote {
 
-Result<StudyStateEdit, std::string> SessionManager::relabel(
+Result<StudyStateEdit, SessionError> SessionManager::relabel(
     const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
     ConfirmedStudyStateSource source) {
     auto outcome = activeSession_ && activeSession_->id == sessionID
                        ? relabelActiveSession(from, to, state, source)
                        : history_.relabel(sessionID, from, to, state, source);
     if (!outcome.ok()) {
-        report(outcome.error());
         return outcome;
     }
     lastStudyStateEdit_ = *outcome;
@@ -24,7 +23,7 @@ Result<StudyStateEdit, std::string> SessionManager::relabel(
 
 // The active session's confirmations live here until it ends: they are edited
 // in memory and the changes saved, the session's row staying the recorder's.
-Result<StudyStateEdit, std::string> SessionManager::relabelActiveSession(
+Result<StudyStateEdit, SessionError> SessionManager::relabelActiveSession(
     Date from, Date to, std::optional<ConfirmedStudyState> state,
     ConfirmedStudyStateSource source) {
     StudySession session = *activeSession_;
@@ -33,32 +32,31 @@ Result<StudyStateEdit, std::string> SessionManager::relabelActiveSession(
     auto outcome =
         SessionStudyStateEditor::applyEdit(session, from, to, state, source, wallClock_.now());
     if (!outcome.ok()) {
-        return fail(std::string(sessionStudyStateEditErrorMessage(outcome.error())));
+        return fail(studyStateEditFailure(outcome.error()));
     }
     StoreChangeSet changes;
     changes.confirmedIntervals = confirmationsToSave(*outcome);
     if (auto saved = persistenceSaveOperation_(changes); !saved.ok()) {
         // A failed save leaves the previous confirmations as they were.
-        return fail(
-            sessionFailureMessage(SessionFailure::activityNotSaved, saved.error().description));
+        return fail(SessionError(SessionFailure::activityNotSaved, saved.error().description));
     }
     sessionConfirmations_ = outcome->session.confirmedNoInputIntervals;
     return outcome->edit;
 }
 
-Result<StudyStateEdit, std::string> SessionManager::undoLastStudyStateEdit() {
+Result<StudyStateEdit, SessionError> SessionManager::undoLastStudyStateEdit() {
     if (!lastStudyStateEdit_) {
-        return fail(std::string("There is no change of study state to undo."));
+        return fail(SessionFailure::noStudyStateEditToUndo);
     }
     const StudyStateEdit edit = *lastStudyStateEdit_;
     return relabel(edit.sessionID, edit.startDate, edit.endDate, edit.previousState);
 }
 
-Result<void, std::string> SessionManager::answerNoInputPrompt(NoInputPromptAnswer answer,
-                                                              std::optional<Date> from,
-                                                              std::optional<Date> to) {
+Result<void, SessionError> SessionManager::answerNoInputPrompt(NoInputPromptAnswer answer,
+                                                               std::optional<Date> from,
+                                                               std::optional<Date> to) {
     if (!pendingNoInputPrompt_) {
-        return fail(sessionFailureMessage(SessionFailure::noPendingPrompt));
+        return fail(SessionFailure::noPendingPrompt);
     }
     const NoInputClassificationPrompt prompt = *pendingNoInputPrompt_;
     switch (answer) {
@@ -79,12 +77,11 @@ Result<void, std::string> SessionManager::answerNoInputPrompt(NoInputPromptAnswe
         }
         case NoInputPromptAnswer::endThere:
             if (!asksToEndSession(prompt)) {
-                report(sessionFailureMessage(SessionFailure::endThereNotOffered));
-                return fail(*lastError_);
+                return fail(SessionFailure::endThereNotOffered);
             }
             if (!activeSession_ || activeSession_->id != prompt.sessionID ||
                 !pendingNoInputPromptStart_) {
-                return fail(sessionFailureMessage(SessionFailure::noActiveSession));
+                return fail(SessionFailure::noActiveSession);
             }
             endAt(*pendingNoInputPromptStart_,
                   prompt.timerDurationAtStartDate.value_or(

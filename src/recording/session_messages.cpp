@@ -58,12 +58,36 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
             return "Lumenote found an unfinished session. Continue it or end it before starting "
                    "a new one.";
         case SessionFailure::rulesNotCleared:
+        case SessionFailure::rulesNotLoaded:
             return std::string(detail);
         case SessionFailure::editWhileActive:
             return "End the active session before editing it.";
         case SessionFailure::endThereNotOffered:
             return "Ending the session there is offered only after a run of 45 minutes or more "
                    "without input.";
+        case SessionFailure::rangeOutsideSession:
+            return "That time range falls outside this session.";
+        case SessionFailure::emptyRange:
+            return "Select a range longer than zero seconds.";
+        case SessionFailure::notANoInputPeriod:
+            return "Lumenote only relabels time when this Mac recorded no keyboard or mouse "
+                   "input. Recorded computer activity is never rewritten.";
+        case SessionFailure::unsupportedCalculationVersion:
+            return "This session was recorded before confirmed off-Mac study existed, so "
+                   "Lumenote keeps its original totals rather than reinterpreting them.";
+        case SessionFailure::noStudyStateEditToUndo:
+            return "There is no change of study state to undo.";
+        case SessionFailure::checkpointNotSaved:
+            return "The recovery checkpoint could not be saved. Persisted study activity "
+                   "remains available.";
+        case SessionFailure::damagedCheckpointIsolated:
+            return "A damaged recovery checkpoint was isolated. Persisted study activity "
+                   "remains available.";
+        case SessionFailure::recoveryFailed:
+            return fmt::format("Lumenote could not recover an unfinished session: {}", detail);
+        case SessionFailure::checkpointNotRemoved:
+            return "The completed recovery checkpoint could not be removed. It will be "
+                   "reconciled safely on the next launch.";
     }
     return {};
 }

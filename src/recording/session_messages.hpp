@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace lumenote {
 
@@ -34,13 +35,30 @@ enum class SessionFailure {
     endThereNotOffered,  // "end the session there" answered to a short run
     editWhileActive,     // editing the session that is being recorded
     rulesNotCleared,     // {error}: the rules' own sentence, as a reset reports it
+    rulesNotLoaded,      // {error}: the rules' own sentence, as start-up reports it
+    // Relabelling time without input (see session_study_state_editor.hpp).
+    rangeOutsideSession,
+    emptyRange,
+    notANoInputPeriod,
+    unsupportedCalculationVersion,
+    noStudyStateEditToUndo,
+    // The recovery checkpoint and the offer to recover.
+    checkpointNotSaved,
+    damagedCheckpointIsolated,
+    recoveryFailed,  // {error}
+    checkpointNotRemoved,
 };
 
 // The sentence shown for `failure`; `detail` fills its {error} or limit.
 std::string sessionFailureMessage(SessionFailure failure, std::string_view detail = {});
 
-// A failure with what fills its sentence (a store error, a limit).
+// A failure with what fills its sentence (a store error, a limit): the one
+// error type the recording services return. Front ends show message().
 struct SessionError {
+    SessionError(SessionFailure failureCase = SessionFailure::activityNotSaved,
+                 std::string filling = {})
+        : failure(failureCase), detail(std::move(filling)) {}
+
     SessionFailure failure;
     std::string detail;
 

@@ -152,22 +152,20 @@ std::vector<ConfirmedNoInputInterval> confirmationsToSave(const StudyStateEditOu
     return changed;
 }
 
-std::string_view sessionStudyStateEditErrorMessage(SessionStudyStateEditError error) {
+SessionFailure studyStateEditFailure(SessionStudyStateEditError error) {
     switch (error) {
         case SessionStudyStateEditError::sessionUnavailable:
-            return "This session is no longer available.";
+            return SessionFailure::sessionNotFound;
         case SessionStudyStateEditError::rangeOutsideSession:
-            return "That time range falls outside this session.";
+            return SessionFailure::rangeOutsideSession;
         case SessionStudyStateEditError::emptyRange:
-            return "Select a range longer than zero seconds.";
+            return SessionFailure::emptyRange;
         case SessionStudyStateEditError::notANoInputPeriod:
-            return "Lumenote only relabels time when this Mac recorded no keyboard or mouse "
-                   "input. Recorded computer activity is never rewritten.";
+            return SessionFailure::notANoInputPeriod;
         case SessionStudyStateEditError::unsupportedCalculationVersion:
             break;
     }
-    return "This session was recorded before confirmed off-Mac study existed, so Lumenote keeps "
-           "its original totals rather than reinterpreting them.";
+    return SessionFailure::unsupportedCalculationVersion;
 }
 
 }  // namespace lumenote

@@ -12,6 +12,7 @@
 #include "foundation/result.hpp"
 #include "foundation/uuid.hpp"
 #include "recording/enumerations.hpp"
+#include "recording/session_messages.hpp"
 #include "recording/session_records.hpp"
 #include "recording/study_state_edit.hpp"
 
@@ -25,8 +26,8 @@ enum class SessionStudyStateEditError {
     unsupportedCalculationVersion,
 };
 
-// The sentence shown for `error`.
-std::string_view sessionStudyStateEditErrorMessage(SessionStudyStateEditError error);
+// The recorder's failure for `error`, whose sentence is the one shown.
+SessionFailure studyStateEditFailure(SessionStudyStateEditError error);
 
 // What an accepted edit changes. Recorded activity is never touched: only
 // confirmations are added, and replaced ones are kept with `supersededAt`.

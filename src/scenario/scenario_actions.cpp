@@ -92,32 +92,32 @@ ActionResult startSession(const ActionCall& call) {
     if (const auto templateText = stringArgument(args, "template"); !templateText.empty()) {
         request.templateID = Uuid::parse(templateText);
     }
-    (void)call.recorder().start(request);
+    call.machine.noteOutcome(call.recorder().start(request));
     return {};
 }
 
 ActionResult pauseSession(const ActionCall& call) {
-    (void)call.recorder().pause();
+    call.machine.noteOutcome(call.recorder().pause());
     return {};
 }
 
 ActionResult resumeSession(const ActionCall& call) {
-    (void)call.recorder().resume();
+    call.machine.noteOutcome(call.recorder().resume());
     return {};
 }
 
 ActionResult endSession(const ActionCall& call) {
-    (void)call.recorder().end();
+    call.machine.noteOutcome(call.recorder().end());
     return {};
 }
 
 ActionResult startAway(const ActionCall& call) {
-    (void)call.recorder().startPassiveStudy();
+    call.machine.noteOutcome(call.recorder().startPassiveStudy());
     return {};
 }
 
 ActionResult endAway(const ActionCall& call) {
-    (void)call.recorder().endPassiveStudy();
+    call.machine.noteOutcome(call.recorder().endPassiveStudy());
     return {};
 }
 
@@ -131,8 +131,8 @@ ActionResult answerPrompt(const ActionCall& call) {
     if (answer == answers.end()) {
         return fail(std::string("\"answer\" is passiveStudy, confirmedBreak, leave or endThere"));
     }
-    (void)call.recorder().answerNoInputPrompt(answer->second, dateArgument(call, "from"),
-                                              dateArgument(call, "to"));
+    call.machine.noteOutcome(call.recorder().answerNoInputPrompt(
+        answer->second, dateArgument(call, "from"), dateArgument(call, "to")));
     return {};
 }
 
@@ -231,9 +231,9 @@ ActionResult relaunch(const ActionCall& call) {
         return {};
     }
     if (recovery == "continue") {
-        (void)recorder.continueRecoveredSession();
+        call.machine.noteOutcome(recorder.continueRecoveredSession());
     } else if (recovery == "end") {
-        (void)recorder.endRecoveredSession();
+        call.machine.noteOutcome(recorder.endRecoveredSession());
     } else if (recovery != "none") {
         return fail(std::string("\"recovery\" is continue, end or none"));
     }
@@ -348,12 +348,12 @@ ActionResult relabel(const ActionCall& call) {
             return fail(std::string("\"state\" is passiveStudy, confirmedBreak or unconfirmed"));
         }
     }
-    (void)call.recorder().relabel(*session, *from, *to, newState);
+    call.machine.noteOutcome(call.recorder().relabel(*session, *from, *to, newState));
     return {};
 }
 
 ActionResult undoEdit(const ActionCall& call) {
-    (void)call.recorder().undoLastStudyStateEdit();
+    call.machine.noteOutcome(call.recorder().undoLastStudyStateEdit());
     return {};
 }
 

@@ -42,19 +42,15 @@ void ScenarioMachine::launch() {
         machine_.historyDependencies(*store_, *rules_, recordingPreferences_, save));
     manager_ = std::make_unique<SessionManager>(machine_.dependencies(
         *store_, recordingPreferences_, checkpointStore_, *rules_, *history_, save));
+    // What start-up finds is not shown: a relaunch starts with no error.
     manager_->startUp();
-    manager_->clearLastError();
+    manager_->problems().add(
+        [this](const SessionError& problem) { frontError_ = problem.message(); });
 }
 
 std::optional<std::string> ScenarioMachine::takeShownError() {
-    std::optional<std::string> shown = frontError_;
+    std::optional<std::string> shown = std::move(frontError_);
     frontError_.reset();
-    if (manager_) {
-        if (!shown) {
-            shown = manager_->lastError();
-        }
-        manager_->clearLastError();
-    }
     return shown;
 }
 

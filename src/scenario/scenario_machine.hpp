@@ -32,7 +32,7 @@ class ScenarioMachine {
 
     // Moves the simulated clocks to `scriptSeconds` after the script's start,
     // one second at a time, calling the recorder's tick() after each whole
-    // second as the host loop does; a fraction left over is added last.
+    // second as the recorder runtime does; a fraction left over is added last.
     void advanceTo(double scriptSeconds);
 
     // The recorder; null between crash() and relaunch().
@@ -49,10 +49,11 @@ class ScenarioMachine {
     // anew with it); they outlive a crash until the relaunch.
     ClassificationRules& rules() { return *rules_; }
     SessionHistory& history() { return *history_; }
-    // The failure of a rule or history change, shown as the application shows
-    // it; an "expectError" step reads it before the recorder's own last error.
-    template <typename Error>
-    void noteOutcome(const Result<void, Error>& outcome) {
+    // Keeps the failure of an action, as a front end keeps it to show: the
+    // last one, whether an action returned it or the recorder reported it
+    // on its own (a save during a tick); an "expectError" step reads it.
+    template <typename Value, typename Error>
+    void noteOutcome(const Result<Value, Error>& outcome) {
         if (!outcome.ok()) {
             frontError_ = outcome.error().message();
         }

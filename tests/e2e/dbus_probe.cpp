@@ -18,11 +18,11 @@
 
 #include <nlohmann/json.hpp>
 
-#include "platform/linux/command_client.hpp"
-#include "platform/linux/command_service.hpp"
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/signal_bridge.hpp"
 #include "platform/linux/system_event_source.hpp"
+#include "runtime/command_client.hpp"
+#include "runtime/command_service.hpp"
 
 namespace {
 
@@ -33,7 +33,7 @@ void printLine(const nlohmann::json& line) {
 }
 
 // A recorder with one session that only moves when commanded.
-class StubRecorder final : public lumenote::RecorderCommandHandler {
+class StubRecorder final : public lumenote::runtime::RecorderCommandHandler {
   public:
     explicit StubRecorder(std::function<void()> onEnd) : onEnd_(std::move(onEnd)) {}
 
@@ -61,8 +61,8 @@ class StubRecorder final : public lumenote::RecorderCommandHandler {
         away_ = false;
         return {};
     }
-    lumenote::RecorderStatus status() override {
-        lumenote::RecorderStatus status;
+    lumenote::runtime::RecorderStatus status() override {
+        lumenote::runtime::RecorderStatus status;
         status.sessionActive = active_;
         status.subject = "Étude – Ω";
         status.state =
@@ -111,7 +111,7 @@ std::string authorizationName(lumenote::NotificationAuthorization authorization)
 }
 
 int serve(QCoreApplication& app, int argc, char** argv) {
-    lumenote::RecorderCommandService* servicePointer = nullptr;
+    lumenote::runtime::RecorderCommandService* servicePointer = nullptr;
     // The service is released after the reply to EndSession has gone out, as
     // a recorder does when its session ends.
     StubRecorder recorder([&servicePointer] {
@@ -120,7 +120,7 @@ int serve(QCoreApplication& app, int argc, char** argv) {
             printLine({{"event", "commandServiceStopped"}});
         });
     });
-    lumenote::RecorderCommandService service(recorder, QDBusConnection::sessionBus());
+    lumenote::runtime::RecorderCommandService service(recorder, QDBusConnection::sessionBus());
     servicePointer = &service;
 
     const auto eventPrinter = [](const char* kind) {
@@ -156,7 +156,8 @@ int serve(QCoreApplication& app, int argc, char** argv) {
     ready["notifications"] = authorizationName(notifications.authorization());
     const auto started = service.start();
     ready["commandService"] =
-        started ? std::string("running") : lumenote::commandServiceFailureMessage(started.error());
+        started ? std::string("running")
+                : lumenote::runtime::commandServiceFailureMessage(started.error());
     printLine(ready);
 
     if (argc >= 5 && std::string(argv[2]) == "--notify") {
@@ -167,18 +168,18 @@ int serve(QCoreApplication& app, int argc, char** argv) {
 }
 
 int call(const std::string& method) {
-    const auto command = lumenote::recorderCommandFromMethod(method);
+    const auto command = lumenote::runtime::recorderCommandFromMethod(method);
     if (!command) {
         printLine({{"ok", false}, {"message", "unknown method " + method}});
         return 2;
     }
-    const auto answer = lumenote::callRecorderCommand(*command);
+    const auto answer = lumenote::runtime::callRecorderCommand(*command);
     if (!answer) {
-        printLine(
-            {{"ok", false}, {"message", lumenote::commandClientErrorMessage(answer.error())}});
+        printLine({{"ok", false},
+                   {"message", lumenote::runtime::commandClientErrorMessage(answer.error())}});
         return 1;
     }
-    const auto parsed = lumenote::parseRecorderStatus(*answer);
+    const auto parsed = lumenote::runtime::parseRecorderStatus(*answer);
     nlohmann::json line{{"ok", true}, {"reply", *answer}};
     if (parsed) {
         line["state"] = parsed->sessionActive ? std::string(lumenote::rawValue(parsed->state))
@@ -186,7 +187,7 @@ int call(const std::string& method) {
         line["subject"] = parsed->subject;
         line["studyState"] = std::string(lumenote::rawValue(parsed->studyState));
     } else {
-        line["parseError"] = lumenote::recorderStatusParseErrorMessage(parsed.error());
+        line["parseError"] = lumenote::runtime::recorderStatusParseErrorMessage(parsed.error());
     }
     printLine(line);
     return 0;

@@ -1,4 +1,5 @@
 #include "recording/active_session_checkpoint.hpp"
+#include "recording/session_messages.hpp"
 
 #include <cmath>
 #include <functional>
@@ -276,7 +277,7 @@ TEST(ActiveSessionCheckpointTest,
 }
 
 TEST(ActiveSessionCheckpointTest, RecoveryFailureMessageFillsInTheError) {
-    EXPECT_EQ(recoveryFailureMessage(RecoveryFailure::recoveryFailed, "The file is too large."),
+    EXPECT_EQ(sessionFailureMessage(SessionFailure::recoveryFailed, "The file is too large."),
               "Lumenote could not recover an unfinished session: The file is too large.");
 }
 

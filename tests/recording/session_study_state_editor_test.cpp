@@ -76,7 +76,7 @@ TEST_P(StudyStateEditRefusalTest, RefusesWithItsMessage) {
                                   Source::replayEdit, kNow);
     ASSERT_FALSE(result.ok());
     EXPECT_EQ(result.error(), param.expected);
-    EXPECT_EQ(sessionStudyStateEditErrorMessage(result.error()), param.message);
+    EXPECT_EQ(sessionFailureMessage(studyStateEditFailure(result.error())), param.message);
 }
 
 StudySession withVersion(std::optional<long long> raw) {

@@ -43,6 +43,9 @@ class SessionManagerTest : public ::testing::Test {
             machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
         manager_ = std::make_unique<SessionManager>(machine_.dependencies(
             *store_, recordingPreferences_, *checkpointStore_, *rules_, *history_));
+        problem_.reset();
+        manager_->problems().add(
+            [this](const SessionError& problem) { problem_ = problem.message(); });
         manager_->startUp();
     }
     // The process ends without finishing its session: what is stored stays.
@@ -84,6 +87,8 @@ class SessionManagerTest : public ::testing::Test {
     std::unique_ptr<ClassificationRules> rules_;
     std::unique_ptr<SessionHistory> history_;
     std::unique_ptr<SessionManager> manager_;
+    // The last failure the manager reported on its own.
+    std::optional<std::string> problem_;
 };
 
 TEST_F(SessionManagerTest, PlannedDurationBoundaries) {
@@ -102,18 +107,18 @@ TEST_F(SessionManagerTest, PlannedDurationBoundaries) {
             ASSERT_TRUE(manager_->end().ok());
         } else {
             EXPECT_EQ(started.error(), SessionFailure::invalidDuration);
-            EXPECT_EQ(manager_->lastError(), "Choose a valid duration.");
+            EXPECT_EQ(started.error().message(), "Choose a valid duration.");
             EXPECT_FALSE(manager_->activeSession());
         }
-        manager_->clearLastError();
     }
 }
 
 TEST_F(SessionManagerTest, SubjectOfOnlyWhiteSpaceIsRefused) {
     SessionStartRequest start = request();
     start.subject = " \t\n ";
-    EXPECT_EQ(manager_->start(start).error(), SessionFailure::subjectMissing);
-    EXPECT_EQ(manager_->lastError(), "Add a subject.");
+    const auto started = manager_->start(start);
+    EXPECT_EQ(started.error(), SessionFailure::subjectMissing);
+    EXPECT_EQ(started.error().message(), "Add a subject.");
     EXPECT_TRUE(stored().empty());
 }
 
@@ -157,7 +162,7 @@ TEST_F(SessionManagerTest, OpenSegmentIsWrittenAtTheSaveCadenceNotEveryTick) {
 TEST_F(SessionManagerTest, FailedCheckpointWriteNeverStopsRecording) {
     checkpoints_.failWrites = true;
     ASSERT_TRUE(manager_->start(request()).ok());
-    EXPECT_EQ(manager_->lastError(),
+    EXPECT_EQ(problem_,
               "The recovery checkpoint could not be saved. Persisted study activity remains "
               "available.");
     tickFor(30);
@@ -172,7 +177,7 @@ TEST_F(SessionManagerTest, FailedCheckpointWriteNeverStopsRecording) {
 TEST_F(SessionManagerTest, DamagedCheckpointIsReportedAtLaunch) {
     checkpoints_.returnsCorrupt = true;
     launch();
-    EXPECT_EQ(manager_->lastError(),
+    EXPECT_EQ(problem_,
               "A damaged recovery checkpoint was isolated. Persisted study activity remains "
               "available.");
     EXPECT_FALSE(manager_->pendingRecoverySession());
@@ -187,7 +192,7 @@ TEST_F(SessionManagerTest, CheckpointOfAFinishedSessionIsRemovedWithoutAQuestion
     launch();
     EXPECT_FALSE(manager_->pendingRecoverySession());
     EXPECT_FALSE(checkpoints_.checkpoint);
-    EXPECT_FALSE(manager_->lastError());
+    EXPECT_FALSE(problem_);
 }
 
 TEST_F(SessionManagerTest, ChangedDerivedRevisionRecalculatesFinishedSessions) {
@@ -276,8 +281,9 @@ TEST_F(SessionManagerTest, NoSessionStartsWhileARecoveryOfferWaits) {
 
     SessionStartRequest other = request();
     other.subject = "Chemistry";
-    EXPECT_EQ(manager_->start(other).error(), SessionFailure::recoveryPending);
-    EXPECT_EQ(manager_->lastError(),
+    const auto refused = manager_->start(other);
+    EXPECT_EQ(refused.error(), SessionFailure::recoveryPending);
+    EXPECT_EQ(refused.error().message(),
               "Lumenote found an unfinished session. Continue it or end it before starting a "
               "new one.");
     EXPECT_FALSE(manager_->activeSession());
@@ -351,9 +357,8 @@ TEST_F(SessionManagerTest, UnreadableCheckpointFallsBackToTheLiveSessionInTheSto
         launch();
         ASSERT_TRUE(manager_->pendingRecoverySession());
         EXPECT_EQ(manager_->pendingRecoverySession()->id, unfinished);
-        EXPECT_FALSE(manager_->lastError());
+        EXPECT_FALSE(problem_);
         ASSERT_TRUE(manager_->endRecoveredSession().ok());
-        manager_->clearLastError();
         std::filesystem::remove_all(checkpoint);
     }
     EXPECT_TRUE(store_->liveSessions()->empty());
@@ -364,7 +369,7 @@ TEST_F(SessionManagerTest, UnreadableCheckpointFallsBackToTheLiveSessionInTheSto
     std::ofstream(checkpoint) << std::string(kActiveSessionCheckpointByteLimit + 1, ' ');
     launch();
     EXPECT_FALSE(manager_->pendingRecoverySession());
-    EXPECT_EQ(manager_->lastError(),
+    EXPECT_EQ(problem_,
               "Lumenote could not recover an unfinished session: The recovery checkpoint file is "
               "larger than allowed.");
     manager_.reset();

@@ -1,4 +1,4 @@
-#include "platform/linux/command_protocol.hpp"
+#include "runtime/command_protocol.hpp"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 #include "foundation/raw_enum.hpp"
 
-namespace lumenote {
+namespace lumenote::runtime {
 namespace {
 
 RecorderStatus runningStatus() {
@@ -167,4 +167,4 @@ TEST(RecorderStatusJson, MalformedDocumentsAreRefused) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::runtime

@@ -1,4 +1,4 @@
-#include "recorder/record_view.hpp"
+#include "terminal/record_view.hpp"
 
 #include <fmt/format.h>
 
@@ -7,7 +7,7 @@
 #include "recording/focus_score_text.hpp"
 #include "recording/session_figures.hpp"
 
-namespace lumenote::recorder {
+namespace lumenote::terminal {
 
 namespace {
 
@@ -129,4 +129,4 @@ std::string sessionSummary(const StudySession& session) {
     return text;
 }
 
-}  // namespace lumenote::recorder
+}  // namespace lumenote::terminal

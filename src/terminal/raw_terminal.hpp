@@ -4,7 +4,7 @@
 
 #include <termios.h>
 
-namespace lumenote::recorder {
+namespace lumenote::terminal {
 
 class RawTerminal {
   public:
@@ -21,4 +21,4 @@ class RawTerminal {
     bool active_ = false;
 };
 
-}  // namespace lumenote::recorder
+}  // namespace lumenote::terminal

@@ -1,8 +1,8 @@
-#include "recorder/raw_terminal.hpp"
+#include "terminal/raw_terminal.hpp"
 
 #include <unistd.h>
 
-namespace lumenote::recorder {
+namespace lumenote::terminal {
 
 RawTerminal::RawTerminal(int descriptor) : descriptor_(descriptor) {
     if (!isatty(descriptor_) || tcgetattr(descriptor_, &saved_) != 0) {
@@ -23,4 +23,4 @@ RawTerminal::~RawTerminal() {
     }
 }
 
-}  // namespace lumenote::recorder
+}  // namespace lumenote::terminal

@@ -1,10 +1,10 @@
 // The terminal recorder's texts: the question about time without input, the
 // live line and the summary use the product's own words for away study.
-#include "recorder/record_view.hpp"
+#include "terminal/record_view.hpp"
 
 #include <gtest/gtest.h>
 
-namespace lumenote::recorder {
+namespace lumenote::terminal {
 namespace {
 
 NoInputClassificationPrompt promptOf(double seconds) {
@@ -54,4 +54,4 @@ TEST(RecordView, SummaryListsAwayStudyUnderItsName) {
 }
 
 }  // namespace
-}  // namespace lumenote::recorder
+}  // namespace lumenote::terminal

@@ -1,5 +1,7 @@
 // What the desktop lets the recorder observe: the X display and its idle
 // extension, logind and the screen saver, and the notification server.
+#include "runtime/setup_check.hpp"
+
 #include <fmt/format.h>
 
 #include <QCoreApplication>
@@ -10,9 +12,8 @@
 #include "platform/linux/system_event_source.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
-#include "recorder/recorder.hpp"
 
-namespace lumenote::recorder {
+namespace lumenote::runtime {
 
 namespace {
 
@@ -68,4 +69,4 @@ SetupCheck checkSetup() {
     return check;
 }
 
-}  // namespace lumenote::recorder
+}  // namespace lumenote::runtime

@@ -10,7 +10,7 @@
 #include "foundation/result.hpp"
 #include "recording/enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::runtime {
 
 inline constexpr const char* kCommandServiceName = "com.tallywise.Lumenote";
 inline constexpr const char* kCommandServicePath = "/com/tallywise/Lumenote";
@@ -60,4 +60,4 @@ std::string recorderStatusParseErrorMessage(RecorderStatusParseError error);
 // newer recorder can add some.
 Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string_view json);
 
-}  // namespace lumenote
+}  // namespace lumenote::runtime

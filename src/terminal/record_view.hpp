@@ -11,7 +11,7 @@
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_records.hpp"
 
-namespace lumenote::recorder {
+namespace lumenote::terminal {
 
 // What the live line is drawn from.
 struct RecordingSnapshot {
@@ -50,4 +50,4 @@ std::string quitQuestion();
 // not zero, the focus score (or why there is none) and its coverage.
 std::string sessionSummary(const StudySession& session);
 
-}  // namespace lumenote::recorder
+}  // namespace lumenote::terminal

@@ -7,9 +7,9 @@
 #include <string>
 
 #include "foundation/result.hpp"
-#include "platform/linux/command_protocol.hpp"
+#include "runtime/command_protocol.hpp"
 
-namespace lumenote {
+namespace lumenote::runtime {
 
 enum class CommandClientFailure {
     noSessionBus,
@@ -34,4 +34,4 @@ Result<std::string, CommandClientError> callRecorderCommand(
     RecorderCommand command, QDBusConnection sessionBus = QDBusConnection::sessionBus(),
     int timeoutMilliseconds = 3000);
 
-}  // namespace lumenote
+}  // namespace lumenote::runtime

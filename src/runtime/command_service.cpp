@@ -1,9 +1,9 @@
-#include "platform/linux/command_service.hpp"
+#include "runtime/command_service.hpp"
 
 #include <QDBusConnectionInterface>
 #include <QDBusContext>
 
-namespace lumenote {
+namespace lumenote::runtime {
 
 namespace {
 
@@ -96,6 +96,6 @@ void RecorderCommandService::stop() {
     bus_.unregisterObject(QString::fromLatin1(kCommandServicePath));
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::runtime
 
 #include "command_service.moc"

@@ -1,14 +1,15 @@
 // The client side of the recorder's bus service, for `lumenote-cli pause`,
 // `resume`, `end`, `away`, `back` and `status`.
+#include "runtime/recorder_control.hpp"
+
 #include <fmt/format.h>
 
-#include "platform/linux/command_client.hpp"
-#include "platform/linux/command_protocol.hpp"
-#include "recorder/recorder.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_figures.hpp"
+#include "runtime/command_client.hpp"
+#include "runtime/command_protocol.hpp"
 
-namespace lumenote::recorder {
+namespace lumenote::runtime {
 
 namespace {
 
@@ -99,4 +100,4 @@ Result<std::string, std::string> controlRecorder(RecorderControl control) {
     return done;
 }
 
-}  // namespace lumenote::recorder
+}  // namespace lumenote::runtime

@@ -1,10 +1,10 @@
-#include "platform/linux/command_client.hpp"
+#include "runtime/command_client.hpp"
 
 #include <QDBusMessage>
 
 #include <fmt/format.h>
 
-namespace lumenote {
+namespace lumenote::runtime {
 
 namespace {
 
@@ -73,4 +73,4 @@ Result<std::string, CommandClientError> callRecorderCommand(RecorderCommand comm
     return reply.arguments().constFirst().toString().toStdString();
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::runtime

@@ -1,11 +1,11 @@
-#include "platform/linux/command_protocol.hpp"
+#include "runtime/command_protocol.hpp"
 
 #include <cmath>
 #include <utility>
 
 #include <nlohmann/json.hpp>
 
-namespace lumenote {
+namespace lumenote::runtime {
 
 namespace {
 
@@ -125,4 +125,4 @@ Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string
     return status;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::runtime

@@ -9,12 +9,12 @@
 #include <string>
 
 #include "foundation/result.hpp"
-#include "platform/linux/command_protocol.hpp"
+#include "runtime/command_protocol.hpp"
 
-namespace lumenote {
+namespace lumenote::runtime {
 
-// What the service does with each command; the recorder host implements it
-// over its session manager. Called on the thread of the service. A handler
+// What the service does with each command; the recorder runtime implements
+// it over its session manager. Called on the thread of the service. A handler
 // must not stop the service from inside a command (for example when the
 // session ends): defer it to the loop (QTimer::singleShot(0, ...)) so that the
 // answer goes out first.
@@ -22,6 +22,8 @@ class RecorderCommandHandler {
   public:
     virtual ~RecorderCommandHandler() = default;
     // Pauses a running session or resumes a paused one.
+    // A refusal carries the sentence the caller shows: the bus carries
+    // sentences, not the recorder's failure cases.
     virtual Result<void, std::string> togglePause() = 0;
     virtual Result<void, std::string> endSession() = 0;
     virtual Result<void, std::string> startPassiveStudy() = 0;
@@ -61,4 +63,4 @@ class RecorderCommandService : public QObject {
     bool running_ = false;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::runtime

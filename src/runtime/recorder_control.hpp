@@ -1,0 +1,20 @@
+// Commanding the running recorder from another process (`lumenote-cli pause`,
+// `resume`, `end`, `away`, `back`, `status`) over the session bus.
+#pragma once
+
+#include <string>
+
+#include "foundation/result.hpp"
+
+namespace lumenote::runtime {
+
+// The commands another process can send to the recorder.
+enum class RecorderControl { pause, resume, end, away, back, status };
+
+// Sends `control` to the recorder of this user session over the session bus
+// and returns what to print: the recorder's status for `status`, a short
+// confirmation otherwise. Fails with the sentence to show, including when
+// nothing is recording.
+Result<std::string, std::string> controlRecorder(RecorderControl control);
+
+}  // namespace lumenote::runtime

@@ -1,0 +1,264 @@
+#include "runtime/recorder_runtime.hpp"
+
+#include <fmt/format.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+
+#include "platform/linux/signal_bridge.hpp"
+#include "platform/linux/system_event_source.hpp"
+
+namespace lumenote::runtime {
+
+RecorderRuntime::RecorderRuntime(RecorderServices& services, RecorderFrontEnd& frontEnd)
+    : services_(services), frontEnd_(frontEnd) {
+    ticker_.setTimerType(Qt::PreciseTimer);
+    ticker_.setInterval(1000);
+    connect(&ticker_, &QTimer::timeout, this, &RecorderRuntime::onTick);
+    if (services_.activationDescriptor() >= 0) {
+        activationNotifier_ = std::make_unique<QSocketNotifier>(services_.activationDescriptor(),
+                                                                QSocketNotifier::Read, this);
+        connect(activationNotifier_.get(), &QSocketNotifier::activated, this,
+                &RecorderRuntime::onActivation);
+    }
+    problemsObservation_ =
+        manager().problems().add([this](const SessionError& problem) { show(problem); });
+}
+
+RecorderRuntime::~RecorderRuntime() {
+    if (commandService_) {
+        commandService_->stop();
+    }
+    if (systemEvents_) {
+        systemEvents_->stop();
+    }
+    manager().problems().remove(problemsObservation_);
+}
+
+std::vector<std::string> RecorderRuntime::begin() {
+    std::vector<std::string> gaps;
+    SystemEventCallbacks callbacks;
+    callbacks.sleep = [this](SystemEventCause) { manager().willSleep(); };
+    callbacks.wake = [this](SystemEventCause) { manager().didWake(); };
+    callbacks.terminate = [this](SystemEventCause) { terminate("The system is shutting down"); };
+    systemEvents_ = std::make_unique<LinuxSystemEventSource>(
+        callbacks, SystemEventSourceSettings::fromEnvironment());
+    for (const SystemEventGap gap : systemEventGaps(systemEvents_->start())) {
+        gaps.push_back(systemEventGapMessage(gap));
+    }
+    signalBridge_ = std::make_unique<SignalBridge>(
+        [this](int signal) { terminate(fmt::format("Stopped by {}", signalName(signal))); });
+    if (auto installed = signalBridge_->install(); !installed.ok()) {
+        gaps.push_back(signalBridgeFailureMessage(installed.error()));
+    }
+    ticker_.start();
+    return gaps;
+}
+
+std::optional<std::string> RecorderRuntime::serveCommands() {
+    commandService_ =
+        std::make_unique<RecorderCommandService>(commandAnswers_, QDBusConnection::sessionBus());
+    if (auto started = commandService_->start(); !started.ok()) {
+        return commandServiceFailureMessage(started.error());
+    }
+    return std::nullopt;
+}
+
+Result<void, SessionError> RecorderRuntime::start(const SessionStartRequest& request) {
+    auto started = shown(manager().start(request));
+    if (started.ok()) {
+        sessionStarted_ = true;
+    }
+    return started;
+}
+
+Result<void, SessionError> RecorderRuntime::continueRecoveredSession() {
+    auto continued = shown(manager().continueRecoveredSession());
+    if (continued.ok()) {
+        sessionStarted_ = true;
+    }
+    return continued;
+}
+
+Result<void, SessionError> RecorderRuntime::endRecoveredSession() {
+    return shown(manager().endRecoveredSession());
+}
+
+Result<void, SessionError> RecorderRuntime::answerNoInputQuestion(
+    SessionManager::NoInputPromptAnswer answer) {
+    auto answered = shown(manager().answerNoInputPrompt(answer));
+    followSession();
+    return answered;
+}
+
+Result<void, SessionError> RecorderRuntime::end() {
+    auto ended = shown(manager().end());
+    followSession();
+    return ended;
+}
+
+Result<void, SessionError> RecorderRuntime::endAsInterrupted() {
+    auto ended = shown(manager().endAsInterrupted());
+    followSession();
+    return ended;
+}
+
+Result<void, SessionError> RecorderRuntime::togglePause() {
+    const auto& session = manager().activeSession();
+    if (!session) {
+        return shown(fail(SessionFailure::noActiveSession));
+    }
+    const bool paused = session->status() == StudySessionStatus::paused;
+    auto done = shown(paused ? manager().resume() : manager().pause());
+    if (done.ok()) {
+        frontEnd_.controlled(paused ? RecorderControl::resume : RecorderControl::pause);
+    }
+    return done;
+}
+
+Result<void, SessionError> RecorderRuntime::endSession() {
+    auto done = shown(manager().end());
+    if (done.ok()) {
+        frontEnd_.controlled(RecorderControl::end);
+        // The command service's reply goes out before the loop stops: the
+        // end is followed on the loop's next turn.
+        QTimer::singleShot(0, this, [this] { followSession(); });
+    }
+    return done;
+}
+
+Result<void, SessionError> RecorderRuntime::startPassiveStudy() {
+    auto done = shown(manager().startPassiveStudy());
+    if (done.ok()) {
+        frontEnd_.controlled(RecorderControl::away);
+    }
+    return done;
+}
+
+Result<void, SessionError> RecorderRuntime::returnToComputerStudy() {
+    auto done = shown(manager().endPassiveStudy());
+    if (done.ok()) {
+        frontEnd_.controlled(RecorderControl::back);
+    }
+    return done;
+}
+
+namespace {
+
+Result<void, std::string> sentence(const Result<void, SessionError>& outcome) {
+    if (!outcome.ok()) {
+        return fail(outcome.error().message());
+    }
+    return {};
+}
+
+}  // namespace
+
+Result<void, std::string> RecorderRuntime::CommandAnswers::togglePause() {
+    return sentence(runtime_.togglePause());
+}
+
+Result<void, std::string> RecorderRuntime::CommandAnswers::endSession() {
+    return sentence(runtime_.endSession());
+}
+
+Result<void, std::string> RecorderRuntime::CommandAnswers::startPassiveStudy() {
+    return sentence(runtime_.startPassiveStudy());
+}
+
+Result<void, std::string> RecorderRuntime::CommandAnswers::returnToComputerStudy() {
+    return sentence(runtime_.returnToComputerStudy());
+}
+
+RecorderStatus RecorderRuntime::status() {
+    SessionManager& recorder = manager();
+    RecorderStatus status;
+    const auto& session = recorder.activeSession();
+    if (!session) {
+        return status;
+    }
+    status.sessionActive = true;
+    status.subject = session->subject;
+    status.state = session->status();
+    status.elapsedSeconds = recorder.currentTimerValue();
+    if (session->timingMode() == SessionTimingMode::timer) {
+        status.remainingSeconds = std::max(0.0, session->plannedDuration - status.elapsedSeconds);
+    }
+    status.currentActivity = recorder.currentApplicationName();
+    status.currentClassification = recorder.currentClassification();
+    status.studyState = recorder.liveStudyState();
+    status.asleep = recorder.isSleeping();
+    return status;
+}
+
+void RecorderRuntime::terminate(const std::string& reason) {
+    if (stopped_) {
+        return;
+    }
+    manager().willTerminate();
+    frontEnd_.terminated(reason);
+    stop(0);
+}
+
+void RecorderRuntime::stop(int status) {
+    if (stopped_) {
+        return;
+    }
+    stopped_ = true;
+    exitStatus_ = status;
+    ticker_.stop();
+    QCoreApplication::exit(status);
+}
+
+void RecorderRuntime::onTick() {
+    if (stopped_) {
+        return;
+    }
+    manager().tick();
+    // Xlib may have read activation events off the socket during the tick's
+    // own calls, where the socket notifier cannot see them.
+    if (services_.takeActivation()) {
+        manager().applicationActivated();
+    }
+    followSession();
+    if (!stopped_) {
+        frontEnd_.refresh();
+    }
+}
+
+void RecorderRuntime::onActivation() {
+    if (services_.takeActivation()) {
+        manager().applicationActivated();
+        frontEnd_.refresh();
+    }
+}
+
+Result<void, SessionError> RecorderRuntime::shown(Result<void, SessionError> outcome) {
+    if (!outcome.ok()) {
+        show(outcome.error());
+    }
+    return outcome;
+}
+
+void RecorderRuntime::show(const SessionError& error) {
+    lastError_ = error.message();
+    frontEnd_.showError(*lastError_);
+}
+
+void RecorderRuntime::followSession() {
+    if (stopped_) {
+        return;
+    }
+    if (sessionStarted_ && !manager().activeSession()) {
+        frontEnd_.sessionEnded(manager().pendingPostSession());
+        stop(0);
+        return;
+    }
+    const auto& prompt = manager().pendingNoInputPrompt();
+    if (prompt && questionTold_ != prompt->id) {
+        questionTold_ = prompt->id;
+        frontEnd_.noInputQuestionArrived(*prompt);
+    }
+}
+
+}  // namespace lumenote::runtime

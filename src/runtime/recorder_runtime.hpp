@@ -1,0 +1,116 @@
+// RecorderRuntime: the recording process's loop, shared by every front end.
+// It ticks the session manager once a second, delivers the desktop's events
+// (activation, sleep and wake, lock, shutdown) and termination signals to it
+// on the same thread, serves the command service on the session bus, and
+// carries out the operations a front end asks for. It is the one place that
+// keeps the last error to show: every refused operation and every problem
+// the manager meets on its own goes through it to the front end.
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimer>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "runtime/command_service.hpp"
+#include "runtime/recorder_front_end.hpp"
+#include "runtime/recorder_services.hpp"
+
+namespace lumenote {
+class LinuxSystemEventSource;
+class SignalBridge;
+}  // namespace lumenote
+
+namespace lumenote::runtime {
+
+class RecorderRuntime final : public QObject {
+    Q_OBJECT
+
+  public:
+    // `services` and `frontEnd` must outlive the runtime.
+    RecorderRuntime(RecorderServices& services, RecorderFrontEnd& frontEnd);
+    ~RecorderRuntime() override;
+
+    // Starts listening to the system's events and termination signals and
+    // starts the tick. Returns what could not be set up, as sentences to show
+    // (recording goes on without it).
+    std::vector<std::string> begin();
+    // Takes the command service's bus name so other processes can command
+    // this recorder; the sentence to show when it could not.
+    std::optional<std::string> serveCommands();
+
+    SessionManager& manager() { return services_.manager(); }
+    RecorderServices& services() { return services_; }
+
+    // The operations a front end asks for. A failure is kept as lastError()
+    // and shown through the front end before it is returned.
+    Result<void, SessionError> start(const SessionStartRequest& request);
+    Result<void, SessionError> continueRecoveredSession();
+    Result<void, SessionError> endRecoveredSession();
+    Result<void, SessionError> answerNoInputQuestion(SessionManager::NoInputPromptAnswer answer);
+    Result<void, SessionError> end();
+    Result<void, SessionError> endAsInterrupted();
+
+    // The commands of the command service, which the front end's own
+    // controls call too.
+    Result<void, SessionError> togglePause();
+    Result<void, SessionError> endSession();
+    Result<void, SessionError> startPassiveStudy();
+    Result<void, SessionError> returnToComputerStudy();
+    RecorderStatus status();
+
+    // A termination signal or the system shutting down: the final checkpoint
+    // is written and the session left for recovery, then the loop stops.
+    void terminate(const std::string& reason);
+    // Stops the loop with `status`; the process's exit status.
+    void stop(int status);
+    int exitStatus() const { return exitStatus_; }
+    bool stopped() const { return stopped_; }
+
+    const std::optional<std::string>& lastError() const { return lastError_; }
+    void clearLastError() { lastError_.reset(); }
+
+  private:
+    // Answers the command service: the runtime's commands with their
+    // failures as the sentences the caller shows.
+    class CommandAnswers final : public RecorderCommandHandler {
+      public:
+        explicit CommandAnswers(RecorderRuntime& runtime) : runtime_(runtime) {}
+        Result<void, std::string> togglePause() override;
+        Result<void, std::string> endSession() override;
+        Result<void, std::string> startPassiveStudy() override;
+        Result<void, std::string> returnToComputerStudy() override;
+        RecorderStatus status() override { return runtime_.status(); }
+
+      private:
+        RecorderRuntime& runtime_;
+    };
+
+    void onTick();
+    void onActivation();
+    // Keeps and shows the failure of `outcome`, then returns it.
+    Result<void, SessionError> shown(Result<void, SessionError> outcome);
+    void show(const SessionError& error);
+    // Tells the front end of a new question and of the session's end.
+    void followSession();
+
+    RecorderServices& services_;
+    RecorderFrontEnd& frontEnd_;
+    ObserverList<SessionError>::Token problemsObservation_ = 0;
+    QTimer ticker_;
+    std::unique_ptr<QSocketNotifier> activationNotifier_;
+    std::unique_ptr<LinuxSystemEventSource> systemEvents_;
+    std::unique_ptr<SignalBridge> signalBridge_;
+    CommandAnswers commandAnswers_{*this};
+    std::unique_ptr<RecorderCommandService> commandService_;
+    std::optional<std::string> lastError_;
+    std::optional<Uuid> questionTold_;
+    bool sessionStarted_ = false;
+    bool stopped_ = false;
+    int exitStatus_ = 0;
+};
+
+}  // namespace lumenote::runtime

@@ -1,0 +1,134 @@
+#include "runtime/recorder_services.hpp"
+
+#include <QDBusConnection>
+#include <cstdlib>
+#include <optional>
+
+#include "platform/linux/notifications.hpp"
+#include "platform/linux/x11_frontmost_application.hpp"
+#include "platform/linux/x11_idle_time.hpp"
+#include "platform/system/headless_platform.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/recording_preferences_adapter.hpp"
+#include "store/recorder_lock.hpp"
+#include "store/sqlite_recording_store.hpp"
+#include "store/store_files.hpp"
+
+namespace lumenote::runtime {
+
+// Declared in the order they are built: each member refers only to those
+// above it, and they are destroyed in reverse.
+struct RecorderServices::Parts {
+    Parts(const UserPaths& userPaths, std::unique_ptr<SqliteRecordingStore> openedStore,
+          RecorderLock heldLock)
+        : paths(userPaths),
+          store(std::move(openedStore)),
+          lock(std::move(heldLock)),
+          defaults(JsonFileDefaultsDomain::pathFor(paths), [this] { return wallClock.now(); }),
+          preferences(defaults),
+          recordingPreferences(preferences),
+          checkpoints(paths.applicationData(), wallClock),
+          notifications(QDBusConnection::sessionBus()) {}
+
+    UserPaths paths;
+    std::unique_ptr<SqliteRecordingStore> store;
+    RecorderLock lock;
+    SystemWallClock wallClock;
+    SystemMonotonicTimeProvider monotonicClock;
+    JsonFileDefaultsDomain defaults;
+    PreferencesStore preferences;
+    PreferencesForRecording recordingPreferences;
+    FileSessionCheckpointStore checkpoints;
+    NoBrowserTracking browser;
+    FreedesktopNotificationService notifications;
+    HeadlessPlatform headless;
+    std::unique_ptr<X11FrontmostApplicationSource> x11;
+    std::unique_ptr<XScreenSaverIdleTimeProvider> x11Idle;
+    std::optional<ClassificationRules> rules;
+    std::optional<SessionHistory> history;
+    std::optional<SessionManager> manager;
+};
+
+namespace {
+
+const char* environmentValue(const char* name) {
+    return std::getenv(name);
+}
+
+}  // namespace
+
+Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
+    const UserPaths& paths, std::vector<std::string>& warnings) {
+    auto store = SqliteRecordingStore::open(storePath(paths));
+    if (!store.ok()) {
+        return fail(storageOpenFailureMessage(store.error()));
+    }
+    auto lock = RecorderLock::acquire(recorderLockPath(paths));
+    if (!lock.ok()) {
+        return fail(recorderLockMessage(lock.error()));
+    }
+    auto parts = std::make_unique<Parts>(paths, std::move(store).value(), std::move(lock).value());
+
+    // The frontmost application and idle time come from X11; without an X
+    // display the session still records its time, with nothing observed.
+    FrontmostApplicationSource* frontmost = &parts->headless.frontmostApplication;
+    IdleTimeProvider* idle = &parts->headless.idleTime;
+    if (auto opened = X11FrontmostApplicationSource::open(environmentValue); opened.ok()) {
+        parts->x11 = std::move(opened).value();
+        parts->x11Idle = std::make_unique<XScreenSaverIdleTimeProvider>(parts->x11->connection());
+        frontmost = parts->x11.get();
+        idle = parts->x11Idle.get();
+    } else {
+        warnings.push_back(std::string(describe(opened.error())) +
+                           " Recording goes on, but Lumenote cannot see which application is in "
+                           "front or when you last gave input.");
+    }
+
+    Parts& p = *parts;
+    p.rules.emplace(
+        *p.store, [&p] { return p.wallClock.now(); }, kOwnBundleIdentifier);
+    p.history.emplace(SessionHistoryDependencies{
+        *p.store, *p.rules, p.recordingPreferences, p.monotonicClock, p.wallClock, {}});
+    p.manager.emplace(SessionManagerDependencies{
+        *p.store, p.recordingPreferences, *idle, p.monotonicClock, p.wallClock, *frontmost,
+        p.notifications, p.browser, p.checkpoints, *p.rules, *p.history});
+    const auto told = p.manager->problems().add(
+        [&warnings](const SessionError& problem) { warnings.push_back(problem.message()); });
+    p.manager->startUp();
+    p.manager->problems().remove(told);
+    return std::unique_ptr<RecorderServices>(new RecorderServices(std::move(parts)));
+}
+
+RecorderServices::RecorderServices(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+RecorderServices::~RecorderServices() = default;
+
+SessionManager& RecorderServices::manager() {
+    return *parts_->manager;
+}
+
+SessionHistory& RecorderServices::history() {
+    return *parts_->history;
+}
+
+ClassificationRules& RecorderServices::rules() {
+    return *parts_->rules;
+}
+
+PreferencesStore& RecorderServices::preferences() {
+    return parts_->preferences;
+}
+
+const UserPaths& RecorderServices::paths() const {
+    return parts_->paths;
+}
+
+int RecorderServices::activationDescriptor() const {
+    return parts_->x11 ? parts_->x11->fileDescriptor() : -1;
+}
+
+bool RecorderServices::takeActivation() {
+    return parts_->x11 && parts_->x11->processEvents();
+}
+
+}  // namespace lumenote::runtime

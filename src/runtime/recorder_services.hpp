@@ -1,0 +1,56 @@
+// RecorderServices: everything a recording process needs, wired once at
+// start-up and kept for the process's life: the store and the recorder lock,
+// the preferences, the desktop's services (X11 when there is a display), the
+// classification rules, the history and the session manager. Every front end
+// (the terminal, the desktop application) opens one and hands it to the
+// recorder runtime.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "classification/classification_rules.hpp"
+#include "foundation/result.hpp"
+#include "foundation/user_paths.hpp"
+#include "recording/session_history.hpp"
+#include "recording/session_manager.hpp"
+#include "settings/preferences_store.hpp"
+
+namespace lumenote::runtime {
+
+class RecorderServices {
+  public:
+    // Opens the store (refused while another recorder holds the lock), the
+    // preferences and the desktop's services, and starts the session manager
+    // up. Needs a Qt application object (the notifications use the session
+    // bus). What start-up met that does not stop recording (no X display, a
+    // damaged checkpoint) is appended to `warnings` as sentences to show.
+    // Fails with the sentence to show.
+    static Result<std::unique_ptr<RecorderServices>, std::string> open(
+        const UserPaths& paths, std::vector<std::string>& warnings);
+    ~RecorderServices();
+    RecorderServices(const RecorderServices&) = delete;
+    RecorderServices& operator=(const RecorderServices&) = delete;
+
+    SessionManager& manager();
+    SessionHistory& history();
+    ClassificationRules& rules();
+    PreferencesStore& preferences();
+    const UserPaths& paths() const;
+
+    // The descriptor that becomes readable when the frontmost window may
+    // have changed; -1 without an X display.
+    int activationDescriptor() const;
+    // Drains the desktop's activation events; true when the frontmost
+    // window changed since the last call.
+    bool takeActivation();
+
+  private:
+    struct Parts;
+    explicit RecorderServices(std::unique_ptr<Parts> parts);
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace lumenote::runtime

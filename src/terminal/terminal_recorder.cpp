@@ -1,0 +1,336 @@
+#include "terminal/terminal_recorder.hpp"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <chrono>
+
+#include "foundation/text.hpp"
+#include "recording/session_figures.hpp"
+#include "terminal/record_view.hpp"
+
+namespace lumenote::terminal {
+
+namespace {
+
+using PromptAnswer = SessionManager::NoInputPromptAnswer;
+using runtime::RecorderControl;
+
+}  // namespace
+
+TerminalRecorder::TerminalRecorder(Setup setup, runtime::RecorderServices& services)
+    : setup_(std::move(setup)), calendar_(LocalCalendar::current()), runtime_(services, *this) {
+    if (setup_.interactive) {
+        keyNotifier_ = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read, this);
+        connect(keyNotifier_.get(), &QSocketNotifier::activated, this, &TerminalRecorder::onKey);
+    }
+}
+
+TerminalRecorder::~TerminalRecorder() = default;
+
+bool TerminalRecorder::begin() {
+    if (const auto& summary = manager().pendingRecoverySummary()) {
+        const std::string subject = manager().pendingRecoverySession()->subject;
+        if (setup_.interactive) {
+            ask(Question::recovery, recoveryOffer(*summary, subject, calendar_));
+            return true;
+        }
+        // Without a terminal nobody can be asked: the unfinished session is
+        // closed at its last confirmed moment, which keeps everything
+        // confirmed and counts nothing uncertain.
+        if (runtime_.endRecoveredSession().ok()) {
+            say(fmt::format("The unfinished session \"{}\" was ended as interrupted.", subject));
+        }
+    }
+    return startOrAskSubject();
+}
+
+bool TerminalRecorder::startOrAskSubject() {
+    if (setup_.interactive && text::trimmed(setup_.startRequest.subject).empty()) {
+        typedSubject_.clear();
+        question_ = Question::subject;
+        setup_.out << "\r\033[2KSubject: " << std::flush;
+        return true;
+    }
+    return startSession();
+}
+
+void TerminalRecorder::answerSubject(char key) {
+    if (key == '\n' || key == '\r') {
+        setup_.out << '\n';
+        question_ = Question::none;
+        setup_.startRequest.subject = typedSubject_;
+        if (!startSession()) {
+            runtime_.stop(1);
+        }
+        return;
+    }
+    if (key == 0x7f || key == '\b') {
+        // Backspace removes the last character, and all bytes of one that is
+        // longer than a byte.
+        while (!typedSubject_.empty()) {
+            const auto byte = static_cast<unsigned char>(typedSubject_.back());
+            typedSubject_.pop_back();
+            if ((byte & 0xC0) != 0x80) {
+                break;
+            }
+        }
+        setup_.out << "\r\033[2KSubject: " << typedSubject_ << std::flush;
+        return;
+    }
+    if (static_cast<unsigned char>(key) >= 0x20) {
+        typedSubject_ += key;
+        setup_.out << key << std::flush;
+    }
+}
+
+bool TerminalRecorder::startSession() {
+    // A refusal has been shown through showError().
+    if (!runtime_.start(setup_.startRequest).ok()) {
+        return false;
+    }
+    const StudySession& session = *manager().activeSession();
+    if (setup_.sessionStarted) {
+        setup_.sessionStarted(session);
+    }
+    say(fmt::format("Recording \"{}\"{}.", session.subject,
+                    session.timingMode() == SessionTimingMode::timer
+                        ? fmt::format(" for {}", clockDurationText(session.plannedDuration))
+                        : std::string(", open-ended")));
+    if (setup_.interactive) {
+        say(keyHelp(false, false));
+    } else {
+        say("Stop with `lumenote-cli end` (or SIGTERM, which keeps the session for recovery).");
+    }
+    draw();
+    return true;
+}
+
+void TerminalRecorder::refresh() {
+    draw();
+}
+
+void TerminalRecorder::controlled(RecorderControl control) {
+    const bool away = manager().liveStudyState() == LiveStudyState::passiveStudy;
+    const bool paused = manager().activeSession() &&
+                        manager().activeSession()->status() == StudySessionStatus::paused;
+    switch (control) {
+        case RecorderControl::pause:
+            say("Paused.");
+            break;
+        case RecorderControl::resume:
+            say("Resumed.");
+            break;
+        case RecorderControl::away:
+            if (setup_.introduceAwayStudy && setup_.introduceAwayStudy()) {
+                say(std::string(kPassiveStudyIntroduction));
+            }
+            say(fmt::format("{}.", kStudyingAwayFromMac));
+            break;
+        case RecorderControl::back:
+            say(fmt::format("{}.", kBackToComputerStudyControl));
+            break;
+        case RecorderControl::end:
+        case RecorderControl::status:
+            return;
+    }
+    // The keys' meanings follow the state: p resumes, a comes back.
+    if (setup_.interactive) {
+        say(keyHelp(paused, away));
+    }
+}
+
+void TerminalRecorder::showError(const std::string& message) {
+    say(message);
+}
+
+void TerminalRecorder::noInputQuestionArrived(const NoInputClassificationPrompt& prompt) {
+    if (setup_.interactive) {
+        ask(Question::prompt, promptQuestion(prompt, calendar_));
+        return;
+    }
+    // No questions without a terminal: the time stays unconfirmed and can be
+    // relabelled afterwards.
+    say(noInputPromptText(prompt, calendar_) + " Left unconfirmed; relabel it later.");
+    (void)runtime_.answerNoInputQuestion(PromptAnswer::leaveUnconfirmed);
+}
+
+void TerminalRecorder::sessionEnded(const std::optional<StudySession>& finished) {
+    ended_ = true;
+    if (finished) {
+        if (setup_.interactive) {
+            setup_.out << "\r\033[2K";
+        }
+        setup_.out << '\n' << sessionSummary(*finished) << std::flush;
+    }
+}
+
+void TerminalRecorder::terminated(const std::string& reason) {
+    say(fmt::format("{}: the session was saved and will be offered for recovery next time.",
+                    reason));
+    ended_ = true;
+}
+
+void TerminalRecorder::onKey() {
+    char buffer[16];
+    const ssize_t count = ::read(STDIN_FILENO, buffer, sizeof buffer);
+    if (count <= 0) {
+        // The terminal went away: keep recording without keys.
+        keyNotifier_->setEnabled(false);
+        return;
+    }
+    for (ssize_t i = 0; i < count && !runtime_.stopped(); ++i) {
+        handleKey(buffer[i]);
+    }
+}
+
+void TerminalRecorder::handleKey(char key) {
+    switch (question_) {
+        case Question::subject:
+            answerSubject(key);
+            return;
+        case Question::recovery:
+            answerRecovery(key);
+            return;
+        case Question::prompt:
+            answerPrompt(key);
+            return;
+        case Question::quit:
+            answerQuit(key);
+            return;
+        case Question::none:
+            break;
+    }
+    switch (key) {
+        case 'p':
+            (void)runtime_.togglePause();
+            break;
+        case 'a':
+            (void)(manager().liveStudyState() == LiveStudyState::passiveStudy
+                       ? runtime_.returnToComputerStudy()
+                       : runtime_.startPassiveStudy());
+            break;
+        case 'e':
+            (void)runtime_.endSession();
+            break;
+        case 'q':
+            ask(Question::quit, quitQuestion());
+            break;
+        default:
+            break;
+    }
+    draw();
+}
+
+void TerminalRecorder::answerRecovery(char key) {
+    if (key == 'c') {
+        question_ = Question::none;
+        if (runtime_.continueRecoveredSession().ok()) {
+            say("Continuing from now; the time since the last confirmed moment is left out.");
+            say(keyHelp(false, false));
+        }
+    } else if (key == 'e') {
+        question_ = Question::none;
+        if (runtime_.endRecoveredSession().ok()) {
+            say("The unfinished session was ended as interrupted.");
+        }
+        if (!startOrAskSubject()) {
+            runtime_.stop(1);
+        }
+    }
+}
+
+void TerminalRecorder::answerPrompt(char key) {
+    std::optional<PromptAnswer> answer;
+    switch (key) {
+        case 's':
+            answer = PromptAnswer::passiveStudy;
+            break;
+        case 'b':
+            answer = PromptAnswer::confirmedBreak;
+            break;
+        case 'l':
+            answer = PromptAnswer::leaveUnconfirmed;
+            break;
+        case 'x':
+            answer = PromptAnswer::endThere;
+            break;
+        default:
+            return;
+    }
+    // A refused answer has been shown; the question stays open for another
+    // key, except a refused end, which only a long run offers.
+    if (!runtime_.answerNoInputQuestion(*answer).ok() && key != 'x') {
+        return;
+    }
+    question_ = Question::none;
+}
+
+void TerminalRecorder::answerQuit(char key) {
+    if (key == 'k') {
+        question_ = Question::none;
+        say("Still recording.");
+    } else if (key == 'e') {
+        question_ = Question::none;
+        (void)runtime_.end();
+    } else if (key == 'i') {
+        question_ = Question::none;
+        (void)runtime_.endAsInterrupted();
+    }
+}
+
+void TerminalRecorder::ask(Question question, const std::string& text) {
+    question_ = question;
+    say(text);
+}
+
+void TerminalRecorder::say(const std::string& line) {
+    if (setup_.interactive) {
+        setup_.out << "\r\033[2K";
+    } else {
+        setup_.out << timestamp();
+    }
+    setup_.out << line << '\n' << std::flush;
+    draw();
+}
+
+void TerminalRecorder::draw() {
+    const auto& session = manager().activeSession();
+    if (!session || ended_) {
+        return;
+    }
+    RecordingSnapshot snapshot;
+    snapshot.subject = session->subject;
+    snapshot.status = session->status();
+    snapshot.timingMode = session->timingMode();
+    snapshot.plannedDuration = session->plannedDuration;
+    snapshot.timerValue = manager().currentTimerValue();
+    snapshot.pauseDuration = manager().currentPauseDuration();
+    snapshot.liveState = manager().liveStudyState();
+    snapshot.activityName = manager().currentApplicationName();
+    snapshot.classification = manager().currentClassification();
+    snapshot.sleeping = manager().isSleeping();
+    if (setup_.interactive) {
+        if (question_ == Question::none) {
+            setup_.out << "\r\033[2K" << statusLine(snapshot) << std::flush;
+        }
+        return;
+    }
+    // Without a terminal a line is printed only when what it says changes
+    // (not every second): the timer is left out of the comparison.
+    RecordingSnapshot key = snapshot;
+    key.timerValue = 0.0;
+    key.pauseDuration = 0.0;
+    const std::string unchanging = statusLine(key);
+    if (unchanging != lastPlainLine_) {
+        lastPlainLine_ = unchanging;
+        setup_.out << timestamp() << statusLine(snapshot) << '\n' << std::flush;
+    }
+}
+
+std::string TerminalRecorder::timestamp() const {
+    const Date now = Date::fromSystemClock(std::chrono::system_clock::now());
+    return "[" + calendar_.formatIso8601(now).substr(11, 8) + "] ";
+}
+
+}  // namespace lumenote::terminal

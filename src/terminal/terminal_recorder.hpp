@@ -1,0 +1,84 @@
+// TerminalRecorder: the front end of `lumenote-cli record` over the recorder
+// runtime. On a terminal it draws a live status line, reads keys and asks its
+// questions (subject, recovery, time without input, quitting); without one it
+// prints a timestamped line whenever what it says changes and asks nothing.
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <ostream>
+
+#include "foundation/dates.hpp"
+#include "runtime/recorder_runtime.hpp"
+
+namespace lumenote::terminal {
+
+class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd {
+    Q_OBJECT
+
+  public:
+    struct Setup {
+        std::ostream& out;
+        bool interactive = false;
+        // The session to start once a pending recovery is settled; nullopt
+        // when a recovered session was continued instead.
+        SessionStartRequest startRequest;
+        // Called once the session of `startRequest` exists; may be empty.
+        std::function<void(const StudySession&)> sessionStarted;
+        // True once, on the first use of studying away from the computer,
+        // when its introduction is to be shown (and marks it shown).
+        std::function<bool()> introduceAwayStudy;
+    };
+
+    // Runs a recorder runtime over `services`, which must outlive it, with
+    // itself as the front end.
+    TerminalRecorder(Setup setup, runtime::RecorderServices& services);
+    ~TerminalRecorder() override;
+
+    runtime::RecorderRuntime& recorder() { return runtime_; }
+
+    // Offers a pending recovery (or settles it without a terminal) and starts
+    // the session, first asking for a subject when it has none. Returns false
+    // when the session could not start; the reason has been printed.
+    bool begin();
+
+    // What the runtime tells its front end.
+    void refresh() override;
+    void controlled(runtime::RecorderControl control) override;
+    void showError(const std::string& message) override;
+    void noInputQuestionArrived(const NoInputClassificationPrompt& prompt) override;
+    void sessionEnded(const std::optional<StudySession>& finished) override;
+    void terminated(const std::string& reason) override;
+
+  private:
+    enum class Question { none, subject, recovery, prompt, quit };
+
+    SessionManager& manager() { return runtime_.manager(); }
+    void onKey();
+    void handleKey(char key);
+    void answerSubject(char key);
+    bool startOrAskSubject();
+    bool startSession();
+    void answerRecovery(char key);
+    void answerPrompt(char key);
+    void answerQuit(char key);
+    void ask(Question question, const std::string& text);
+    void say(const std::string& line);
+    void draw();
+    // "[09:41:02] ": the local time, for lines printed without a terminal.
+    std::string timestamp() const;
+
+    Setup setup_;
+    LocalCalendar calendar_;
+    runtime::RecorderRuntime runtime_;
+    std::unique_ptr<QSocketNotifier> keyNotifier_;
+    Question question_ = Question::none;
+    bool ended_ = false;
+    std::string lastPlainLine_;
+    std::string typedSubject_;
+};
+
+}  // namespace lumenote::terminal
