@@ -30,7 +30,7 @@ std::filesystem::path ensureHistory(const SyntheticHistoryOptions& options) {
     const std::string name = fmt::format("history-r{}-{}x{}", kSyntheticHistoryRevision,
                                          options.sessions, options.segments);
     const std::filesystem::path folder = cacheFolder() / name;
-    const std::filesystem::path store = storePath(UserPaths{folder, {}});
+    const std::filesystem::path store = store::storePath(UserPaths{folder, {}});
     if (std::filesystem::exists(store)) {
         return store;
     }
@@ -40,7 +40,7 @@ std::filesystem::path ensureHistory(const SyntheticHistoryOptions& options) {
     fmt::print(stderr, "lumenote-bench: writing the synthetic history to {} (once)...\n",
                folder.string());
     const auto started = std::chrono::steady_clock::now();
-    auto written = writeSyntheticHistory(storePath(UserPaths{partial, {}}), options);
+    auto written = writeSyntheticHistory(store::storePath(UserPaths{partial, {}}), options);
     if (!written) {
         stop("the synthetic history could not be written: " + written.error().description);
     }

@@ -13,6 +13,7 @@
 
 int main(int argc, char** argv) {
     using namespace lumenote;
+    using namespace lumenote::bench;
     SyntheticHistoryOptions options;
     std::filesystem::path out;
     bool keepIndexes = false;
@@ -35,7 +36,7 @@ int main(int argc, char** argv) {
     CLI11_PARSE(app, argc, argv);
     options.deferIndexes = !keepIndexes;
 
-    const std::filesystem::path file = storePath(UserPaths{out, {}});
+    const std::filesystem::path file = store::storePath(UserPaths{out, {}});
     const auto started = std::chrono::steady_clock::now();
     auto written = writeSyntheticHistory(file, options);
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - started;

@@ -12,12 +12,12 @@
 #include "process_memory.hpp"
 #include "store/sqlite_recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::bench {
 namespace {
 
-std::unique_ptr<SqliteRecordingStore> openHistoryOrSkip(benchmark::State& state) {
+std::unique_ptr<store::SqliteRecordingStore> openHistoryOrSkip(benchmark::State& state) {
     // Outside the timed loop: the first use may generate the history.
-    auto store = SqliteRecordingStore::open(bench::standardHistoryStore());
+    auto store = store::SqliteRecordingStore::open(bench::standardHistoryStore());
     if (!store) {
         state.SkipWithError(store.error().description.c_str());
         return nullptr;
@@ -46,8 +46,8 @@ void BM_WalkAllSegments(benchmark::State& state) {
     for (auto _ : state) {
         segments = 0;
         double seconds = 0;
-        auto walked =
-            store->forEachSegment({}, [&](const StudySession&, const ActivitySegment& segment) {
+        auto walked = store->forEachSegment(
+            {}, [&](const recording::StudySession&, const recording::ActivitySegment& segment) {
                 ++segments;
                 seconds += segment.duration;
                 return true;
@@ -79,12 +79,12 @@ void BM_WalkAllSessionsWithChildren(benchmark::State& state) {
     for (auto _ : state) {
         sessions = 0;
         segments = 0;
-        auto walked =
-            store->forEachSession({.includeChildren = true}, [&](const StudySession& session) {
-                ++sessions;
-                segments += session.segments.size();
-                return true;
-            });
+        auto walked = store->forEachSession({.includeChildren = true},
+                                            [&](const recording::StudySession& session) {
+                                                ++sessions;
+                                                segments += session.segments.size();
+                                                return true;
+                                            });
         if (!walked) {
             state.SkipWithError(walked.error().description.c_str());
             return;
@@ -102,7 +102,7 @@ BENCHMARK(BM_WalkAllSessionsWithChildren)->Unit(benchmark::kMillisecond);
 // The walk's time over this one is what decoding whole records, putting
 // equal starts in id order and calling the visitor cost.
 void BM_ScanSegmentRowsBaseline(benchmark::State& state) {
-    auto connection = SqliteConnection::open(bench::standardHistoryStore().string());
+    auto connection = store::SqliteConnection::open(bench::standardHistoryStore().string());
     if (!connection) {
         state.SkipWithError(connection.error().description.c_str());
         return;
@@ -110,7 +110,7 @@ void BM_ScanSegmentRowsBaseline(benchmark::State& state) {
     const bool reset = bench::resetPeakResident();
     const double residentAtStart = bench::residentBytes().value_or(0);
     std::size_t rows = 0;
-    const auto stepOrSkip = [&](SqliteStatement& statement) {
+    const auto stepOrSkip = [&](store::SqliteStatement& statement) {
         auto row = statement.step();
         if (!row) {
             state.SkipWithError(row.error().description.c_str());
@@ -146,4 +146,4 @@ void BM_ScanSegmentRowsBaseline(benchmark::State& state) {
 BENCHMARK(BM_ScanSegmentRowsBaseline)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::bench

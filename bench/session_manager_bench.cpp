@@ -13,7 +13,7 @@
 #include "settings/recording_preferences_adapter.hpp"
 #include "store/sqlite_recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::bench {
 namespace {
 
 // Bytes this process has passed to write(2) and friends so far.
@@ -35,21 +35,23 @@ class BenchRecorder {
     BenchRecorder() {
         char pattern[] = "/tmp/lumenote-bench-recorder.XXXXXX";
         folder_ = mkdtemp(pattern);
-        store_ = std::move(SqliteRecordingStore::open(folder_ / "lumenote.sqlite")).value();
-        checkpoints_ = std::make_unique<FileSessionCheckpointStore>(folder_, machine_.clock.wall());
-        rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
-        history_ = std::make_unique<SessionHistory>(
+        store_ = std::move(store::SqliteRecordingStore::open(folder_ / "lumenote.sqlite")).value();
+        checkpoints_ =
+            std::make_unique<recording::FileSessionCheckpointStore>(folder_, machine_.clock.wall());
+        rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
+        history_ = std::make_unique<recording::SessionHistory>(
             machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
-        manager_ = std::make_unique<SessionManager>(machine_.dependencies(
+        manager_ = std::make_unique<recording::SessionManager>(machine_.dependencies(
             *store_, recordingPreferences_, *checkpoints_, *rules_, *history_));
         manager_->startUp();
-        (void)rules_->saveApplicationClassification("org.example.Editor", "Editor",
-                                                    ActivityClassification::focused);
-        machine_.frontmost.current = FrontmostApplication{"Editor", "org.example.Editor"};
-        SessionStartRequest request;
+        (void)rules_->saveApplicationClassification(
+            "org.example.Editor", "Editor", classification::ActivityClassification::focused);
+        machine_.frontmost.current =
+            recording::FrontmostApplication{"Editor", "org.example.Editor"};
+        recording::SessionStartRequest request;
         request.subject = "Benchmark";
         request.plannedDuration = 86400.0;
-        request.timingMode = SessionTimingMode::openEnded;
+        request.timingMode = recording::SessionTimingMode::openEnded;
         (void)manager_->start(request);
     }
     ~BenchRecorder() {
@@ -65,21 +67,21 @@ class BenchRecorder {
         manager_->tick();
     }
     void switchTo(const std::string& bundle) {
-        machine_.frontmost.current = FrontmostApplication{bundle, bundle};
+        machine_.frontmost.current = recording::FrontmostApplication{bundle, bundle};
         manager_->applicationActivated();
     }
 
   private:
     std::filesystem::path folder_;
-    fake::FakeMachine machine_{Date{800000000.0}};
-    InMemoryDefaultsDomain domain_;
-    PreferencesStore preferences_{domain_};
-    PreferencesForRecording recordingPreferences_{preferences_};
-    std::unique_ptr<SqliteRecordingStore> store_;
-    std::unique_ptr<FileSessionCheckpointStore> checkpoints_;
-    std::unique_ptr<ClassificationRules> rules_;
-    std::unique_ptr<SessionHistory> history_;
-    std::unique_ptr<SessionManager> manager_;
+    platform::fake::FakeMachine machine_{Date{800000000.0}};
+    settings::InMemoryDefaultsDomain domain_;
+    settings::PreferencesStore preferences_{domain_};
+    settings::PreferencesForRecording recordingPreferences_{preferences_};
+    std::unique_ptr<store::SqliteRecordingStore> store_;
+    std::unique_ptr<recording::FileSessionCheckpointStore> checkpoints_;
+    std::unique_ptr<classification::ClassificationRules> rules_;
+    std::unique_ptr<recording::SessionHistory> history_;
+    std::unique_ptr<recording::SessionManager> manager_;
 };
 
 // One steady tick (same application, input present), the save cadence's
@@ -116,4 +118,4 @@ void BM_BytesWrittenPerHourOfRecording(benchmark::State& state) {
 BENCHMARK(BM_BytesWrittenPerHourOfRecording)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::bench

@@ -11,12 +11,12 @@
 #include "bench_history.hpp"
 #include "store/sqlite_recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::bench {
 namespace {
 
-std::unique_ptr<SqliteRecordingStore> openOrSkip(benchmark::State& state,
-                                                 const std::filesystem::path& file) {
-    auto store = SqliteRecordingStore::open(file);
+std::unique_ptr<store::SqliteRecordingStore> openOrSkip(benchmark::State& state,
+                                                        const std::filesystem::path& file) {
+    auto store = store::SqliteRecordingStore::open(file);
     if (!store) {
         state.SkipWithError(store.error().description.c_str());
         return nullptr;
@@ -55,7 +55,7 @@ void BM_ListNewestSessions(benchmark::State& state) {
     if (!store) {
         return;
     }
-    const SessionQuery query{.limit = 50, .includeChildren = state.range(0) != 0};
+    const recording::SessionQuery query{.limit = 50, .includeChildren = state.range(0) != 0};
     std::size_t segments = 0;
     for (auto _ : state) {
         auto sessions = store->listSessions(query);
@@ -64,7 +64,7 @@ void BM_ListNewestSessions(benchmark::State& state) {
             return;
         }
         segments = 0;
-        for (const StudySession& session : *sessions) {
+        for (const recording::StudySession& session : *sessions) {
             segments += session.segments.size();
         }
         benchmark::DoNotOptimize(segments);
@@ -126,11 +126,13 @@ void BM_SaveSession(benchmark::State& state) {
         if (!store) {
             return;
         }
-        StudySession session(Uuid::generate(), "Linear Algebra", "", 3600, Date{800000000});
-        ActivitySegment segment(Uuid::generate(), session.startDate, session.startDate, 0, "Okular",
-                                "org.kde.okular", ActivityClassification::focused, false);
+        recording::StudySession session(Uuid::generate(), "Linear Algebra", "", 3600,
+                                        Date{800000000});
+        recording::ActivitySegment segment(Uuid::generate(), session.startDate, session.startDate,
+                                           0, "Okular", "org.kde.okular",
+                                           classification::ActivityClassification::focused, false);
         segment.session = session.id;
-        StoreChangeSet changes;
+        recording::StoreChangeSet changes;
         changes.durable = durable;
         const double bytesBefore = bytesWrittenByProcess();
         for (auto _ : state) {
@@ -162,4 +164,4 @@ BENCHMARK(BM_SaveSession)
     ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::bench

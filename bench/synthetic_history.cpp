@@ -11,11 +11,11 @@
 #include "store/sqlite_recording_store.hpp"
 #include "store/store_rows.hpp"
 
-namespace lumenote {
+namespace lumenote::bench {
 
 namespace {
 
-using AC = ActivityClassification;
+using AC = classification::ActivityClassification;
 
 struct Application {
     std::string_view bundleIdentifier;
@@ -139,10 +139,12 @@ constexpr std::array<std::string_view, 8> kPDFLabels{
     "slides week 11.pdf",
 };
 
-constexpr std::array<BrowserFallbackReason, 5> kFallbackReasons{
-    BrowserFallbackReason::awaitingFreshEvent, BrowserFallbackReason::staleEvent,
-    BrowserFallbackReason::extensionDisconnected, BrowserFallbackReason::privateOrRestricted,
-    BrowserFallbackReason::applicationSwitch};
+constexpr std::array<recording::BrowserFallbackReason, 5> kFallbackReasons{
+    recording::BrowserFallbackReason::awaitingFreshEvent,
+    recording::BrowserFallbackReason::staleEvent,
+    recording::BrowserFallbackReason::extensionDisconnected,
+    recording::BrowserFallbackReason::privateOrRestricted,
+    recording::BrowserFallbackReason::applicationSwitch};
 
 constexpr std::size_t kSessionsPerChangeSet = 100;
 constexpr std::size_t kTabsPerSession = 4;
@@ -158,7 +160,7 @@ struct Totals {
     double ignored = 0;
     double inactive = 0;
 
-    void add(const ActivitySegment& segment) {
+    void add(const recording::ActivitySegment& segment) {
         timer += segment.duration;
         if (segment.isInactive) {
             inactive += segment.duration;
@@ -194,7 +196,7 @@ class HistoryWriter {
     }
 
     // Appends session `index` (0 is the oldest) with `segmentCount` segments.
-    void addSession(std::size_t index, std::size_t segmentCount, StoreChangeSet& changes,
+    void addSession(std::size_t index, std::size_t segmentCount, recording::StoreChangeSet& changes,
                     SyntheticHistorySummary& summary);
 
     // Between half and one and a half times `mean`, at least one.
@@ -203,8 +205,8 @@ class HistoryWriter {
             std::max<std::size_t>(1, mean / 2), std::max<std::size_t>(1, mean + mean / 2))(random_);
     }
 
-    std::vector<AppClassification> appRules();
-    std::vector<WebsiteClassification> websiteRules();
+    std::vector<classification::AppClassification> appRules();
+    std::vector<classification::WebsiteClassification> websiteRules();
 
     // Version 4 UUIDs drawn from the seeded generator, so that a seed always
     // writes the same file.
@@ -239,23 +241,25 @@ class HistoryWriter {
         return kind < 0.97 ? uniform(40.0, 240.0) : uniform(240.0, 900.0);
     }
 
-    ActivitySegment nextSegment(const ActivitySegment* previous, const StudySession& session,
-                                const Browser& browser,
-                                const std::array<Uuid, kTabsPerSession>& tabs,
-                                std::vector<LocalPDFIdentity>& pdfs, Date start);
+    recording::ActivitySegment nextSegment(const recording::ActivitySegment* previous,
+                                           const recording::StudySession& session,
+                                           const Browser& browser,
+                                           const std::array<Uuid, kTabsPerSession>& tabs,
+                                           std::vector<classification::LocalPDFIdentity>& pdfs,
+                                           Date start);
 
     const SyntheticHistoryOptions& options_;
     std::mt19937_64 random_;
     std::array<Uuid, 5> templates_;
 };
 
-ActivitySegment HistoryWriter::nextSegment(const ActivitySegment* previous,
-                                           const StudySession& session, const Browser& browser,
-                                           const std::array<Uuid, kTabsPerSession>& tabs,
-                                           std::vector<LocalPDFIdentity>& pdfs, Date start) {
+recording::ActivitySegment HistoryWriter::nextSegment(
+    const recording::ActivitySegment* previous, const recording::StudySession& session,
+    const Browser& browser, const std::array<Uuid, kTabsPerSession>& tabs,
+    std::vector<classification::LocalPDFIdentity>& pdfs, Date start) {
     const double duration = segmentSeconds();
-    ActivitySegment segment(uuid(), start, start.addingSeconds(duration), duration, "", "",
-                            AC::unclassified, false);
+    recording::ActivitySegment segment(uuid(), start, start.addingSeconds(duration), duration, "",
+                                       "", AC::unclassified, false);
     segment.session = session.id;
     const double kind = uniform(0.0, 1.0);
     if (kind < 0.52 || (kind >= 0.90 && kind < 0.99 && previous == nullptr)) {
@@ -263,34 +267,35 @@ ActivitySegment HistoryWriter::nextSegment(const ActivitySegment* previous,
         segment.applicationName = application.name;
         segment.bundleIdentifier = application.bundleIdentifier;
         segment.setClassification(application.classification);
-        segment.setActivitySource(ActivitySourceType::application);
+        segment.setActivitySource(recording::ActivitySourceType::application);
     } else if (kind < 0.82) {
         const Website& website = kWebsites[pick(kWebsites.size())];
         segment.applicationName = browser.name;
         segment.bundleIdentifier = browser.bundleIdentifier;
         segment.setClassification(website.classification);
-        segment.setActivitySource(ActivitySourceType::website);
+        segment.setActivitySource(recording::ActivitySourceType::website);
         segment.browserBundleIdentifier = std::string(browser.bundleIdentifier);
         segment.hostname = std::string(website.hostname);
         segment.tabSessionIdentifier = tabs[pick(tabs.size())];
     } else if (kind < 0.86) {
         if (pdfs.empty() || (pdfs.size() < 3 && chance(0.1))) {
-            LocalPDFIdentity identity;
+            classification::LocalPDFIdentity identity;
             identity.id = uuid();
             identity.browserBundleIdentifier = browser.bundleIdentifier;
             identity.displayLabelStorage = std::string(kPDFLabels[pick(kPDFLabels.size())]);
-            identity.labelSourceRawValue = std::string(rawValue(
-                chance(0.8) ? BrowserPDFLabelSource::filename : BrowserPDFLabelSource::manual));
+            identity.labelSourceRawValue =
+                std::string(rawValue(chance(0.8) ? classification::BrowserPDFLabelSource::filename
+                                                 : classification::BrowserPDFLabelSource::manual));
             identity.classificationRawValue = rawValue(chance(0.9) ? AC::focused : AC::neutral);
             identity.createdAt = start;
             identity.session = session.id;
             pdfs.push_back(identity);
         }
-        const LocalPDFIdentity& identity = pdfs[pick(pdfs.size())];
+        const classification::LocalPDFIdentity& identity = pdfs[pick(pdfs.size())];
         segment.applicationName = *identity.displayLabelStorage;
         segment.bundleIdentifier = browser.bundleIdentifier;
         segment.classificationRawValue = identity.classificationRawValue;
-        segment.setActivitySource(ActivitySourceType::localPDF);
+        segment.setActivitySource(recording::ActivitySourceType::localPDF);
         segment.browserBundleIdentifier = std::string(browser.bundleIdentifier);
         segment.tabSessionIdentifier = tabs[pick(tabs.size())];
         segment.pdfIdentifier = identity.id;
@@ -300,7 +305,7 @@ ActivitySegment HistoryWriter::nextSegment(const ActivitySegment* previous,
         segment.applicationName = browser.name;
         segment.bundleIdentifier = browser.bundleIdentifier;
         segment.setClassification(AC::unclassified);
-        segment.setActivitySource(ActivitySourceType::browserFallback);
+        segment.setActivitySource(recording::ActivitySourceType::browserFallback);
         segment.browserBundleIdentifier = std::string(browser.bundleIdentifier);
         segment.setBrowserFallbackReason(kFallbackReasons[pick(kFallbackReasons.size())]);
     } else if (kind < 0.99) {
@@ -316,12 +321,13 @@ ActivitySegment HistoryWriter::nextSegment(const ActivitySegment* previous,
         segment.applicationName = "Mac asleep";
         segment.bundleIdentifier = "com.apple.system.sleep";
         segment.setClassification(AC::ignored);
-        segment.setActivitySource(ActivitySourceType::system);
+        segment.setActivitySource(recording::ActivitySourceType::system);
     }
     return segment;
 }
 
-void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, StoreChangeSet& changes,
+void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount,
+                               recording::StoreChangeSet& changes,
                                SyntheticHistorySummary& summary) {
     const double span = options_.years * kSecondsPerYear;
     const double spacing = span / static_cast<double>(options_.sessions);
@@ -331,8 +337,8 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
     const double age = static_cast<double>(index) / static_cast<double>(options_.sessions);
     const int era = age < 0.3 ? 1 : (age < 0.6 ? 2 : 3);
 
-    StudySession session(uuid(), std::string(kSubjects[pick(kSubjects.size())]),
-                         std::string(kGoals[pick(kGoals.size())]), 0.0, start);
+    recording::StudySession session(uuid(), std::string(kSubjects[pick(kSubjects.size())]),
+                                    std::string(kGoals[pick(kGoals.size())]), 0.0, start);
     if (chance(0.1)) {
         session.setNotes("Revise the worked examples again; ask about problem 4b on Thursday.");
     }
@@ -341,18 +347,19 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
     for (Uuid& tab : tabs) {
         tab = uuid();
     }
-    std::vector<LocalPDFIdentity> pdfs;
+    std::vector<classification::LocalPDFIdentity> pdfs;
     const bool readsPDFs = chance(0.15);
 
     Totals totals;
     Date cursor = start;
     const std::size_t firstSegment = changes.segments.size();
     for (std::size_t count = 0; count < segmentCount; ++count) {
-        const ActivitySegment* previous =
+        const recording::ActivitySegment* previous =
             count == 0 ? nullptr : &changes.segments[firstSegment + count - 1];
-        ActivitySegment segment = nextSegment(previous, session, browser, tabs, pdfs, cursor);
-        if (!readsPDFs && segment.activitySource() == ActivitySourceType::localPDF) {
-            segment.setActivitySource(ActivitySourceType::application);
+        recording::ActivitySegment segment =
+            nextSegment(previous, session, browser, tabs, pdfs, cursor);
+        if (!readsPDFs && segment.activitySource() == recording::ActivitySourceType::localPDF) {
+            segment.setActivitySource(recording::ActivitySourceType::application);
             segment.applicationName = browser.name;
             segment.browserBundleIdentifier.reset();
             segment.tabSessionIdentifier.reset();
@@ -369,26 +376,27 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
     double passive = 0;
     double breaks = 0;
     if (chance(0.06)) {
-        ConfirmedNoInputInterval interval(
+        recording::ConfirmedNoInputInterval interval(
             uuid(), start.addingSeconds(uniform(0.0, totals.timer / 2)), Date{},
-            chance(0.7) ? ConfirmedStudyState::passiveStudy : ConfirmedStudyState::confirmedBreak,
-            chance(0.8) ? ConfirmedStudyStateSource::returnPrompt
-                        : ConfirmedStudyStateSource::sessionControl,
+            chance(0.7) ? recording::ConfirmedStudyState::passiveStudy
+                        : recording::ConfirmedStudyState::confirmedBreak,
+            chance(0.8) ? recording::ConfirmedStudyStateSource::returnPrompt
+                        : recording::ConfirmedStudyStateSource::sessionControl,
             cursor.addingSeconds(uniform(1.0, 120.0)));
         interval.endDate = interval.startDate.addingSeconds(uniform(300.0, 900.0));
         interval.session = session.id;
         if (chance(0.2)) {
             // Edited later in replay: the first answer stays, superseded.
-            ConfirmedNoInputInterval replaced = interval;
+            recording::ConfirmedNoInputInterval replaced = interval;
             replaced.id = uuid();
-            replaced.setState(ConfirmedStudyState::confirmedBreak);
+            replaced.setState(recording::ConfirmedStudyState::confirmedBreak);
             replaced.supersededAt = interval.createdAt;
-            interval.setSource(ConfirmedStudyStateSource::replayEdit);
+            interval.setSource(recording::ConfirmedStudyStateSource::replayEdit);
             interval.createdAt = interval.createdAt.addingSeconds(86400.0);
             changes.confirmedIntervals.push_back(replaced);
             ++summary.confirmedIntervals;
         }
-        (interval.state() == ConfirmedStudyState::passiveStudy ? passive : breaks) +=
+        (interval.state() == recording::ConfirmedStudyState::passiveStudy ? passive : breaks) +=
             interval.endDate.secondsSince(interval.startDate);
         changes.confirmedIntervals.push_back(interval);
         ++summary.confirmedIntervals;
@@ -397,8 +405,8 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
     const bool timer = chance(0.6);
     session.plannedDuration = timer ? totals.timer : 3600.0;
     session.endDate = cursor;
-    session.setStatus(chance(0.02) ? StudySessionStatus::interrupted
-                                   : StudySessionStatus::completed);
+    session.setStatus(chance(0.02) ? recording::StudySessionStatus::interrupted
+                                   : recording::StudySessionStatus::completed);
     session.timerDuration = totals.timer;
     session.focusedDuration = totals.focused;
     session.distractedDuration = totals.distracted;
@@ -409,15 +417,16 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
         session.focusScore = totals.focused / scored * 100.0;
     }
     if (era >= 2) {
-        session.setTimingMode(timer ? SessionTimingMode::timer : SessionTimingMode::openEnded);
+        session.setTimingMode(timer ? recording::SessionTimingMode::timer
+                                    : recording::SessionTimingMode::openEnded);
         const double mode = uniform(0.0, 1.0);
-        session.setStudyMode(mode < 0.85   ? StudySessionMode::computerBased
-                             : mode < 0.97 ? StudySessionMode::mixedStudy
-                                           : StudySessionMode::offlineBookStudy);
+        session.setStudyMode(mode < 0.85   ? recording::StudySessionMode::computerBased
+                             : mode < 0.97 ? recording::StudySessionMode::mixedStudy
+                                           : recording::StudySessionMode::offlineBookStudy);
         session.setUnclassifiedDuration(totals.unclassified);
         session.setIgnoredDuration(totals.ignored);
-        session.setCalculationVersion(era == 2 ? TrackingCalculationVersion::v2
-                                               : TrackingCalculationVersion::v3);
+        session.setCalculationVersion(era == 2 ? recording::TrackingCalculationVersion::v2
+                                               : recording::TrackingCalculationVersion::v3);
         session.setSchemaVersion(era);
         if (chance(0.2)) {
             session.setOriginatingTemplateID(templates_[pick(templates_.size())]);
@@ -428,7 +437,7 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
         session.setConfirmedBreakDuration(breaks);
         session.setSystemExcludedDuration(0.0);
     }
-    for (const LocalPDFIdentity& identity : pdfs) {
+    for (const classification::LocalPDFIdentity& identity : pdfs) {
         changes.pdfIdentities.push_back(identity);
     }
     summary.pdfIdentities += pdfs.size();
@@ -437,8 +446,8 @@ void HistoryWriter::addSession(std::size_t index, std::size_t segmentCount, Stor
     changes.sessions.push_back(std::move(session));
 }
 
-std::vector<AppClassification> HistoryWriter::appRules() {
-    std::vector<AppClassification> rules;
+std::vector<classification::AppClassification> HistoryWriter::appRules() {
+    std::vector<classification::AppClassification> rules;
     for (const Application& application : kApplications) {
         if (chance(0.7)) {
             rules.push_back({std::string(application.bundleIdentifier),
@@ -450,8 +459,8 @@ std::vector<AppClassification> HistoryWriter::appRules() {
     return rules;
 }
 
-std::vector<WebsiteClassification> HistoryWriter::websiteRules() {
-    std::vector<WebsiteClassification> rules;
+std::vector<classification::WebsiteClassification> HistoryWriter::websiteRules() {
+    std::vector<classification::WebsiteClassification> rules;
     for (const Website& website : kWebsites) {
         if (chance(0.6)) {
             rules.push_back({std::string(website.hostname),
@@ -464,7 +473,8 @@ std::vector<WebsiteClassification> HistoryWriter::websiteRules() {
 
 // Drops the indexes that are not part of a table's key and returns the
 // statements that create them again.
-Result<std::vector<std::string>, StoreError> dropSecondaryIndexes(SqliteConnection& connection) {
+Result<std::vector<std::string>, StoreError> dropSecondaryIndexes(
+    store::SqliteConnection& connection) {
     std::vector<std::pair<std::string, std::string>> indexes;
     {
         auto statement = connection.cached(
@@ -494,14 +504,15 @@ Result<std::vector<std::string>, StoreError> dropSecondaryIndexes(SqliteConnecti
 }
 
 template <typename Record>
-Result<void, StoreError> insertAll(SqliteConnection& connection, const TableLayout& layout,
+Result<void, StoreError> insertAll(store::SqliteConnection& connection,
+                                   const store::TableLayout& layout,
                                    const std::vector<Record>& records) {
     auto statement = connection.cached(layout.upsert);
     if (!statement) {
         return fail(statement.error());
     }
     for (const Record& record : records) {
-        bindRow(**statement, record);
+        store::bindRow(**statement, record);
         if (auto written = (*statement)->run(); !written) {
             return written;
         }
@@ -511,22 +522,24 @@ Result<void, StoreError> insertAll(SqliteConnection& connection, const TableLayo
 }
 
 // Writes one batch with the store's own row layouts and statements.
-Result<void, StoreError> load(SqliteConnection& connection, const StoreChangeSet& changes) {
-    auto transaction = SqliteTransaction::beginImmediate(connection);
+Result<void, StoreError> load(store::SqliteConnection& connection,
+                              const recording::StoreChangeSet& changes) {
+    auto transaction = store::SqliteTransaction::beginImmediate(connection);
     if (!transaction) {
         return fail(transaction.error());
     }
-    if (auto written = insertAll(connection, sessionLayout(), changes.sessions); !written) {
+    if (auto written = insertAll(connection, store::sessionLayout(), changes.sessions); !written) {
         return written;
     }
-    if (auto written = insertAll(connection, segmentLayout(), changes.segments); !written) {
+    if (auto written = insertAll(connection, store::segmentLayout(), changes.segments); !written) {
         return written;
     }
-    if (auto written = insertAll(connection, confirmedIntervalLayout(), changes.confirmedIntervals);
+    if (auto written =
+            insertAll(connection, store::confirmedIntervalLayout(), changes.confirmedIntervals);
         !written) {
         return written;
     }
-    if (auto written = insertAll(connection, pdfIdentityLayout(), changes.pdfIdentities);
+    if (auto written = insertAll(connection, store::pdfIdentityLayout(), changes.pdfIdentities);
         !written) {
         return written;
     }
@@ -546,17 +559,17 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
     HistoryWriter writer(options);
     SyntheticHistorySummary summary;
     {
-        auto store = SqliteRecordingStore::open(storeFile);
+        auto store = store::SqliteRecordingStore::open(storeFile);
         if (!store) {
             return fail(store.error());
         }
-        for (const AppClassification& rule : writer.appRules()) {
+        for (const classification::AppClassification& rule : writer.appRules()) {
             if (auto saved = (*store)->saveAppClassification(rule); !saved) {
                 return fail(saved.error());
             }
             ++summary.appClassifications;
         }
-        for (const WebsiteClassification& rule : writer.websiteRules()) {
+        for (const classification::WebsiteClassification& rule : writer.websiteRules()) {
             if (auto saved = (*store)->saveWebsiteClassification(rule); !saved) {
                 return fail(saved.error());
             }
@@ -573,7 +586,7 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
     // one large write: a file that fails halfway is discarded, never used, so
     // it needs neither a journal nor syncing, and a large page cache keeps the
     // random-UUID key indexes in memory. The file is back in WAL mode after.
-    auto connection = SqliteConnection::open(storeFile.string());
+    auto connection = store::SqliteConnection::open(storeFile.string());
     if (!connection) {
         return fail(connection.error());
     }
@@ -592,7 +605,7 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
         deferred = std::move(*dropped);
     }
     std::size_t segmentsLeft = options.segments;
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     for (std::size_t index = 0; index < options.sessions; ++index) {
         // Each session draws around the mean of what is left, so the total
         // comes out exact without a lopsided last session.
@@ -607,7 +620,7 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
             if (auto loaded = load(**connection, changes); !loaded) {
                 return fail(loaded.error());
             }
-            changes = StoreChangeSet{};
+            changes = recording::StoreChangeSet{};
         }
     }
     for (const std::string& create : deferred) {
@@ -621,7 +634,7 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
     connection->reset();
 
     // What was written must open as a store like any other.
-    auto store = SqliteRecordingStore::open(storeFile);
+    auto store = store::SqliteRecordingStore::open(storeFile);
     if (!store) {
         return fail(store.error());
     }
@@ -636,4 +649,4 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
     return summary;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::bench

@@ -10,7 +10,7 @@
 #include "foundation/result.hpp"
 #include "recording/recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::bench {
 
 // Changes whenever the generator writes a different history, so that cached
 // histories of an earlier revision are not reused.
@@ -46,4 +46,4 @@ struct SyntheticHistorySummary {
 Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
     const std::filesystem::path& storeFile, const SyntheticHistoryOptions& options);
 
-}  // namespace lumenote
+}  // namespace lumenote::bench

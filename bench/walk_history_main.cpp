@@ -25,31 +25,32 @@ struct Walked {
     std::size_t segments = 0;
 };
 
-Result<Walked, StoreError> walk(SessionHistoryReader& reader, const std::string& what) {
+Result<Walked, StoreError> walk(recording::SessionHistoryReader& reader, const std::string& what) {
     Walked walked;
     if (what == "segments") {
         Uuid lastSession;
         double seconds = 0;
-        auto done = reader.forEachSegment(
-            {}, [&](const StudySession& session, const ActivitySegment& segment) {
-                if (walked.segments == 0 || session.id != lastSession) {
-                    ++walked.sessions;
-                    lastSession = session.id;
-                }
-                ++walked.segments;
-                seconds += segment.duration;
-                return true;
-            });
+        auto done = reader.forEachSegment({}, [&](const recording::StudySession& session,
+                                                  const recording::ActivitySegment& segment) {
+            if (walked.segments == 0 || session.id != lastSession) {
+                ++walked.sessions;
+                lastSession = session.id;
+            }
+            ++walked.segments;
+            seconds += segment.duration;
+            return true;
+        });
         if (!done) {
             return fail(done.error());
         }
         return walked;
     }
-    auto done = reader.forEachSession({.includeChildren = true}, [&](const StudySession& session) {
-        ++walked.sessions;
-        walked.segments += session.segments.size();
-        return true;
-    });
+    auto done = reader.forEachSession({.includeChildren = true},
+                                      [&](const recording::StudySession& session) {
+                                          ++walked.sessions;
+                                          walked.segments += session.segments.size();
+                                          return true;
+                                      });
     if (!done) {
         return fail(done.error());
     }
@@ -87,7 +88,7 @@ int main(int argc, char** argv) {
         bench::setHistoryCacheFolder(cache);
         file = bench::standardHistoryStore();
     }
-    auto store = SqliteRecordingStore::open(file);
+    auto store = store::SqliteRecordingStore::open(file);
     if (!store) {
         fmt::print(stderr, "lumenote-walk-history: {}\n", store.error().description);
         return 1;

@@ -8,15 +8,20 @@
 
 #include "foundation/raw_enum.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 enum class ActivityClassification { focused, distracting, neutral, unclassified, ignored };
 // How the label of a local PDF was obtained.
 enum class BrowserPDFLabelSource { filename, manual };
 
+}  // namespace lumenote::classification
+
+// Raw values are specialised where the template lives.
+namespace lumenote {
+
 template <>
-struct RawValues<ActivityClassification> {
-    using E = ActivityClassification;
+struct RawValues<classification::ActivityClassification> {
+    using E = classification::ActivityClassification;
     static constexpr std::array<std::pair<E, std::string_view>, 5> entries{{
         {E::focused, "focused"},
         {E::distracting, "distracting"},
@@ -26,15 +31,24 @@ struct RawValues<ActivityClassification> {
     }};
 };
 
+}  // namespace lumenote
+
+namespace lumenote::classification {
+
 // The class a stored text names; text of a later release reads as
 // unclassified, so an unknown value never counts as evidence or decides a rule.
 inline ActivityClassification classificationFromRawValue(std::string_view raw) {
     return fromRawValue<ActivityClassification>(raw).value_or(ActivityClassification::unclassified);
 }
 
+}  // namespace lumenote::classification
+
+// Raw values are specialised where the template lives.
+namespace lumenote {
+
 template <>
-struct RawValues<BrowserPDFLabelSource> {
-    using E = BrowserPDFLabelSource;
+struct RawValues<classification::BrowserPDFLabelSource> {
+    using E = classification::BrowserPDFLabelSource;
     static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
         {E::filename, "filename"},
         {E::manual, "manual"},
@@ -42,3 +56,5 @@ struct RawValues<BrowserPDFLabelSource> {
 };
 
 }  // namespace lumenote
+
+namespace lumenote::classification {}  // namespace lumenote::classification

@@ -6,7 +6,7 @@
 #include "classification/rule_keys.hpp"
 #include "classification/starter_suggestions.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 // The names the recorder has appeared under; its own windows are never
@@ -142,4 +142,4 @@ void ClassificationLookup::clearSessionOverrides() {
     tabClassificationOverrides_.clear();
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -15,7 +15,7 @@
 #include "classification/classification_records.hpp"
 #include "foundation/uuid.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 // Bundle identifier of the pseudo activity recorded while the system sleeps.
 inline constexpr std::string_view kSystemSleepBundleIdentifier = "com.apple.system.sleep";
@@ -95,4 +95,4 @@ class ClassificationLookup {
     TabOverrides tabClassificationOverrides_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 using F = ClassificationFailure;
@@ -64,4 +64,4 @@ std::string classificationFailureMessage(ClassificationFailure failure, std::str
     return {};
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote {
+namespace lumenote::classification {
 
 enum class ClassificationFailure {
     applicationRulesNotLoaded,
@@ -24,4 +24,4 @@ enum class ClassificationFailure {
 std::string classificationFailureMessage(ClassificationFailure failure, std::string_view name = {},
                                          std::string_view error = {});
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -10,7 +10,7 @@
 #include "foundation/raw_enum.hpp"
 #include "foundation/uuid.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 // The user's rule for one application; one record per bundle identifier
 // (compared exactly, letter case included).
@@ -73,9 +73,14 @@ struct LocalPDFPreferences {
 // How far a classification chosen for a PDF reaches.
 enum class LocalPDFClassificationScope { thisPDFInSession, allPDFsInSession, futureDefault };
 
+}  // namespace lumenote::classification
+
+// Raw values are specialised where the template lives.
+namespace lumenote {
+
 template <>
-struct RawValues<LocalPDFClassificationScope> {
-    using E = LocalPDFClassificationScope;
+struct RawValues<classification::LocalPDFClassificationScope> {
+    using E = classification::LocalPDFClassificationScope;
     static constexpr std::array<std::pair<E, std::string_view>, 3> entries{{
         {E::thisPDFInSession, "thisPDFInSession"},
         {E::allPDFsInSession, "allPDFsInSession"},
@@ -84,3 +89,5 @@ struct RawValues<LocalPDFClassificationScope> {
 };
 
 }  // namespace lumenote
+
+namespace lumenote::classification {}  // namespace lumenote::classification

@@ -12,7 +12,7 @@
 #include "foundation/store_error.hpp"
 #include "foundation/uuid.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 class ClassificationRuleStore {
   public:
@@ -38,4 +38,4 @@ class ClassificationRuleStore {
     virtual Result<void, StoreError> deleteLocalPDFPreferences() = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -2,7 +2,7 @@
 
 #include "classification/rule_keys.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 namespace {
 
@@ -242,4 +242,4 @@ void ClassificationRules::setTabOverride(const Uuid& tabSessionIdentifier,
     changed_.notify();
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

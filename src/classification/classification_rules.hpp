@@ -21,7 +21,7 @@
 #include "classification/local_pdf_classification.hpp"
 #include "foundation/observer_list.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 // A refused or failed rule change, with what its sentence names.
 struct ClassificationError {
@@ -107,4 +107,4 @@ class ClassificationRules {
     ObserverList<> changed_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

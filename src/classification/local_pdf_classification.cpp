@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace lumenote {
+namespace lumenote::classification {
 
 ActivityClassification localPDFClassification(const LocalPDFIdentity* identity,
                                               const LocalPDFPreferences& preferences) {
@@ -81,4 +81,4 @@ std::vector<LocalPDFIdentity> withoutFilenameLabels(std::span<const LocalPDFIden
     return changed;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

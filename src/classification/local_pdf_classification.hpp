@@ -11,7 +11,7 @@
 
 #include "classification/classification_records.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 // The class a local PDF is recorded with: its identity record's own class, or,
 // for a PDF that has no identity record yet, the preferences' default.
@@ -60,4 +60,4 @@ LocalPDFScopeChanges applyPDFScope(ActivityClassification chosen, LocalPDFClassi
 // that label and its source removed; the others need no change.
 std::vector<LocalPDFIdentity> withoutFilenameLabels(std::span<const LocalPDFIdentity> identities);
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

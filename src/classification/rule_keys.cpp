@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 // UTF-8 encodings of the white-space and line-break characters: ASCII tab to
@@ -65,4 +65,4 @@ std::string normalizedHostname(std::string_view hostname) {
     return result;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote {
+namespace lumenote::classification {
 
 // Trims white space and line breaks at both ends (the Unicode white-space and
 // line-break set, read as UTF-8), lowercases ASCII letters and removes one
@@ -21,4 +21,4 @@ std::string normalizedHostname(std::string_view hostname);
 // (bundle identifiers are ASCII by the platform's rules).
 std::string asciiLowercased(std::string_view text);
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -5,7 +5,7 @@
 
 #include "classification/rule_keys.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 constexpr auto kFocused = ActivityClassification::focused;
@@ -147,4 +147,4 @@ std::optional<ActivityClassification> starterApplicationClassification(
     return found->second;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -12,7 +12,7 @@
 
 #include "classification/classification_enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 
 // One row of a starter table: a hostname or a bundle identifier, the name the
 // settings screen shows and the suggested classification (only focused,
@@ -62,4 +62,4 @@ std::optional<ActivityClassification> starterWebsiteMatch(std::string_view norma
 std::optional<ActivityClassification> starterApplicationClassification(
     std::string_view bundleIdentifier);
 
-}  // namespace lumenote
+}  // namespace lumenote::classification

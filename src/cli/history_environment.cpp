@@ -29,48 +29,50 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::str
     return {};
 }
 
-HistoryEnvironment::HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,
+HistoryEnvironment::HistoryEnvironment(UserPaths paths,
+                                       std::unique_ptr<recording::RecordingStore> store,
                                        CheckpointAccess access)
     : paths_(std::move(paths)), store_(std::move(store)), calendar_(LocalCalendar::current()) {
-    rules_ = std::make_unique<ClassificationRules>(
-        *store_, [this] { return platform_.wallClock.now(); }, kOwnBundleIdentifier);
+    rules_ = std::make_unique<classification::ClassificationRules>(
+        *store_, [this] { return platform_.wallClock.now(); }, recording::kOwnBundleIdentifier);
     if (access == CheckpointAccess::recovery) {
-        checkpoints_ = std::make_unique<FileSessionCheckpointStore>(paths_.applicationData(),
-                                                                    platform_.wallClock);
+        checkpoints_ = std::make_unique<recording::FileSessionCheckpointStore>(
+            paths_.applicationData(), platform_.wallClock);
     } else {
-        checkpoints_ = std::make_unique<InMemorySessionCheckpointStore>();
+        checkpoints_ = std::make_unique<recording::InMemorySessionCheckpointStore>();
     }
 }
 
 Result<std::unique_ptr<HistoryEnvironment>, std::string> HistoryEnvironment::open(
     const UserPaths& paths, CheckpointAccess access) {
-    auto store = SqliteRecordingStore::open(storePath(paths));
+    auto store = store::SqliteRecordingStore::open(store::storePath(paths));
     if (!store.ok()) {
-        return fail(storageOpenFailureMessage(store.error()));
+        return fail(store::storageOpenFailureMessage(store.error()));
     }
     return std::unique_ptr<HistoryEnvironment>(
         new HistoryEnvironment(paths, std::move(store).value(), access));
 }
 
-RecordingPreferences& HistoryEnvironment::recordingPreferences() {
+recording::RecordingPreferences& HistoryEnvironment::recordingPreferences() {
     if (!recordingPreferences_) {
-        defaults_ = std::make_unique<JsonFileDefaultsDomain>(
-            JsonFileDefaultsDomain::pathFor(paths_), [this] { return platform_.wallClock.now(); });
-        preferences_ = std::make_unique<PreferencesStore>(*defaults_);
-        recordingPreferences_ = std::make_unique<PreferencesForRecording>(*preferences_);
+        defaults_ = std::make_unique<settings::JsonFileDefaultsDomain>(
+            settings::JsonFileDefaultsDomain::pathFor(paths_),
+            [this] { return platform_.wallClock.now(); });
+        preferences_ = std::make_unique<settings::PreferencesStore>(*defaults_);
+        recordingPreferences_ = std::make_unique<settings::PreferencesForRecording>(*preferences_);
     }
     return *recordingPreferences_;
 }
 
-SessionHistory& HistoryEnvironment::history(std::ostream& warnings) {
+recording::SessionHistory& HistoryEnvironment::history(std::ostream& warnings) {
     if (!history_) {
-        history_ =
-            std::make_unique<SessionHistory>(SessionHistoryDependencies{*store_,
-                                                                        rules(warnings),
-                                                                        recordingPreferences(),
-                                                                        platform_.monotonicClock,
-                                                                        platform_.wallClock,
-                                                                        {}});
+        history_ = std::make_unique<recording::SessionHistory>(
+            recording::SessionHistoryDependencies{*store_,
+                                                  rules(warnings),
+                                                  recordingPreferences(),
+                                                  platform_.monotonicClock,
+                                                  platform_.wallClock,
+                                                  {}});
         if (auto upToDate = history_->bringTotalsUpToDate(); !upToDate.ok()) {
             warnings << upToDate.error().message() << '\n';
         }
@@ -78,26 +80,28 @@ SessionHistory& HistoryEnvironment::history(std::ostream& warnings) {
     return *history_;
 }
 
-SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
+recording::SessionManager& HistoryEnvironment::manager(std::ostream& warnings) {
     if (manager_) {
         return *manager_;
     }
-    SessionHistory& sessions = history(warnings);
-    manager_ = std::make_unique<SessionManager>(SessionManagerDependencies{
+    recording::SessionHistory& sessions = history(warnings);
+    manager_ = std::make_unique<recording::SessionManager>(recording::SessionManagerDependencies{
         *store_, recordingPreferences(), platform_.idleTime, platform_.monotonicClock,
         platform_.wallClock, platform_.frontmostApplication, platform_.notifications,
         platform_.browserTracking, *checkpoints_, *rules_, sessions});
-    const auto shown = manager_->problems().add(
-        [&warnings](const SessionError& problem) { warnings << problem.message() << '\n'; });
+    const auto shown =
+        manager_->problems().add([&warnings](const recording::SessionError& problem) {
+            warnings << problem.message() << '\n';
+        });
     manager_->startUp();
     manager_->problems().remove(shown);
     return *manager_;
 }
 
-ClassificationRules& HistoryEnvironment::rules(std::ostream& warnings) {
+classification::ClassificationRules& HistoryEnvironment::rules(std::ostream& warnings) {
     if (!rulesLoaded_) {
         rulesLoaded_ = true;
-        for (const ClassificationError& problem : rules_->load()) {
+        for (const classification::ClassificationError& problem : rules_->load()) {
             warnings << problem.message() << '\n';
         }
     }
@@ -142,13 +146,13 @@ Result<Uuid, std::string> HistoryEnvironment::resolveSessionID(std::string_view 
     if (!prefix || prefix->size() < kMinimumSessionIDPrefixDigits || prefix->size() > 32) {
         return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIDMalformed, given));
     }
-    auto sessions = store_->listSessions(SessionQuery{});
+    auto sessions = store_->listSessions(recording::SessionQuery{});
     if (!sessions.ok()) {
         return fail(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
                                                  sessions.error().description));
     }
     std::vector<Uuid> matches;
-    for (const StudySession& session : *sessions) {
+    for (const recording::StudySession& session : *sessions) {
         if (hexDigits(session.id.lowerString())->starts_with(*prefix)) {
             matches.push_back(session.id);
         }

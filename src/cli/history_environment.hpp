@@ -61,7 +61,7 @@ class HistoryEnvironment {
     HistoryEnvironment(const HistoryEnvironment&) = delete;
     HistoryEnvironment& operator=(const HistoryEnvironment&) = delete;
 
-    RecordingStore& store() { return *store_; }
+    recording::RecordingStore& store() { return *store_; }
     // The local time zone the commands show dates in.
     const LocalCalendar& calendar() const { return calendar_; }
 
@@ -70,15 +70,15 @@ class HistoryEnvironment {
     // date, as the application does at launch. A problem met while starting
     // up is written to `warnings` and cleared, so that the manager's last
     // error afterwards belongs to the command's own operation.
-    SessionManager& manager(std::ostream& warnings);
+    recording::SessionManager& manager(std::ostream& warnings);
 
     // The classification rules, loaded on first use; a rule set that could
     // not be loaded is written to `warnings`.
-    ClassificationRules& rules(std::ostream& warnings);
+    classification::ClassificationRules& rules(std::ostream& warnings);
 
     // The history, built on first use with the stored totals brought up to
     // date (as the application does at launch); problems go to `warnings`.
-    SessionHistory& history(std::ostream& warnings);
+    recording::SessionHistory& history(std::ostream& warnings);
 
     // The session named by `text`: a full id in either letter case, or a
     // prefix of at least kMinimumSessionIDPrefixDigits hex digits (hyphens
@@ -88,25 +88,25 @@ class HistoryEnvironment {
     Result<Uuid, std::string> resolveSessionID(std::string_view text);
 
   private:
-    HistoryEnvironment(UserPaths paths, std::unique_ptr<RecordingStore> store,
+    HistoryEnvironment(UserPaths paths, std::unique_ptr<recording::RecordingStore> store,
                        CheckpointAccess access);
-    RecordingPreferences& recordingPreferences();
+    recording::RecordingPreferences& recordingPreferences();
 
     UserPaths paths_;
-    std::unique_ptr<RecordingStore> store_;
+    std::unique_ptr<recording::RecordingStore> store_;
     LocalCalendar calendar_;
-    HeadlessPlatform platform_;
+    platform::system::HeadlessPlatform platform_;
     // The recovery checkpoint belongs to the recorder: apart from the
     // recovery command, the command line must never read, move aside or
     // remove it, so its manager keeps an empty checkpoint in memory instead.
-    std::unique_ptr<SessionCheckpointStore> checkpoints_;
-    std::unique_ptr<JsonFileDefaultsDomain> defaults_;
-    std::unique_ptr<PreferencesStore> preferences_;
-    std::unique_ptr<PreferencesForRecording> recordingPreferences_;
-    std::unique_ptr<ClassificationRules> rules_;
+    std::unique_ptr<recording::SessionCheckpointStore> checkpoints_;
+    std::unique_ptr<settings::JsonFileDefaultsDomain> defaults_;
+    std::unique_ptr<settings::PreferencesStore> preferences_;
+    std::unique_ptr<settings::PreferencesForRecording> recordingPreferences_;
+    std::unique_ptr<classification::ClassificationRules> rules_;
     bool rulesLoaded_ = false;
-    std::unique_ptr<SessionHistory> history_;
-    std::unique_ptr<SessionManager> manager_;
+    std::unique_ptr<recording::SessionHistory> history_;
+    std::unique_ptr<recording::SessionManager> manager_;
 };
 
 // Opens the environment for a command. When the store cannot be opened the

@@ -24,11 +24,12 @@ Date systemNow() {
 
 // The user's preferences, opened for one command.
 struct OpenPreferences {
-    JsonFileDefaultsDomain domain;
-    PreferencesStore store;
+    settings::JsonFileDefaultsDomain domain;
+    settings::PreferencesStore store;
 
     explicit OpenPreferences(CliContext& context)
-        : domain(JsonFileDefaultsDomain::pathFor(context.paths), systemNow), store(domain) {
+        : domain(settings::JsonFileDefaultsDomain::pathFor(context.paths), systemNow),
+          store(domain) {
         if (const auto& moved = domain.lastQuarantinedPath()) {
             context.err << fmt::format(
                 "The preferences file could not be read and was moved to {}; defaults are used.\n",
@@ -47,7 +48,7 @@ struct OpenPreferences {
     }
 };
 
-std::string valueText(const PreferenceValue& value) {
+std::string valueText(const settings::PreferenceValue& value) {
     return std::visit(
         [](const auto& held) -> std::string {
             using T = std::decay_t<decltype(held)>;
@@ -63,7 +64,7 @@ std::string valueText(const PreferenceValue& value) {
 }
 
 // Strings are quoted in listings so that an empty value stays visible.
-std::string listedText(const PreferenceValue& value) {
+std::string listedText(const settings::PreferenceValue& value) {
     if (const auto* text = std::get_if<std::string>(&value)) {
         return fmt::format("{:?}", *text);
     }
@@ -104,9 +105,10 @@ std::optional<double> parseSeconds(std::string_view text) {
 }
 
 // The typed form of `text` for a key of `kind`; nullopt when it cannot be one.
-std::optional<PreferenceValue> parseValue(const PreferenceKeyInfo& info, std::string_view text) {
+std::optional<settings::PreferenceValue> parseValue(const settings::PreferenceKeyInfo& info,
+                                                    std::string_view text) {
     switch (info.kind) {
-        case PreferenceValueKind::boolean: {
+        case settings::PreferenceValueKind::boolean: {
             const std::string word = lowercase(text);
             if (word == "true" || word == "yes" || word == "on" || word == "1") {
                 return true;
@@ -116,23 +118,23 @@ std::optional<PreferenceValue> parseValue(const PreferenceKeyInfo& info, std::st
             }
             return std::nullopt;
         }
-        case PreferenceValueKind::integer:
+        case settings::PreferenceValueKind::integer:
             if (auto integer = parseInteger(text)) {
                 return *integer;
             }
             return std::nullopt;
-        case PreferenceValueKind::seconds:
+        case settings::PreferenceValueKind::seconds:
             if (auto seconds = parseSeconds(text)) {
                 return *seconds;
             }
             return std::nullopt;
-        case PreferenceValueKind::text:
+        case settings::PreferenceValueKind::text:
             return std::string(text);
     }
     return std::nullopt;
 }
 
-std::string expectation(const PreferenceKeyInfo& info) {
+std::string expectation(const settings::PreferenceKeyInfo& info) {
     if (!info.choices.empty()) {
         std::string list;
         for (std::string_view choice : info.choices) {
@@ -142,20 +144,20 @@ std::string expectation(const PreferenceKeyInfo& info) {
         return "use one of " + list;
     }
     switch (info.kind) {
-        case PreferenceValueKind::boolean:
+        case settings::PreferenceValueKind::boolean:
             return "use true or false";
-        case PreferenceValueKind::integer:
+        case settings::PreferenceValueKind::integer:
             return "use a whole number";
-        case PreferenceValueKind::seconds:
+        case settings::PreferenceValueKind::seconds:
             return "use a number of seconds or a duration such as 25m";
-        case PreferenceValueKind::text:
+        case settings::PreferenceValueKind::text:
             break;
     }
     return "use some text";
 }
 
-const PreferenceKeyInfo* knownKey(CliContext& context, std::string_view key) {
-    const PreferenceKeyInfo* info = findPreferenceKey(key);
+const settings::PreferenceKeyInfo* knownKey(CliContext& context, std::string_view key) {
+    const settings::PreferenceKeyInfo* info = settings::findPreferenceKey(key);
     if (info == nullptr) {
         context.refuse(fmt::format(
             "There is no preference named \"{}\". Run \"lumenote-cli prefs list\" to see them all.",
@@ -167,30 +169,31 @@ const PreferenceKeyInfo* knownKey(CliContext& context, std::string_view key) {
 void listPreferences(CliContext& context) {
     OpenPreferences preferences(context);
     std::size_t width = 0;
-    for (const PreferenceKeyInfo& info : preferenceKeyCatalog()) {
+    for (const settings::PreferenceKeyInfo& info : settings::preferenceKeyCatalog()) {
         width = std::max(width, info.key.size());
     }
-    for (const PreferenceKeyInfo& info : preferenceKeyCatalog()) {
-        const PreferenceValue value = preferenceValue(preferences.store, info);
-        const bool isDefault = value == defaultPreferenceValue(info);
+    for (const settings::PreferenceKeyInfo& info : settings::preferenceKeyCatalog()) {
+        const settings::PreferenceValue value = settings::preferenceValue(preferences.store, info);
+        const bool isDefault = value == settings::defaultPreferenceValue(info);
         context.out << fmt::format("{:<{}} = {}{}\n", info.key, width, listedText(value),
                                    isDefault ? "  (default)" : "");
     }
 }
 
 void getPreference(CliContext& context, const std::string& key) {
-    const PreferenceKeyInfo* info = knownKey(context, key);
+    const settings::PreferenceKeyInfo* info = knownKey(context, key);
     if (info == nullptr) {
         return;
     }
     OpenPreferences preferences(context);
-    context.out << valueText(preferenceValue(preferences.store, *info)) << '\n';
+    context.out << valueText(settings::preferenceValue(preferences.store, *info)) << '\n';
 }
 
 // What to say when the stored value differs from the one asked for.
-std::string adjustmentNote(const PreferenceKeyInfo& info, const PreferenceValue& requested,
-                           const PreferenceValue& stored) {
-    if (info.kind == PreferenceValueKind::text) {
+std::string adjustmentNote(const settings::PreferenceKeyInfo& info,
+                           const settings::PreferenceValue& requested,
+                           const settings::PreferenceValue& stored) {
+    if (info.kind == settings::PreferenceValueKind::text) {
         return fmt::format("{} was stored as {}.", info.key, listedText(stored));
     }
     return fmt::format("{} is out of range for {}; {} was stored instead.", valueText(requested),
@@ -198,7 +201,7 @@ std::string adjustmentNote(const PreferenceKeyInfo& info, const PreferenceValue&
 }
 
 void setPreference(CliContext& context, const std::string& key, const std::string& text) {
-    const PreferenceKeyInfo* info = knownKey(context, key);
+    const settings::PreferenceKeyInfo* info = knownKey(context, key);
     if (info == nullptr) {
         return;
     }
@@ -209,11 +212,12 @@ void setPreference(CliContext& context, const std::string& key, const std::strin
         return;
     }
     OpenPreferences preferences(context);
-    const auto assigned = assignPreference(preferences.store, *info, *requested);
+    const auto assigned = settings::assignPreference(preferences.store, *info, *requested);
     if (!assigned) {
-        const std::string expected = assigned.error() == PreferenceAssignmentError::outOfRange
-                                         ? "use a whole number from 0 to 4294967295"
-                                         : expectation(*info);
+        const std::string expected =
+            assigned.error() == settings::PreferenceAssignmentError::outOfRange
+                ? "use a whole number from 0 to 4294967295"
+                : expectation(*info);
         context.refuse(
             fmt::format("\"{}\" is not a valid value for {}: {}.", text, info->key, expected));
         return;
@@ -225,14 +229,15 @@ void setPreference(CliContext& context, const std::string& key, const std::strin
     if (assigned.value() != *requested) {
         context.out << adjustmentNote(*info, *requested, assigned.value()) << '\n';
     }
-    const GlobalHotkeyBinding& binding = preferences.store.globalHotkey();
-    if ((info->key == preference_keys::globalHotkeyKeyCode ||
-         info->key == preference_keys::globalHotkeyModifiers) &&
-        !isUsableGlobalHotkey(binding.keyCode, binding.modifiers)) {
+    const settings::GlobalHotkeyBinding& binding = preferences.store.globalHotkey();
+    if ((info->key == settings::preference_keys::globalHotkeyKeyCode ||
+         info->key == settings::preference_keys::globalHotkeyModifiers) &&
+        !settings::isUsableGlobalHotkey(binding.keyCode, binding.modifiers)) {
         context.out << fmt::format(
             "{} is not a usable shortcut: it needs Ctrl, Alt, Shift or Super and a key with a "
             "name. Lumenote uses {} until it is changed.\n",
-            globalHotkeyDisplayText(binding), globalHotkeyDisplayText(GlobalHotkeyBinding{}));
+            settings::globalHotkeyDisplayText(binding),
+            settings::globalHotkeyDisplayText(settings::GlobalHotkeyBinding{}));
     }
 }
 

@@ -26,10 +26,10 @@ struct RecordArguments {
     std::string templateName;
 };
 
-const std::map<std::string, StudySessionMode> kModes{
-    {"computer", StudySessionMode::computerBased},
-    {"mixed", StudySessionMode::mixedStudy},
-    {"offline", StudySessionMode::offlineBookStudy},
+const std::map<std::string, recording::StudySessionMode> kModes{
+    {"computer", recording::StudySessionMode::computerBased},
+    {"mixed", recording::StudySessionMode::mixedStudy},
+    {"offline", recording::StudySessionMode::offlineBookStudy},
 };
 
 void runRecord(CliContext& context, const RecordArguments& arguments) {
@@ -39,10 +39,10 @@ void runRecord(CliContext& context, const RecordArguments& arguments) {
     options.request.goal = arguments.goal;
 
     // Defaults come from the preferences: the default duration and study mode.
-    SystemWallClock clock;
-    JsonFileDefaultsDomain defaults(JsonFileDefaultsDomain::pathFor(context.paths),
-                                    [&clock] { return clock.now(); });
-    PreferencesStore preferences(defaults);
+    platform::system::SystemWallClock clock;
+    settings::JsonFileDefaultsDomain defaults(
+        settings::JsonFileDefaultsDomain::pathFor(context.paths), [&clock] { return clock.now(); });
+    settings::PreferencesStore preferences(defaults);
     options.request.plannedDuration = preferences.defaultDuration();
     options.request.studyMode = preferences.defaultStudyMode();
     if (!arguments.duration.empty()) {
@@ -55,7 +55,7 @@ void runRecord(CliContext& context, const RecordArguments& arguments) {
         options.durationGiven = true;
     }
     if (arguments.openEnded) {
-        options.request.timingMode = SessionTimingMode::openEnded;
+        options.request.timingMode = recording::SessionTimingMode::openEnded;
         options.timingGiven = true;
     } else if (options.durationGiven) {
         options.timingGiven = true;
@@ -111,8 +111,8 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
             {"pause", {runtime::RecorderControl::pause, "Pause the session being recorded"}},
             {"resume", {runtime::RecorderControl::resume, "Resume the paused session"}},
             {"end", {runtime::RecorderControl::end, "End the session being recorded"}},
-            {"away", {runtime::RecorderControl::away, kStudyAwayControlHelp}},
-            {"back", {runtime::RecorderControl::back, kBackToComputerStudyHelp}},
+            {"away", {runtime::RecorderControl::away, recording::kStudyAwayControlHelp}},
+            {"back", {runtime::RecorderControl::back, recording::kBackToComputerStudyHelp}},
             {"status", {runtime::RecorderControl::status, "Show what the recorder is doing"}},
         };
     app.add_subcommand("check",

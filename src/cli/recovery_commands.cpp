@@ -17,10 +17,10 @@ namespace lumenote::cli {
 namespace {
 
 // Recovery touches the recorder's checkpoint, so no recorder may run meanwhile.
-std::optional<RecorderLock> takeRecorderLock(CliContext& context) {
-    auto lock = RecorderLock::acquire(recorderLockPath(context.paths));
+std::optional<store::RecorderLock> takeRecorderLock(CliContext& context) {
+    auto lock = store::RecorderLock::acquire(store::recorderLockPath(context.paths));
     if (!lock.ok()) {
-        context.refuse(recorderLockMessage(lock.error()));
+        context.refuse(store::recorderLockMessage(lock.error()));
         return std::nullopt;
     }
     return std::move(lock).value();
@@ -35,7 +35,7 @@ void runRecovery(CliContext& context, bool endIt) {
     if (!environment) {
         return;
     }
-    SessionManager& manager = environment->manager(context.err);
+    recording::SessionManager& manager = environment->manager(context.err);
     const auto& session = manager.pendingRecoverySession();
     const auto& summary = manager.pendingRecoverySummary();
     if (!session || !summary) {
@@ -55,7 +55,7 @@ void runRecovery(CliContext& context, bool endIt) {
         return;
     }
     context.out << fmt::format("\"{}\" ended as interrupted after {} of confirmed time.\n", subject,
-                               clockDurationText(summary->confirmedDuration));
+                               recording::clockDurationText(summary->confirmedDuration));
 }
 
 // "2026-11-16T09:30:00+01:00", "2026-11-16T09:30:00" (local time) or
@@ -106,11 +106,13 @@ void runRelabel(CliContext& context, const RelabelArguments& arguments) {
     }
     auto loaded = environment->store().loadSession(*id);
     if (!loaded.ok() || !loaded->has_value()) {
-        context.refuse(sessionFailureMessage(SessionFailure::sessionNotFound));
+        context.refuse(
+            recording::sessionFailureMessage(recording::SessionFailure::sessionNotFound));
         return;
     }
     if ((*loaded)->isLive()) {
-        context.refuse(sessionFailureMessage(SessionFailure::editWhileActive));
+        context.refuse(
+            recording::sessionFailureMessage(recording::SessionFailure::editWhileActive));
         return;
     }
     const Date start = (*loaded)->startDate;
@@ -120,19 +122,20 @@ void runRelabel(CliContext& context, const RelabelArguments& arguments) {
         context.refuse("Give times as HH:MM, HH:MM:SS or an ISO 8601 date and time.");
         return;
     }
-    std::optional<ConfirmedStudyState> state;
+    std::optional<recording::ConfirmedStudyState> state;
     if (arguments.state == "passive") {
-        state = ConfirmedStudyState::passiveStudy;
+        state = recording::ConfirmedStudyState::passiveStudy;
     } else if (arguments.state == "break") {
-        state = ConfirmedStudyState::confirmedBreak;
+        state = recording::ConfirmedStudyState::confirmedBreak;
     }
-    auto edited = environment->history(context.err)
-                      .relabel(*id, *from, *to, state, ConfirmedStudyStateSource::replayEdit);
+    auto edited =
+        environment->history(context.err)
+            .relabel(*id, *from, *to, state, recording::ConfirmedStudyStateSource::replayEdit);
     if (!edited.ok()) {
         context.refuse(edited.error().message());
         return;
     }
-    context.out << studyStateEditDescription(*edited) << '\n';
+    context.out << recording::studyStateEditDescription(*edited) << '\n';
 }
 
 }  // namespace

@@ -21,7 +21,8 @@ namespace {
 
 std::vector<std::string> classificationNames() {
     std::vector<std::string> names;
-    for (const ActivityClassification classification : allCases<ActivityClassification>()) {
+    for (const classification::ActivityClassification classification :
+         allCases<classification::ActivityClassification>()) {
         names.emplace_back(rawValue(classification));
     }
     return names;
@@ -43,10 +44,10 @@ void addClassificationArgument(CLI::App& command, std::string& target) {
         ->check(CLI::IsMember(classificationNames()));
 }
 
-ActivityClassification parsedClassification(const std::string& name) {
+classification::ActivityClassification parsedClassification(const std::string& name) {
     // The argument parser admitted only the raw values.
-    return fromRawValue<ActivityClassification>(name).value_or(
-        ActivityClassification::unclassified);
+    return fromRawValue<classification::ActivityClassification>(name).value_or(
+        classification::ActivityClassification::unclassified);
 }
 
 std::string padded(std::string_view cell, std::size_t width) {
@@ -55,14 +56,15 @@ std::string padded(std::string_view cell, std::size_t width) {
 }
 
 void printStarterTable(CliContext& context, std::string_view title,
-                       const std::vector<StarterClassificationRow>& rows) {
+                       const std::vector<classification::StarterClassificationRow>& rows) {
     std::size_t nameWidth = 0;
     std::size_t detailWidth = 0;
     for (const auto& row : rows) {
         nameWidth = std::max(nameWidth, text::characterCount(row.name));
         detailWidth = std::max(detailWidth, row.detail.size());
     }
-    context.out << fmt::format("{} · {}\n", title, recognisedByDefaultText(rows.size()));
+    context.out << fmt::format("{} · {}\n", title,
+                               classification::recognisedByDefaultText(rows.size()));
     for (const auto& row : rows) {
         context.out << fmt::format("  {}  {}  {}\n", padded(row.name, nameWidth),
                                    padded(row.detail, detailWidth), rawValue(row.classification));
@@ -74,9 +76,9 @@ void installStarter(CLI::App& rules, CliContext& context) {
         "starter",
         "List the starter suggestions that apply until a rule of your own replaces them");
     command->callback([&context] {
-        context.out << kStarterSuggestionsHeading << '\n';
-        printStarterTable(context, "Websites", starterWebsiteRows());
-        printStarterTable(context, "Applications", starterApplicationRows());
+        context.out << classification::kStarterSuggestionsHeading << '\n';
+        printStarterTable(context, "Websites", classification::starterWebsiteRows());
+        printStarterTable(context, "Applications", classification::starterApplicationRows());
     });
 }
 
@@ -188,7 +190,8 @@ void installSetWebsite(CLI::App& rules, CliContext& context) {
             context.refuse(saved.error().message());
             return;
         }
-        context.out << fmt::format("{} is now {}.\n", normalizedHostname(options->hostname),
+        context.out << fmt::format("{} is now {}.\n",
+                                   classification::normalizedHostname(options->hostname),
                                    options->classification);
     });
 }
@@ -228,12 +231,18 @@ void installRulesCommands(CLI::App& app, CliContext& context) {
     installSetWebsite(*rules, context);
     installClear(
         *rules, context, "clear-apps", "Remove every application rule", "application rule",
-        "application rules", [](RecordingStore& store) { return store.appClassifications(); },
-        [](ClassificationRules& service) { return service.clearApplicationClassifications(); });
+        "application rules",
+        [](recording::RecordingStore& store) { return store.appClassifications(); },
+        [](classification::ClassificationRules& service) {
+            return service.clearApplicationClassifications();
+        });
     installClear(
         *rules, context, "clear-websites", "Remove every website rule", "website rule",
-        "website rules", [](RecordingStore& store) { return store.websiteClassifications(); },
-        [](ClassificationRules& service) { return service.clearWebsiteClassifications(); });
+        "website rules",
+        [](recording::RecordingStore& store) { return store.websiteClassifications(); },
+        [](classification::ClassificationRules& service) {
+            return service.clearWebsiteClassifications();
+        });
 }
 
 }  // namespace lumenote::cli

@@ -16,7 +16,7 @@ namespace lumenote::cli {
 
 namespace {
 
-namespace Tracking = TrackingCalculationService;
+namespace Tracking = recording::TrackingCalculationService;
 
 constexpr std::size_t kSubjectColumnLimit = 40;
 constexpr std::string_view kEllipsis = "…";
@@ -46,19 +46,19 @@ std::string padded(const std::string& cell, std::size_t width) {
     return count >= width ? cell : cell + std::string(width - count, ' ');
 }
 
-std::optional<double> displayedScore(const StudySession& session) {
+std::optional<double> displayedScore(const recording::StudySession& session) {
     return Tracking::displayableFocusScore(session.focusScore,
                                            session.focusedDuration + session.distractedDuration);
 }
 
-std::string segmentLabel(const ActivitySegment& segment) {
+std::string segmentLabel(const recording::ActivitySegment& segment) {
     switch (segment.activitySource()) {
-        case ActivitySourceType::website:
+        case recording::ActivitySourceType::website:
             if (segment.hostname) {
                 return *segment.hostname;
             }
             break;
-        case ActivitySourceType::localPDF:
+        case recording::ActivitySourceType::localPDF:
             return segment.pdfDisplayLabel().value_or("Local PDF");
         default:
             break;
@@ -75,7 +75,7 @@ std::string countText(std::size_t count, std::string_view singular, std::string_
     return fmt::format("{} {}", count, count == 1 ? singular : plural);
 }
 
-std::string sessionTableText(const std::vector<StudySession>& sessions,
+std::string sessionTableText(const std::vector<recording::StudySession>& sessions,
                              const LocalCalendar& calendar) {
     if (sessions.empty()) {
         return "No sessions recorded yet.\n";
@@ -84,12 +84,13 @@ std::string sessionTableText(const std::vector<StudySession>& sessions,
         std::string started, subject, status, timer, score, id;
     };
     std::vector<Row> rows{{"Started", "Subject", "Status", "Timer", "Focus", "Id"}};
-    for (const StudySession& session : sessions) {
-        rows.push_back(
-            {localDateTime(session.startDate, calendar),
-             cellText(session.subject, kSubjectColumnLimit),
-             std::string(rawValue(session.status())), clockDurationText(session.timerDuration),
-             Tracking::formatFocusScore(displayedScore(session)), session.id.upperString()});
+    for (const recording::StudySession& session : sessions) {
+        rows.push_back({localDateTime(session.startDate, calendar),
+                        cellText(session.subject, kSubjectColumnLimit),
+                        std::string(rawValue(session.status())),
+                        recording::clockDurationText(session.timerDuration),
+                        Tracking::formatFocusScore(displayedScore(session)),
+                        session.id.upperString()});
     }
     std::size_t subjectWidth = 0;
     std::size_t statusWidth = 0;
@@ -110,7 +111,7 @@ std::string sessionTableText(const std::vector<StudySession>& sessions,
     return table;
 }
 
-std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar,
+std::string sessionDetailText(const recording::StudySession& session, const LocalCalendar& calendar,
                               const NoInputThresholds& thresholds) {
     std::string detail;
     auto line = [&detail](std::string_view label, std::string_view value) {
@@ -134,14 +135,15 @@ std::string sessionDetailText(const StudySession& session, const LocalCalendar& 
     line("Started:", localDateTime(session.startDate, calendar));
     line("Ended:", session.endDate ? localDateTime(*session.endDate, calendar)
                                    : std::string(Tracking::kAbsentScoreText));
-    line("Timing:", session.timingMode() == SessionTimingMode::timer
-                        ? fmt::format("timer of {}", clockDurationText(session.plannedDuration))
-                        : std::string("open-ended"));
+    line("Timing:",
+         session.timingMode() == recording::SessionTimingMode::timer
+             ? fmt::format("timer of {}", recording::clockDurationText(session.plannedDuration))
+             : std::string("open-ended"));
     line("Study mode:", rawValue(session.studyMode()));
-    line("Timer:", clockDurationText(session.timerDuration));
+    line("Timer:", recording::clockDurationText(session.timerDuration));
     if (const auto score = displayedScore(session)) {
         line("Focus score:", Tracking::formatFocusScore(score));
-        line("Coverage:", Tracking::formatScoreCoverage(storedCoverage(session)));
+        line("Coverage:", Tracking::formatScoreCoverage(recording::storedCoverage(session)));
     } else {
         detail += fmt::format("{}\n", Tracking::kFocusScoreNotAvailableText);
     }
@@ -161,12 +163,16 @@ std::string sessionDetailText(const StudySession& session, const LocalCalendar& 
         {"Unclassified", session.unclassifiedDuration(), {}},
         {"Ignored", session.ignoredDuration(), {}},
         {"No input", session.inactiveDuration, {}},
-        {kStudyingAwayFromMac, session.passiveStudyDuration(), kPassiveStudyStateDescription},
-        {kBreakAnswer, session.confirmedBreakDuration(), kConfirmedBreakStateDescription},
-        {"System excluded", session.systemExcludedDuration(), kSystemExcludedExplanation},
+        {recording::kStudyingAwayFromMac, session.passiveStudyDuration(),
+         recording::kPassiveStudyStateDescription},
+        {recording::kBreakAnswer, session.confirmedBreakDuration(),
+         recording::kConfirmedBreakStateDescription},
+        {"System excluded", session.systemExcludedDuration(),
+         recording::kSystemExcludedExplanation},
     };
     for (const Total& total : totals) {
-        detail += fmt::format("  {:<24}{:>9}\n", total.name, clockDurationText(total.seconds));
+        detail +=
+            fmt::format("  {:<24}{:>9}\n", total.name, recording::clockDurationText(total.seconds));
         if (!total.explanation.empty() && total.seconds >= 0.5) {
             detail += fmt::format("    {}\n", total.explanation);
         }
@@ -175,21 +181,23 @@ std::string sessionDetailText(const StudySession& session, const LocalCalendar& 
     const auto calculated = Tracking::calculateSessionTotals(
         session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
         Tracking::effectiveCalculationVersion(session));
-    detail += fmt::format("  {:<24}{:>9}\n", "Longest Focused run",
-                          clockDurationText(Tracking::longestFocusedRun(calculated.contributions)));
+    detail += fmt::format(
+        "  {:<24}{:>9}\n", "Longest Focused run",
+        recording::clockDurationText(Tracking::longestFocusedRun(calculated.contributions)));
     detail += fmt::format("  {:<24}{:>9}\n", "Interruptions",
                           Tracking::meaningfulInterruptionCount(calculated.contributions));
     const auto version = session.calculationVersion();
-    const auto explanation = version ? explanationText(*version) : std::nullopt;
+    const auto explanation = version ? recording::explanationText(*version) : std::nullopt;
     if (explanation) {
         detail += fmt::format("{}\n", *explanation);
     }
-    if (version != TrackingCalculationVersion::v3) {
-        detail += fmt::format("{}\n", kRecordedBeforeOffMacStudyText);
+    if (version != recording::TrackingCalculationVersion::v3) {
+        detail += fmt::format("{}\n", recording::kRecordedBeforeOffMacStudyText);
     }
-    if (const std::size_t gaps = countShortUnconfirmedGaps(session, thresholds.promptSeconds,
-                                                           thresholds.inactivitySeconds)) {
-        detail += fmt::format("{}. {}\n", shortUnconfirmedGapsSummary(gaps), kShortGapsNote);
+    if (const std::size_t gaps = recording::countShortUnconfirmedGaps(
+            session, thresholds.promptSeconds, thresholds.inactivitySeconds)) {
+        detail += fmt::format("{}. {}\n", recording::shortUnconfirmedGapsSummary(gaps),
+                              recording::kShortGapsNote);
     }
 
     if (session.segments.empty()) {
@@ -197,12 +205,12 @@ std::string sessionDetailText(const StudySession& session, const LocalCalendar& 
         return detail;
     }
     detail += fmt::format("Segments ({})\n", session.segments.size());
-    for (const ActivitySegment& segment : session.segments) {
-        detail += fmt::format("  {}–{}  {:>8}  {:<12}  {}{}\n",
-                              localTimeOfDay(segment.startDate, calendar),
-                              localTimeOfDay(segment.endDate, calendar),
-                              clockDurationText(segment.duration), segment.classificationRawValue,
-                              segmentLabel(segment), segment.isInactive ? " · no input" : "");
+    for (const recording::ActivitySegment& segment : session.segments) {
+        detail += fmt::format(
+            "  {}–{}  {:>8}  {:<12}  {}{}\n", localTimeOfDay(segment.startDate, calendar),
+            localTimeOfDay(segment.endDate, calendar),
+            recording::clockDurationText(segment.duration), segment.classificationRawValue,
+            segmentLabel(segment), segment.isInactive ? " · no input" : "");
     }
     return detail;
 }

@@ -20,7 +20,7 @@ std::string countText(std::size_t count, std::string_view singular, std::string_
 // One line per session in the order given, under a header line: local start
 // time, subject (cut to 40 characters), status, timer, focus score ("—" when
 // there is none to show) and id. "No sessions recorded yet." when empty.
-std::string sessionTableText(const std::vector<StudySession>& sessions,
+std::string sessionTableText(const std::vector<recording::StudySession>& sessions,
                              const LocalCalendar& calendar);
 
 // The thresholds that decide which gaps without input were too short to be asked about.
@@ -32,7 +32,7 @@ struct NoInputThresholds {
 // The session's fields, totals, score and coverage, the calculation it was
 // computed under, the count of short unconfirmed gaps, then its segments one
 // per line in start order.
-std::string sessionDetailText(const StudySession& session, const LocalCalendar& calendar,
+std::string sessionDetailText(const recording::StudySession& session, const LocalCalendar& calendar,
                               const NoInputThresholds& thresholds = {});
 
 }  // namespace lumenote::cli

@@ -28,10 +28,10 @@ constexpr std::string_view kResetConfirmation = "RESET";
 
 // The user's thresholds, which decide which gaps were too short to be asked about.
 NoInputThresholds noInputThresholds(const UserPaths& paths) {
-    SystemWallClock clock;
-    JsonFileDefaultsDomain defaults(JsonFileDefaultsDomain::pathFor(paths),
-                                    [&clock] { return clock.now(); });
-    const PreferencesStore preferences(defaults);
+    platform::system::SystemWallClock clock;
+    settings::JsonFileDefaultsDomain defaults(settings::JsonFileDefaultsDomain::pathFor(paths),
+                                              [&clock] { return clock.now(); });
+    const settings::PreferencesStore preferences(defaults);
     return {preferences.passiveStudyPromptThreshold(), preferences.inactivityThreshold()};
 }
 
@@ -42,12 +42,13 @@ void printJson(CliContext& context, const nlohmann::json& value) {
 
 // Refuses with the sentence of a history change that failed; the history
 // itself refuses changes while the store holds a running or paused session.
-void refuseWith(CliContext& context, const SessionError& error) {
+void refuseWith(CliContext& context, const recording::SessionError& error) {
     context.refuse(error.message());
 }
 
-std::optional<StudySession> loadResolved(HistoryEnvironment& environment, CliContext& context,
-                                         const std::string& idText) {
+std::optional<recording::StudySession> loadResolved(HistoryEnvironment& environment,
+                                                    CliContext& context,
+                                                    const std::string& idText) {
     auto id = environment.resolveSessionID(idText);
     if (!id.ok()) {
         context.refuse(id.error());
@@ -60,7 +61,8 @@ std::optional<StudySession> loadResolved(HistoryEnvironment& environment, CliCon
         return std::nullopt;
     }
     if (!loaded->has_value()) {
-        context.refuse(sessionFailureMessage(SessionFailure::sessionNotFound));
+        context.refuse(
+            recording::sessionFailureMessage(recording::SessionFailure::sessionNotFound));
         return std::nullopt;
     }
     return std::move(**loaded);
@@ -75,7 +77,8 @@ void installList(CLI::App& app, CliContext& context) {
         if (!environment) {
             return;
         }
-        auto sessions = environment->store().listSessions(SessionQuery{.newestFirst = true});
+        auto sessions =
+            environment->store().listSessions(recording::SessionQuery{.newestFirst = true});
         if (!sessions.ok()) {
             context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
                                                         sessions.error().description));
@@ -83,8 +86,8 @@ void installList(CLI::App& app, CliContext& context) {
         }
         if (*asJson) {
             nlohmann::json array = nlohmann::json::array();
-            for (const StudySession& session : *sessions) {
-                array.push_back(sessionJson(session, false));
+            for (const recording::StudySession& session : *sessions) {
+                array.push_back(recording::sessionJson(session, false));
             }
             printJson(context, array);
             return;
@@ -110,7 +113,7 @@ void installShow(CLI::App& app, CliContext& context) {
             return;
         }
         if (*asJson) {
-            printJson(context, sessionJson(*session, true));
+            printJson(context, recording::sessionJson(*session, true));
             return;
         }
         context.out << sessionDetailText(*session, environment->calendar(),
@@ -234,7 +237,7 @@ struct ResetCounts {
     std::size_t websiteRules = 0;
 };
 
-std::optional<ResetCounts> countResettable(RecordingStore& store, CliContext& context) {
+std::optional<ResetCounts> countResettable(recording::RecordingStore& store, CliContext& context) {
     auto sessions = store.sessionCount();
     auto applications = store.appClassifications();
     auto websites = store.websiteClassifications();

@@ -22,11 +22,11 @@ Date systemNow() {
 // The user's templates, opened for one command. What the load found (a
 // quarantined, refused or newer file) is told on the error stream first.
 struct OpenTemplates {
-    FileSessionTemplateRepository repository;
-    SessionTemplateStore store;
+    settings::FileSessionTemplateRepository repository;
+    settings::SessionTemplateStore store;
 
     explicit OpenTemplates(CliContext& context)
-        : repository(FileSessionTemplateRepository::pathFor(context.paths), systemNow),
+        : repository(settings::FileSessionTemplateRepository::pathFor(context.paths), systemNow),
           store(repository, systemNow) {
         if (const auto& message = store.loadMessage()) {
             context.err << *message << '\n';
@@ -35,9 +35,10 @@ struct OpenTemplates {
 };
 
 // The template a name or an id refers to; refuses when there is none.
-const SessionTemplate* resolve(CliContext& context, const SessionTemplateStore& store,
-                               const std::string& reference) {
-    const SessionTemplate* found = nullptr;
+const settings::SessionTemplate* resolve(CliContext& context,
+                                         const settings::SessionTemplateStore& store,
+                                         const std::string& reference) {
+    const settings::SessionTemplate* found = nullptr;
     if (const auto id = Uuid::parse(reference)) {
         found = store.find(*id);
     }
@@ -60,14 +61,14 @@ std::optional<double> durationOption(CliContext& context, const std::string& tex
     return seconds.value();
 }
 
-std::string timingText(const SessionTemplate& t) {
-    if (t.timingMode() == SessionTimingMode::openEnded) {
+std::string timingText(const settings::SessionTemplate& t) {
+    if (t.timingMode() == recording::SessionTimingMode::openEnded) {
         return fmt::format("open-ended ({} planned)", formatDurationArgument(t.duration));
     }
     return formatDurationArgument(t.duration);
 }
 
-std::string summary(const SessionTemplate& t) {
+std::string summary(const settings::SessionTemplate& t) {
     std::string text = fmt::format("{} — {}, {}", t.name, t.subject, timingText(t));
     if (t.breakDuration) {
         text += fmt::format(", break {}", formatDurationArgument(*t.breakDuration));
@@ -99,7 +100,7 @@ void listTemplates(CliContext& context) {
 
 void showTemplate(CliContext& context, const std::string& reference) {
     OpenTemplates templates(context);
-    const SessionTemplate* t = resolve(context, templates.store, reference);
+    const settings::SessionTemplate* t = resolve(context, templates.store, reference);
     if (t == nullptr) {
         return;
     }
@@ -134,7 +135,7 @@ struct TemplateOptions {
 // Applies the given options to `draft`; refuses and returns false when a
 // duration cannot be read.
 bool applyOptions(CliContext& context, const TemplateOptions& options,
-                  SessionTemplateDraft& draft) {
+                  settings::SessionTemplateDraft& draft) {
     if (options.name) {
         draft.name = *options.name;
     }
@@ -162,16 +163,16 @@ bool applyOptions(CliContext& context, const TemplateOptions& options,
         draft.breakDuration.reset();
     }
     if (options.openEnded) {
-        draft.timingMode = SessionTimingMode::openEnded;
+        draft.timingMode = recording::SessionTimingMode::openEnded;
     }
     if (options.timer) {
-        draft.timingMode = SessionTimingMode::timer;
+        draft.timingMode = recording::SessionTimingMode::timer;
     }
     return true;
 }
 
 void addTemplate(CliContext& context, const TemplateOptions& options) {
-    SessionTemplateDraft draft;
+    settings::SessionTemplateDraft draft;
     if (!applyOptions(context, options, draft)) {
         return;
     }
@@ -187,11 +188,11 @@ void addTemplate(CliContext& context, const TemplateOptions& options) {
 
 void editTemplate(CliContext& context, const TemplateOptions& options) {
     OpenTemplates templates(context);
-    const SessionTemplate* t = resolve(context, templates.store, options.reference);
+    const settings::SessionTemplate* t = resolve(context, templates.store, options.reference);
     if (t == nullptr) {
         return;
     }
-    SessionTemplateDraft draft = SessionTemplateDraft::of(*t);
+    settings::SessionTemplateDraft draft = settings::SessionTemplateDraft::of(*t);
     if (!applyOptions(context, options, draft)) {
         return;
     }
@@ -205,7 +206,7 @@ void editTemplate(CliContext& context, const TemplateOptions& options) {
 
 void deleteTemplate(CliContext& context, const std::string& reference) {
     OpenTemplates templates(context);
-    const SessionTemplate* t = resolve(context, templates.store, reference);
+    const settings::SessionTemplate* t = resolve(context, templates.store, reference);
     if (t == nullptr) {
         return;
     }
@@ -220,7 +221,7 @@ void deleteTemplate(CliContext& context, const std::string& reference) {
 
 void setFavourite(CliContext& context, const std::string& reference, bool isFavorite) {
     OpenTemplates templates(context);
-    const SessionTemplate* t = resolve(context, templates.store, reference);
+    const settings::SessionTemplate* t = resolve(context, templates.store, reference);
     if (t == nullptr) {
         return;
     }
@@ -235,7 +236,7 @@ void setFavourite(CliContext& context, const std::string& reference, bool isFavo
 
 void setEnabled(CliContext& context, const std::string& reference, bool isEnabled) {
     OpenTemplates templates(context);
-    const SessionTemplate* t = resolve(context, templates.store, reference);
+    const settings::SessionTemplate* t = resolve(context, templates.store, reference);
     if (t == nullptr) {
         return;
     }
@@ -250,7 +251,7 @@ void setEnabled(CliContext& context, const std::string& reference, bool isEnable
 
 void moveTemplate(CliContext& context, const std::string& reference, std::size_t position) {
     OpenTemplates templates(context);
-    const SessionTemplate* t = resolve(context, templates.store, reference);
+    const settings::SessionTemplate* t = resolve(context, templates.store, reference);
     if (t == nullptr) {
         return;
     }

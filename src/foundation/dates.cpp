@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 namespace {
 
@@ -282,4 +282,4 @@ std::string LocalCalendar::formatIso8601(Date date, bool fractionalSeconds) cons
     return lumenote::formatIso8601(date, {fractionalSeconds, utcOffsetSeconds(date)});
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

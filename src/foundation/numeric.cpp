@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 double roundHalfAwayFromZero(double value) {
     return std::round(value);
@@ -27,4 +27,4 @@ double percentRatio(double numerator, double denominator) {
     return std::clamp(numerator / denominator * 100.0, 0.0, 100.0);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

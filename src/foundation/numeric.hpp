@@ -1,7 +1,7 @@
 // Numeric rules shared by every total: rounding, the duration clamp and percentages.
 #pragma once
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 // One hundred years of 365.25 days, in seconds: the upper bound of every total.
 inline constexpr double kMaximumDurationSeconds = 3155760000.0;
@@ -19,4 +19,4 @@ double addClampedDuration(double sum, double seconds);
 // below one second or either operand is not finite.
 double percentRatio(double numerator, double denominator);
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 template <typename... Arguments>
 class ObserverList {
@@ -40,4 +40,4 @@ class ObserverList {
     Token lastToken_ = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

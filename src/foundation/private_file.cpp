@@ -16,7 +16,7 @@
 
 #include <nlohmann/json.hpp>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 namespace {
 
@@ -426,4 +426,4 @@ VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size
     return load;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

@@ -13,7 +13,7 @@
 #include "foundation/dates.hpp"
 #include "foundation/result.hpp"
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 enum class PrivateFileError {
     missing,          // no file at the path
@@ -123,4 +123,4 @@ VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size
                                     long long supportedVersion, std::string_view versionKey,
                                     Date now);
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

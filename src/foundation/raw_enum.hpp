@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 // Specialise with `static constexpr std::array<std::pair<E, std::string_view>, N> entries`
 // listing every case in declaration order with its stored text.
@@ -46,4 +46,4 @@ constexpr auto allCases() {
     return cases;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

@@ -6,7 +6,7 @@
 #include <utility>
 #include <variant>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 // Wraps an error so that Result's constructors can tell it from a value even
 // when T and E are the same type.
@@ -80,4 +80,4 @@ class [[nodiscard]] Result<void, E> {
     bool failed_ = false;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

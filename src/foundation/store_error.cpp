@@ -1,6 +1,6 @@
 #include "foundation/store_error.hpp"
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 std::string_view describe(StoreErrorKind kind) {
     switch (kind) {
@@ -18,4 +18,4 @@ std::string_view describe(StoreErrorKind kind) {
     return "Local storage could not be used.";
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

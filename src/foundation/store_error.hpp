@@ -8,7 +8,7 @@
 
 #include "foundation/raw_enum.hpp"
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 // What kind of failure a store met, for callers that react differently to
 // each (wait and retry when busy, offer a backup when corrupt, ask for disk
@@ -43,4 +43,4 @@ struct RawValues<StoreErrorKind> {
     }};
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-namespace lumenote::text {
+namespace lumenote::inline foundation::text {
 
 namespace {
 
@@ -174,4 +174,4 @@ std::string caseFolded(std::string_view text) {
     return result;
 }
 
-}  // namespace lumenote::text
+}  // namespace lumenote::inline foundation::text

@@ -12,7 +12,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote::text {
+namespace lumenote::inline foundation::text {
 
 // Removes white space and line breaks at both ends.
 std::string trimmed(std::string_view text);
@@ -32,4 +32,4 @@ std::string prefixCharacters(std::string_view text, std::size_t count);
 // small letters. Other characters are kept as they are.
 std::string caseFolded(std::string_view text);
 
-}  // namespace lumenote::text
+}  // namespace lumenote::inline foundation::text

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 namespace {
 
@@ -37,4 +37,4 @@ UserPaths UserPaths::fromProcessEnvironment() {
     return fromEnvironment([](const char* name) { return std::getenv(name); });
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

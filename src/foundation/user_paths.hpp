@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <functional>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 // Looks up an environment variable; nullptr when unset.
 using EnvironmentLookup = std::function<const char*(const char*)>;
@@ -25,4 +25,4 @@ struct UserPaths {
     std::filesystem::path applicationConfig() const { return configHome / "Lumenote"; }
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation

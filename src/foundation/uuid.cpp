@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 Uuid Uuid::generate() {
     Bytes bytes;
@@ -52,7 +52,7 @@ bool Uuid::isNil() const {
     return uuid_is_null(bytes_.data()) != 0;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation
 
 std::size_t std::hash<lumenote::Uuid>::operator()(const lumenote::Uuid& uuid) const noexcept {
     std::uint64_t high;

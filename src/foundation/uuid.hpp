@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote {
+namespace lumenote::inline foundation {
 
 class Uuid {
   public:
@@ -38,7 +38,7 @@ class Uuid {
     Bytes bytes_{};
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::inline foundation
 
 template <>
 struct std::hash<lumenote::Uuid> {

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-namespace lumenote {
+namespace lumenote::insights {
 
-bool countsForAnalytics(const StudySession& session, Date now,
+bool countsForAnalytics(const recording::StudySession& session, Date now,
                         const SetupTestSessionPredicate& isSetupTestSession) {
     const double start = session.startDate.secondsSinceReferenceDate;
     if (!std::isfinite(start) ||
@@ -14,4 +14,4 @@ bool countsForAnalytics(const StudySession& session, Date now,
     return !(isSetupTestSession && isSetupTestSession(session));
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::insights

@@ -9,7 +9,7 @@
 #include "foundation/numeric.hpp"
 #include "recording/tracking_calculation_version.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -210,4 +210,4 @@ ActiveSessionRecoverySummary makeRecoverySummary(const ActiveSessionCheckpoint& 
     return summary;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -13,7 +13,7 @@
 #include "foundation/raw_enum.hpp"
 #include "foundation/uuid.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // The only layout this release reads and writes.
 inline constexpr long long kActiveSessionCheckpointFormatVersion = 1;
@@ -24,14 +24,23 @@ inline constexpr double kCheckpointDateSlackSeconds = 5.0;
 
 enum class ActiveSessionCheckpointState { recording, paused };
 
+}  // namespace lumenote::recording
+
+// Raw values are specialised where the template lives.
+namespace lumenote {
+
 template <>
-struct RawValues<ActiveSessionCheckpointState> {
-    using E = ActiveSessionCheckpointState;
+struct RawValues<recording::ActiveSessionCheckpointState> {
+    using E = recording::ActiveSessionCheckpointState;
     static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
         {E::recording, "recording"},
         {E::paused, "paused"},
     }};
 };
+
+}  // namespace lumenote
+
+namespace lumenote::recording {
 
 // What the recorder knows for certain about the running session at one
 // moment. Versions are kept as the raw integers read or to be written, so that
@@ -120,4 +129,4 @@ inline constexpr std::string_view kRecoveryPromptDetail =
     "Confirmed activity is preserved. Time after the last confirmed boundary is excluded.";
 inline constexpr std::string_view kContinueFromNowAction = "Continue From Now";
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

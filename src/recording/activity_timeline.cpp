@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace lumenote {
+namespace lumenote::recording {
 
 std::optional<FinalizedActivityInterval> ActivityTimelineEngine::observe(const ActivityState& state,
                                                                          TrackingInstant at) {
@@ -46,4 +46,4 @@ FinalizedActivityInterval ActivityTimelineEngine::close(TrackingInstant at) cons
     };
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -9,7 +9,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // One moment read from both clocks at once.
 struct TrackingInstant {
@@ -24,7 +24,8 @@ struct TrackingInstant {
 struct ActivityState {
     std::string applicationName;
     std::string bundleIdentifier;
-    ActivityClassification classification = ActivityClassification::unclassified;
+    classification::ActivityClassification classification =
+        classification::ActivityClassification::unclassified;
     bool isInactive = false;
     ActivitySourceType activitySource = ActivitySourceType::application;
     std::optional<std::string> browserBundleIdentifier;
@@ -32,7 +33,7 @@ struct ActivityState {
     std::optional<Uuid> tabSessionIdentifier;
     std::optional<Uuid> pdfIdentifier;
     std::optional<std::string> pdfDisplayLabel;
-    std::optional<BrowserPDFLabelSource> pdfLabelSource;
+    std::optional<classification::BrowserPDFLabelSource> pdfLabelSource;
     std::optional<BrowserFallbackReason> browserFallbackReason;
 
     friend bool operator==(const ActivityState&, const ActivityState&) = default;
@@ -82,4 +83,4 @@ class ActivityTimelineEngine {
     std::optional<OpenInterval> openInterval_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -10,7 +10,7 @@
 #include "classification/classification_enumerations.hpp"
 #include "foundation/raw_enum.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 enum class StudySessionStatus { running, paused, completed, interrupted };
 enum class SessionTimingMode { timer, openEnded };
@@ -31,9 +31,14 @@ enum class BrowserFallbackReason {
 // The state the running session is in right now; never stored.
 enum class LiveStudyState { computerActivity, passiveStudy, unconfirmedNoInput };
 
+}  // namespace lumenote::recording
+
+// Raw values are specialised where the template lives.
+namespace lumenote {
+
 template <>
-struct RawValues<StudySessionStatus> {
-    using E = StudySessionStatus;
+struct RawValues<recording::StudySessionStatus> {
+    using E = recording::StudySessionStatus;
     static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{
         {E::running, "running"},
         {E::paused, "paused"},
@@ -43,8 +48,8 @@ struct RawValues<StudySessionStatus> {
 };
 
 template <>
-struct RawValues<SessionTimingMode> {
-    using E = SessionTimingMode;
+struct RawValues<recording::SessionTimingMode> {
+    using E = recording::SessionTimingMode;
     static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
         {E::timer, "timer"},
         {E::openEnded, "open_ended"},
@@ -52,8 +57,8 @@ struct RawValues<SessionTimingMode> {
 };
 
 template <>
-struct RawValues<StudySessionMode> {
-    using E = StudySessionMode;
+struct RawValues<recording::StudySessionMode> {
+    using E = recording::StudySessionMode;
     static constexpr std::array<std::pair<E, std::string_view>, 3> entries{{
         {E::computerBased, "computerBased"},
         {E::mixedStudy, "mixedStudy"},
@@ -62,8 +67,8 @@ struct RawValues<StudySessionMode> {
 };
 
 template <>
-struct RawValues<ActivitySourceType> {
-    using E = ActivitySourceType;
+struct RawValues<recording::ActivitySourceType> {
+    using E = recording::ActivitySourceType;
     static constexpr std::array<std::pair<E, std::string_view>, 5> entries{{
         {E::application, "application"},
         {E::browserFallback, "browserFallback"},
@@ -74,8 +79,8 @@ struct RawValues<ActivitySourceType> {
 };
 
 template <>
-struct RawValues<ConfirmedStudyState> {
-    using E = ConfirmedStudyState;
+struct RawValues<recording::ConfirmedStudyState> {
+    using E = recording::ConfirmedStudyState;
     static constexpr std::array<std::pair<E, std::string_view>, 2> entries{{
         {E::passiveStudy, "passiveStudy"},
         {E::confirmedBreak, "confirmedBreak"},
@@ -83,8 +88,8 @@ struct RawValues<ConfirmedStudyState> {
 };
 
 template <>
-struct RawValues<ConfirmedStudyStateSource> {
-    using E = ConfirmedStudyStateSource;
+struct RawValues<recording::ConfirmedStudyStateSource> {
+    using E = recording::ConfirmedStudyStateSource;
     static constexpr std::array<std::pair<E, std::string_view>, 4> entries{{
         {E::returnPrompt, "returnPrompt"},
         {E::sessionControl, "sessionControl"},
@@ -94,8 +99,8 @@ struct RawValues<ConfirmedStudyStateSource> {
 };
 
 template <>
-struct RawValues<BrowserFallbackReason> {
-    using E = BrowserFallbackReason;
+struct RawValues<recording::BrowserFallbackReason> {
+    using E = recording::BrowserFallbackReason;
     static constexpr std::array<std::pair<E, std::string_view>, 8> entries{{
         {E::awaitingFreshEvent, "awaitingFreshEvent"},
         {E::staleEvent, "staleEvent"},
@@ -109,8 +114,8 @@ struct RawValues<BrowserFallbackReason> {
 };
 
 template <>
-struct RawValues<LiveStudyState> {
-    using E = LiveStudyState;
+struct RawValues<recording::LiveStudyState> {
+    using E = recording::LiveStudyState;
     static constexpr std::array<std::pair<E, std::string_view>, 3> entries{{
         {E::computerActivity, "computerActivity"},
         {E::passiveStudy, "passiveStudy"},
@@ -119,3 +124,5 @@ struct RawValues<LiveStudyState> {
 };
 
 }  // namespace lumenote
+
+namespace lumenote::recording {}  // namespace lumenote::recording

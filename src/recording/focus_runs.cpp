@@ -5,7 +5,7 @@
 
 #include "foundation/numeric.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 namespace {
 
@@ -70,4 +70,4 @@ int meaningfulInterruptionCount(const std::vector<TrackingActivityContribution>&
     return count;
 }
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -16,7 +16,7 @@
 
 #include "recording/tracking_calculation_types.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 // Largest gap, in seconds, between two pieces that still join into one run.
 inline constexpr double kRunJoinToleranceSeconds = 1.0;
@@ -36,4 +36,4 @@ double longestFocusedRun(const std::vector<TrackingActivityContribution>& contri
 // (Neutral, Unclassified, Ignored, no input, system) only separate runs.
 int meaningfulInterruptionCount(const std::vector<TrackingActivityContribution>& contributions);
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -6,7 +6,7 @@
 #include "foundation/numeric.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 namespace {
 
@@ -57,4 +57,4 @@ std::optional<double> displayableFocusScore(std::optional<double> storedScore,
     return storedScore;
 }
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

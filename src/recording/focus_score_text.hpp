@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 // Where the score is absent; each screen picks the sentence that fits it.
 inline constexpr std::string_view kFocusScoreUnavailableText =
@@ -56,4 +56,4 @@ bool shouldShowScoreAndCoverage(double evidenceSeconds);
 std::optional<double> displayableFocusScore(std::optional<double> storedScore,
                                             double evidenceSeconds);
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

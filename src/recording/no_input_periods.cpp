@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -124,4 +124,4 @@ std::vector<NoInputPeriod> noInputPeriods(const StudySession& session) {
     return noInputPeriodsOfRuns(noInputRuns(session.segments), session.confirmedNoInputIntervals);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -23,7 +23,7 @@
 #include "recording/enumerations.hpp"
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // One millisecond, the precision of every stored boundary comparison here.
 inline constexpr double kNoInputBoundaryToleranceSeconds = 0.001;
@@ -68,4 +68,4 @@ std::vector<NoInputPeriod> noInputPeriodsOfRuns(
 // The no-input periods of a session: its runs labelled by its confirmations.
 std::vector<NoInputPeriod> noInputPeriods(const StudySession& session);
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -8,7 +8,7 @@
 #include "foundation/numeric.hpp"
 #include "recording/no_input_periods.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -72,4 +72,4 @@ std::size_t countShortUnconfirmedGaps(const StudySession& session, double prompt
     return count;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

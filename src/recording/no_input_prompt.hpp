@@ -11,7 +11,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // The pending question about one run without input.
 struct NoInputClassificationPrompt {
@@ -108,4 +108,4 @@ std::string shortUnconfirmedGapsSummary(std::size_t count);
 std::size_t countShortUnconfirmedGaps(const StudySession& session, double promptThresholdSeconds,
                                       double inactivityThresholdSeconds);
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -10,7 +10,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 struct FrontmostApplication {
     std::string localizedName;     // may be empty when the platform has none
@@ -43,7 +43,7 @@ struct BrowserResolution {
     std::optional<std::string> hostname;  // for `website`
     std::optional<Uuid> pdfIdentifier;    // for `localPDF`
     std::optional<std::string> pdfDisplayLabel;
-    std::optional<BrowserPDFLabelSource> pdfLabelSource;
+    std::optional<classification::BrowserPDFLabelSource> pdfLabelSource;
     std::optional<BrowserFallbackReason> fallbackReason;  // for `fallback`
     std::optional<Uuid> tabSessionIdentifier;
     bool isPrivate = false;
@@ -72,4 +72,4 @@ class NoBrowserTracking final : public BrowserTrackingCoordinator {
     void setFrontmostBundleIdentifier(const std::string&) override {}
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -8,7 +8,7 @@
 #include "foundation/dates.hpp"
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 class RecordingPreferences {
   public:
@@ -30,4 +30,4 @@ class RecordingPreferences {
     virtual bool shouldCelebrate(const StudySession& session, Date now) = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -1,6 +1,6 @@
 #include "recording/recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 void StoreChangeSet::append(const StoreChangeSet& later) {
     sessions.insert(sessions.end(), later.sessions.begin(), later.sessions.end());
@@ -23,4 +23,4 @@ StoreSaveOperation saveOperationOr(StoreSaveOperation given, RecordingStore& sto
     return [&store](const StoreChangeSet& changes) { return store.apply(changes); };
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -15,7 +15,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // Changes written together in one transaction: either all of them land or
 // none does. Upserts insert a record or replace the stored one with the same
@@ -25,7 +25,7 @@ struct StoreChangeSet {
     std::vector<StudySession> sessions;
     std::vector<ActivitySegment> segments;                     // `session` must name the owner
     std::vector<ConfirmedNoInputInterval> confirmedIntervals;  // likewise
-    std::vector<LocalPDFIdentity> pdfIdentities;
+    std::vector<classification::LocalPDFIdentity> pdfIdentities;
     // Applied after the upserts: segments first, then sessions. Deleting a
     // session deletes its segments, confirmations and PDF identities with it.
     std::vector<Uuid> deletedSegments;
@@ -61,7 +61,7 @@ struct SessionQuery {
 
 // Sessions with their children, plus the classification rules (the rules
 // service reads and writes those through their own role).
-class RecordingStore : public ClassificationRuleStore {
+class RecordingStore : public classification::ClassificationRuleStore {
   public:
     virtual Result<void, StoreError> apply(const StoreChangeSet& changes) = 0;
 
@@ -76,4 +76,4 @@ class RecordingStore : public ClassificationRuleStore {
     virtual Result<void, StoreError> deleteAllSessions() = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

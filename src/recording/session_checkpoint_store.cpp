@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <string>
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -107,4 +107,4 @@ Result<void, SessionCheckpointStoreError> InMemorySessionCheckpointStore::remove
     return {};
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

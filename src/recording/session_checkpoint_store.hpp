@@ -13,7 +13,7 @@
 #include "recording/active_session_checkpoint.hpp"
 #include "recording/time_providers.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 inline constexpr std::string_view kActiveSessionCheckpointFileName = "active-session-v1.json";
 // The largest checkpoint file read, in bytes; a larger one is never opened for reading.
@@ -115,4 +115,4 @@ class InMemorySessionCheckpointStore final : public SessionCheckpointStore {
     Result<void, SessionCheckpointStoreError> remove() override;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -7,7 +7,7 @@
 
 #include "foundation/numeric.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 std::string clockDurationText(double seconds) {
     const double whole = std::isfinite(seconds) ? std::floor(std::max(0.0, seconds)) : 0.0;
@@ -25,4 +25,4 @@ std::optional<double> storedCoverage(const StudySession& session) {
     return percentRatio(evidence, accounted);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -7,7 +7,7 @@
 
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // "1:05:09": whole seconds as hours, minutes and seconds. Fractions of a
 // second are dropped, as a running timer shows them; negative or non-finite
@@ -19,4 +19,4 @@ std::string clockDurationText(double seconds);
 // nullopt below one second of that time.
 std::optional<double> storedCoverage(const StudySession& session);
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

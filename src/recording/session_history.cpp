@@ -6,7 +6,7 @@
 #include "recording/session_study_state_editor.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -238,7 +238,8 @@ Result<void, SessionError> SessionHistory::resetAllData() {
     if (auto cleared = rules_.clearAll(); !cleared.ok()) {
         // Clearing the rules has sentences of its own; the PDF records share
         // the reset's.
-        if (cleared.error().failure == ClassificationFailure::pdfRecordsNotCleared) {
+        if (cleared.error().failure ==
+            classification::ClassificationFailure::pdfRecordsNotCleared) {
             return fail(SessionError{SessionFailure::resetFailed, cleared.error().detail});
         }
         return fail(SessionError{SessionFailure::rulesNotCleared, cleared.error().message()});
@@ -273,4 +274,4 @@ Result<StudyStateEdit, SessionError> SessionHistory::relabel(
     return outcome->edit;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

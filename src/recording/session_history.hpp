@@ -25,7 +25,7 @@
 #include "recording/study_state_edit.hpp"
 #include "recording/time_providers.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 inline constexpr double kDeletionUndoSeconds = 10.0;
 // The revision of derived totals this build computes; stored sessions carrying
@@ -36,7 +36,7 @@ inline constexpr long long kDerivedTotalsRevision = 2;
 // A full copy of deleted sessions, enough to insert them again unchanged.
 struct SessionDeletionSnapshot {
     StudySession session;  // with segments and confirmations
-    std::vector<LocalPDFIdentity> localPDFIdentities;
+    std::vector<classification::LocalPDFIdentity> localPDFIdentities;
 };
 
 struct SessionDeletionBatch {
@@ -46,7 +46,7 @@ struct SessionDeletionBatch {
 
 struct SessionHistoryDependencies {
     RecordingStore& store;
-    ClassificationRules& rules;
+    classification::ClassificationRules& rules;
     RecordingPreferences& preferences;
     MonotonicTimeProvider& monotonicClock;
     WallClock& wallClock;
@@ -101,7 +101,7 @@ class SessionHistory {
     void endUndoOffer();
 
     RecordingStore& store_;
-    ClassificationRules& rules_;
+    classification::ClassificationRules& rules_;
     RecordingPreferences& preferences_;
     MonotonicTimeProvider& monotonicClock_;
     WallClock& wallClock_;
@@ -113,4 +113,4 @@ class SessionHistory {
     ObserverList<> deletionUndoChanged_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

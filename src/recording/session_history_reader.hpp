@@ -14,7 +14,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // The sessions whose start date (an absolute instant, so the bounds of a
 // local day or week come from the calendar) lies in
@@ -73,4 +73,4 @@ class SessionHistoryReader {
                                                     const SegmentVisitor& visitor) = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

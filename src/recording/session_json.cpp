@@ -1,6 +1,6 @@
 #include "recording/session_json.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -101,4 +101,4 @@ nlohmann::json sessionJson(const StudySession& session, bool includeChildren) {
     return object;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -8,7 +8,7 @@
 
 #include "recording/session_records.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 nlohmann::json segmentJson(const ActivitySegment& segment);
 nlohmann::json confirmedIntervalJson(const ConfirmedNoInputInterval& interval);
@@ -16,4 +16,4 @@ nlohmann::json confirmedIntervalJson(const ConfirmedNoInputInterval& interval);
 // `confirmedNoInputIntervals` arrays.
 nlohmann::json sessionJson(const StudySession& session, bool includeChildren);
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -6,7 +6,7 @@
 #include "recording/recording_preferences.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 SessionManager::SessionManager(SessionManagerDependencies dependencies)
     : store_(dependencies.store),
@@ -310,4 +310,4 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
     publish(ObservedField::pendingPostSession);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

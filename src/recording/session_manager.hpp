@@ -49,7 +49,7 @@
 #include "recording/time_providers.hpp"
 #include "recording/tracking_calculation_version.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // The application's own identifier; its activity is recorded as ignored.
 inline constexpr const char* kOwnBundleIdentifier = "com.tallywise.Lumenote";
@@ -97,7 +97,7 @@ struct SessionManagerDependencies {
     SessionCheckpointStore& checkpointStore;
     // Shared with the front ends that change rules; its ownBundleIdentifier
     // is the one whose activity is ignored.
-    ClassificationRules& rules;
+    classification::ClassificationRules& rules;
     // Shared with the front ends that change history; the manager ticks it,
     // brings stored totals up to date at start-up and hands it study-state
     // edits of finished sessions.
@@ -184,7 +184,9 @@ class SessionManager {
     const std::optional<StudySession>& activeSession() const { return activeSession_; }
     const std::string& currentApplicationName() const { return currentApplicationName_; }
     const std::string& currentBundleIdentifier() const { return currentBundleIdentifier_; }
-    ActivityClassification currentClassification() const { return currentClassification_; }
+    classification::ActivityClassification currentClassification() const {
+        return currentClassification_;
+    }
     bool currentIsInactive() const { return currentIsInactive_; }
     double currentPauseDuration() const { return currentPauseDuration_; }
     const std::optional<StudySession>& pendingPostSession() const { return pendingPostSession_; }
@@ -232,7 +234,7 @@ class SessionManager {
 
     // sampling (session_manager_sampling.cpp)
     ActivityState sampleState(double idleSeconds, Date wallNow);
-    ActivityClassification pdfClassification(const BrowserResolution& pdf);
+    classification::ActivityClassification pdfClassification(const BrowserResolution& pdf);
     void sampleAndRecord(TrackingInstant instant);
     TrackingInstant boundaryFor(const ActivityState& next, TrackingInstant instant,
                                 double idleSeconds) const;
@@ -274,7 +276,7 @@ class SessionManager {
     NotificationService& notificationService_;
     BrowserTrackingCoordinator& browserTrackingCoordinator_;
     SessionCheckpointStore& checkpointStore_;
-    ClassificationRules& rules_;
+    classification::ClassificationRules& rules_;
     SessionHistory& history_;
     StoreSaveOperation persistenceSaveOperation_;
     ObserverList<>::Token rulesObservation_ = 0;
@@ -282,7 +284,8 @@ class SessionManager {
     std::optional<StudySession> activeSession_;
     std::string currentApplicationName_;
     std::string currentBundleIdentifier_;
-    ActivityClassification currentClassification_ = ActivityClassification::unclassified;
+    classification::ActivityClassification currentClassification_ =
+        classification::ActivityClassification::unclassified;
     bool currentIsInactive_ = false;
     double currentPauseDuration_ = 0.0;
     std::optional<StudySession> pendingPostSession_;
@@ -330,4 +333,4 @@ class SessionManager {
     std::optional<ActiveSessionRecoverySummary> pendingRecoverySummary_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

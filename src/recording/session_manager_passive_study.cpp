@@ -13,7 +13,7 @@
 // instant and forget the current run.
 #include "recording/session_manager.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 LiveStudyState SessionManager::liveStudyState() const {
     if (openPassiveStudyInterval_) {
@@ -128,4 +128,4 @@ void SessionManager::declareOfflineStudy(const FinalizedActivityInterval& interv
     pendingChanges_.confirmedIntervals.push_back(std::move(confirmation));
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -3,7 +3,7 @@
 #include "recording/session_manager.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 void SessionManager::queueSession() {
     StudySession row = *activeSession_;
@@ -49,7 +49,7 @@ bool SessionManager::save(bool durable) {
 }
 
 void SessionManager::startUp() {
-    for (const ClassificationError& problem : rules_.load()) {
+    for (const classification::ClassificationError& problem : rules_.load()) {
         reportProblem(SessionFailure::rulesNotLoaded, problem.message());
     }
     if (auto upToDate = history_.bringTotalsUpToDate(); !upToDate.ok()) {
@@ -58,4 +58,4 @@ void SessionManager::startUp() {
     lookForUnfinishedSession();
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -10,7 +10,7 @@
 #include "recording/session_manager.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -216,4 +216,4 @@ void SessionManager::clearPendingRecovery() {
     publish(ObservedField::pendingRecovery);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -6,7 +6,7 @@
 #include "recording/recording_preferences.hpp"
 #include "recording/session_manager.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
     ActivityState state;
@@ -44,7 +44,7 @@ ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
             state.activitySource = ActivitySourceType::website;
             // The lookup normalises the name itself (normalising is not
             // idempotent for names ending in two dots), so it gets the raw one.
-            state.hostname = normalizedHostname(browser->hostname.value_or(""));
+            state.hostname = classification::normalizedHostname(browser->hostname.value_or(""));
             state.classification = rules_.lookup().websiteClassification(
                 browser->hostname.value_or(""), state.tabSessionIdentifier);
             break;
@@ -66,19 +66,20 @@ ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
     return state;
 }
 
-ActivityClassification SessionManager::pdfClassification(const BrowserResolution& pdf) {
-    std::optional<NewLocalPDF> sampled;
+classification::ActivityClassification SessionManager::pdfClassification(
+    const BrowserResolution& pdf) {
+    std::optional<classification::NewLocalPDF> sampled;
     if (pdf.pdfIdentifier) {
-        sampled = NewLocalPDF{*pdf.pdfIdentifier,
-                              pdf.browserBundleIdentifier,
-                              pdf.pdfDisplayLabel,
-                              pdf.pdfLabelSource,
-                              {},
-                              {}};
+        sampled = classification::NewLocalPDF{*pdf.pdfIdentifier,
+                                              pdf.browserBundleIdentifier,
+                                              pdf.pdfDisplayLabel,
+                                              pdf.pdfLabelSource,
+                                              {},
+                                              {}};
     }
     // Identity records of the sample are saved with it, in one transaction.
     auto sample = rules_.classifyPDFSample(sampled);
-    for (LocalPDFIdentity& identity : sample.identitiesToSave) {
+    for (classification::LocalPDFIdentity& identity : sample.identitiesToSave) {
         pendingChanges_.pdfIdentities.push_back(std::move(identity));
     }
     return sample.classification;
@@ -185,4 +186,4 @@ void SessionManager::publishCurrent(const ActivityState& state) {
     publish(ObservedField::currentActivity);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

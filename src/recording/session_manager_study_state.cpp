@@ -5,7 +5,7 @@
 #include "recording/session_manager.hpp"
 #include "recording/session_study_state_editor.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 Result<StudyStateEdit, SessionError> SessionManager::relabel(
     const Uuid& sessionID, Date from, Date to, std::optional<ConfirmedStudyState> state,
@@ -106,4 +106,4 @@ void SessionManager::endAt(TrackingInstant instant, double timerValue) {
     finishSession(instant, timerValue, StudySessionStatus::completed);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -8,13 +8,13 @@
 // covers the whole sleep, so sleep never counts toward the timer.
 #include "recording/session_manager.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 ActivityState systemSleepState() {
     ActivityState state;
     state.applicationName = kSystemSleepApplicationName;
-    state.bundleIdentifier = std::string(kSystemSleepBundleIdentifier);
-    state.classification = ActivityClassification::ignored;
+    state.bundleIdentifier = std::string(classification::kSystemSleepBundleIdentifier);
+    state.classification = classification::ActivityClassification::ignored;
     state.activitySource = ActivitySourceType::system;
     return state;
 }
@@ -81,4 +81,4 @@ void SessionManager::willTerminate() {
     writeCheckpoint(instant);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-namespace lumenote {
+namespace lumenote::recording {
 
 std::string sessionFailureMessage(SessionFailure failure, std::string_view detail) {
     switch (failure) {
@@ -92,4 +92,4 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
     return {};
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-namespace lumenote {
+namespace lumenote::recording {
 
 enum class SessionFailure {
     sessionAlreadyActive,
@@ -74,4 +74,4 @@ inline constexpr std::size_t kSubjectCharacterLimit = 200;
 inline constexpr std::size_t kGoalCharacterLimit = 500;
 inline constexpr std::size_t kNotesCharacterLimit = 5000;
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -20,7 +20,8 @@ std::optional<std::string> storeOptional(std::optional<E> value) {
 
 ActivitySegment::ActivitySegment(Uuid id_, Date startDate_, Date endDate_, double duration_,
                                  std::string applicationName_, std::string bundleIdentifier_,
-                                 ActivityClassification classification_, bool isInactive_)
+                                 classification::ActivityClassification classification_,
+                                 bool isInactive_)
     : id(id_),
       startDate(startDate_),
       endDate(endDate_),
@@ -30,11 +31,11 @@ ActivitySegment::ActivitySegment(Uuid id_, Date startDate_, Date endDate_, doubl
       classificationRawValue(rawValue(classification_)),
       isInactive(isInactive_) {}
 
-ActivityClassification ActivitySegment::classification() const {
-    return classificationFromRawValue(classificationRawValue);
+classification::ActivityClassification ActivitySegment::classification() const {
+    return classification::classificationFromRawValue(classificationRawValue);
 }
 
-void ActivitySegment::setClassification(ActivityClassification value) {
+void ActivitySegment::setClassification(classification::ActivityClassification value) {
     classificationRawValue = rawValue(value);
 }
 
@@ -59,11 +60,12 @@ void ActivitySegment::setBrowserFallbackReason(std::optional<BrowserFallbackReas
     browserFallbackReasonRawValue = storeOptional(value);
 }
 
-std::optional<BrowserPDFLabelSource> ActivitySegment::pdfLabelSource() const {
-    return parseOptional<BrowserPDFLabelSource>(pdfLabelSourceRawValue);
+std::optional<classification::BrowserPDFLabelSource> ActivitySegment::pdfLabelSource() const {
+    return parseOptional<classification::BrowserPDFLabelSource>(pdfLabelSourceRawValue);
 }
 
-void ActivitySegment::setPdfLabelSource(std::optional<BrowserPDFLabelSource> value) {
+void ActivitySegment::setPdfLabelSource(
+    std::optional<classification::BrowserPDFLabelSource> value) {
     pdfLabelSourceRawValue = storeOptional(value);
 }
 
@@ -147,4 +149,4 @@ void StudySession::setCalculationVersion(std::optional<TrackingCalculationVersio
         value ? std::optional<long long>(static_cast<long long>(*value)) : std::nullopt;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -23,7 +23,7 @@
 #include "recording/enumerations.hpp"
 #include "recording/tracking_calculation_version.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // The record layout written by this release.
 inline constexpr int kCurrentSessionSchemaVersion = 3;
@@ -50,16 +50,16 @@ struct ActivitySegment {
     ActivitySegment() = default;
     ActivitySegment(Uuid id, Date startDate, Date endDate, double duration,
                     std::string applicationName, std::string bundleIdentifier,
-                    ActivityClassification classification, bool isInactive);
+                    classification::ActivityClassification classification, bool isInactive);
 
-    ActivityClassification classification() const;
-    void setClassification(ActivityClassification value);
+    classification::ActivityClassification classification() const;
+    void setClassification(classification::ActivityClassification value);
     ActivitySourceType activitySource() const;
     void setActivitySource(ActivitySourceType value);
     std::optional<BrowserFallbackReason> browserFallbackReason() const;
     void setBrowserFallbackReason(std::optional<BrowserFallbackReason> value);
-    std::optional<BrowserPDFLabelSource> pdfLabelSource() const;
-    void setPdfLabelSource(std::optional<BrowserPDFLabelSource> value);
+    std::optional<classification::BrowserPDFLabelSource> pdfLabelSource() const;
+    void setPdfLabelSource(std::optional<classification::BrowserPDFLabelSource> value);
     const std::optional<std::string>& pdfDisplayLabel() const { return pdfDisplayLabelStorage; }
     void setPdfDisplayLabel(std::optional<std::string> value) {
         pdfDisplayLabelStorage = std::move(value);
@@ -179,4 +179,4 @@ struct StudySession {
     friend bool operator==(const StudySession&, const StudySession&) = default;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

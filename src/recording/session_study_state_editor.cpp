@@ -5,7 +5,7 @@
 #include "recording/no_input_periods.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace SessionStudyStateEditor {
 
@@ -168,4 +168,4 @@ SessionFailure studyStateEditFailure(SessionStudyStateEditError error) {
     return SessionFailure::unsupportedCalculationVersion;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

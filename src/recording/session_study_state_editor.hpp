@@ -16,7 +16,7 @@
 #include "recording/session_records.hpp"
 #include "recording/study_state_edit.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 enum class SessionStudyStateEditError {
     sessionUnavailable,
@@ -100,4 +100,4 @@ Result<StudyStateEditOutcome, SessionStudyStateEditError> applyEdit(
 
 }  // namespace SessionStudyStateEditor
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

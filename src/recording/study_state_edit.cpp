@@ -2,7 +2,7 @@
 
 #include "foundation/numeric.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 namespace {
 
@@ -47,4 +47,4 @@ std::string studyStateEditDescription(const StudyStateEdit& edit) {
     return text;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -10,7 +10,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // A relabelling of [startDate, endDate]. An empty state means unconfirmed: an
 // empty `newState` returned the range to unconfirmed, an empty
@@ -42,4 +42,4 @@ std::string formatStudyStateEditDuration(double seconds);
 // "45 s returned to Unconfirmed", with the length of the edit's range.
 std::string studyStateEditDescription(const StudyStateEdit& edit);
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -5,7 +5,7 @@
 
 #include "foundation/dates.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 // Seconds since the user's last keyboard or mouse input.
 class IdleTimeProvider {
@@ -29,4 +29,4 @@ class WallClock {
     virtual Date now() = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -7,7 +7,7 @@
 #include "foundation/numeric.hpp"
 #include "recording/tracking_reconciliation.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 namespace {
 
@@ -297,4 +297,4 @@ void applyTotals(const TrackingCalculationResult& result, StudySession& session)
     session.setCalculationVersion(result.version);
 }
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -43,7 +43,7 @@
 #include "recording/session_records.hpp"
 #include "recording/tracking_calculation_types.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 // Seconds of evidence from which a focus score exists and is shown.
 inline constexpr double kMinimumScoreEvidenceSeconds = 60.0;
@@ -81,4 +81,4 @@ TrackingCalculationResult calculateSessionTotals(const StudySession& session, Da
 // Passive study and Break are written under v3 and cleared otherwise.
 void applyTotals(const TrackingCalculationResult& result, StudySession& session);
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -10,7 +10,7 @@
 #include "recording/enumerations.hpp"
 #include "recording/tracking_calculation_version.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 // What a stretch of time counts as in the totals: its classification; no input
 // when the user gave no keyboard or mouse input (whatever the classification);
@@ -33,7 +33,8 @@ struct SessionAccountingSample {
     // Measured length in seconds, from the monotonic clock; may differ from
     // endDate - startDate when the wall clock jumped.
     double duration = 0.0;
-    ActivityClassification classification = ActivityClassification::unclassified;
+    classification::ActivityClassification classification =
+        classification::ActivityClassification::unclassified;
     bool isInactive = false;
     ActivitySourceType source = ActivitySourceType::application;
     // Bundle identifier, website hostname or upper-case PDF identity.
@@ -95,4 +96,4 @@ struct TrackingCalculationResult {
                            const TrackingCalculationResult&) = default;
 };
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

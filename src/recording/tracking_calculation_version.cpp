@@ -1,6 +1,6 @@
 #include "recording/tracking_calculation_version.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 
 std::optional<TrackingCalculationVersion> trackingCalculationVersionFromRaw(long long raw) {
     switch (raw) {
@@ -29,4 +29,4 @@ std::optional<std::string_view> explanationText(TrackingCalculationVersion versi
     return std::nullopt;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

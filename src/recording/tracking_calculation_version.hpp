@@ -5,7 +5,9 @@
 #include <optional>
 #include <string_view>
 
-namespace lumenote {
+#include "foundation/raw_enum.hpp"
+
+namespace lumenote::recording {
 
 // Stored as the integer 1, 2 or 3.
 enum class TrackingCalculationVersion : int { v1 = 1, v2 = 2, v3 = 3 };
@@ -18,6 +20,9 @@ inline constexpr TrackingCalculationVersion kCurrentTrackingCalculationVersion =
 // session of a later release), which readers treat like an unversioned one.
 std::optional<TrackingCalculationVersion> trackingCalculationVersionFromRaw(long long raw);
 
+// The generic raw value of the other enumerations stays visible next to the
+// version's own.
+using lumenote::rawValue;
 inline int rawValue(TrackingCalculationVersion version) {
     return static_cast<int>(version);
 }
@@ -25,4 +30,4 @@ inline int rawValue(TrackingCalculationVersion version) {
 // The explanation shown beside a session computed under `version`; v1 has none.
 std::optional<std::string_view> explanationText(TrackingCalculationVersion version);
 
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -6,7 +6,7 @@
 
 #include "foundation/numeric.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 namespace {
 
@@ -77,15 +77,15 @@ AccountedState accountedState(const SessionAccountingSample& sample) {
         return AccountedState::noInput;
     }
     switch (sample.classification) {
-        case ActivityClassification::focused:
+        case classification::ActivityClassification::focused:
             return AccountedState::focused;
-        case ActivityClassification::distracting:
+        case classification::ActivityClassification::distracting:
             return AccountedState::distracting;
-        case ActivityClassification::neutral:
+        case classification::ActivityClassification::neutral:
             return AccountedState::neutral;
-        case ActivityClassification::unclassified:
+        case classification::ActivityClassification::unclassified:
             return AccountedState::unclassified;
-        case ActivityClassification::ignored:
+        case classification::ActivityClassification::ignored:
             return AccountedState::ignored;
     }
     return AccountedState::unclassified;
@@ -188,4 +188,4 @@ std::vector<TrackingActivityContribution> reconcileIntervals(
     return contributions;
 }
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -34,7 +34,7 @@
 
 #include "recording/tracking_calculation_types.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 
 // A working interval: one placed sample. `measuredDuration` is the sample's
 // length in seconds, credited exactly when the interval loses no time.
@@ -62,4 +62,4 @@ std::vector<Interval> placeIntervals(const std::vector<SessionAccountingSample>&
 std::vector<TrackingActivityContribution> reconcileIntervals(
     const std::vector<Interval>& intervals);
 
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -96,9 +96,10 @@ Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string
     if (state->get_ref<const std::string&>() == kIdleState) {
         return status;
     }
-    const auto sessionState = enumField<StudySessionStatus>(object, "state");
-    const auto classification = enumField<ActivityClassification>(object, "classification");
-    const auto studyState = enumField<LiveStudyState>(object, "studyState");
+    const auto sessionState = enumField<recording::StudySessionStatus>(object, "state");
+    const auto classification =
+        enumField<classification::ActivityClassification>(object, "classification");
+    const auto studyState = enumField<recording::LiveStudyState>(object, "studyState");
     const auto subject = object.find("subject");
     const auto elapsed = object.find("elapsedSeconds");
     const auto remaining = object.find("remainingSeconds");

@@ -37,12 +37,14 @@ struct RecorderStatus {
     bool sessionActive = false;
     // The fields below describe the active session; ignored without one.
     std::string subject;
-    StudySessionStatus state = StudySessionStatus::running;  // running or paused
-    double elapsedSeconds = 0.0;                             // the session's timer
-    std::optional<double> remainingSeconds;                  // timer mode only
-    std::string currentActivity;  // what is observed now; empty when nothing is
-    ActivityClassification currentClassification = ActivityClassification::unclassified;
-    LiveStudyState studyState = LiveStudyState::computerActivity;
+    recording::StudySessionStatus state =
+        recording::StudySessionStatus::running;  // running or paused
+    double elapsedSeconds = 0.0;                 // the session's timer
+    std::optional<double> remainingSeconds;      // timer mode only
+    std::string currentActivity;                 // what is observed now; empty when nothing is
+    classification::ActivityClassification currentClassification =
+        classification::ActivityClassification::unclassified;
+    recording::LiveStudyState studyState = recording::LiveStudyState::computerActivity;
     bool asleep = false;  // the computer sleeps or cannot be observed
 
     friend bool operator==(const RecorderStatus&, const RecorderStatus&) = default;

@@ -19,15 +19,15 @@ std::string statusText(const RecorderStatus& status) {
     }
     std::string text =
         fmt::format("{} · {}", status.subject,
-                    status.state == StudySessionStatus::paused ? "paused" : "recording");
-    text += " · " + clockDurationText(status.elapsedSeconds);
+                    status.state == recording::StudySessionStatus::paused ? "paused" : "recording");
+    text += " · " + recording::clockDurationText(status.elapsedSeconds);
     if (status.remainingSeconds) {
-        text += fmt::format(" ({} left)", clockDurationText(*status.remainingSeconds));
+        text += fmt::format(" ({} left)", recording::clockDurationText(*status.remainingSeconds));
     }
     if (status.asleep) {
         text += " · computer asleep or locked";
-    } else if (status.studyState == LiveStudyState::passiveStudy) {
-        text += fmt::format(" · {}", kStudyingAwayFromMac);
+    } else if (status.studyState == recording::LiveStudyState::passiveStudy) {
+        text += fmt::format(" · {}", recording::kStudyingAwayFromMac);
     } else if (!status.currentActivity.empty()) {
         text += fmt::format(" · {} ({})", status.currentActivity,
                             rawValue(status.currentClassification));
@@ -60,7 +60,7 @@ Result<std::string, std::string> controlRecorder(RecorderControl control) {
     if (!status->sessionActive) {
         return fail(std::string("No study session is active."));
     }
-    const bool paused = status->state == StudySessionStatus::paused;
+    const bool paused = status->state == recording::StudySessionStatus::paused;
     RecorderCommand command = RecorderCommand::status;
     std::string done;
     switch (control) {
@@ -84,11 +84,11 @@ Result<std::string, std::string> controlRecorder(RecorderControl control) {
             break;
         case RecorderControl::away:
             command = RecorderCommand::startPassiveStudy;
-            done = fmt::format("{}.", kStudyingAwayFromMac);
+            done = fmt::format("{}.", recording::kStudyingAwayFromMac);
             break;
         case RecorderControl::back:
             command = RecorderCommand::returnToComputerStudy;
-            done = fmt::format("{}.", kBackToComputerStudyControl);
+            done = fmt::format("{}.", recording::kBackToComputerStudyControl);
             break;
         case RecorderControl::status:
             break;

@@ -25,10 +25,10 @@ class RecorderFrontEnd {
     // its own (a save during a tick). The runtime keeps it as lastError().
     virtual void showError(const std::string& message) = 0;
     // A new question about time without input waits for an answer.
-    virtual void noInputQuestionArrived(const NoInputClassificationPrompt& prompt) = 0;
+    virtual void noInputQuestionArrived(const recording::NoInputClassificationPrompt& prompt) = 0;
     // The session ended; `finished` is its final record when it could be
     // read. The runtime stops after this call.
-    virtual void sessionEnded(const std::optional<StudySession>& finished) = 0;
+    virtual void sessionEnded(const std::optional<recording::StudySession>& finished) = 0;
     // The recorder stops for `reason` (a signal, the system shutting down)
     // with the session saved for recovery.
     virtual void terminated(const std::string& reason) = 0;

@@ -22,7 +22,7 @@ RecorderRuntime::RecorderRuntime(RecorderServices& services, RecorderFrontEnd& f
                 &RecorderRuntime::onActivation);
     }
     problemsObservation_ =
-        manager().problems().add([this](const SessionError& problem) { show(problem); });
+        manager().problems().add([this](const recording::SessionError& problem) { show(problem); });
 }
 
 RecorderRuntime::~RecorderRuntime() {
@@ -37,19 +37,23 @@ RecorderRuntime::~RecorderRuntime() {
 
 std::vector<std::string> RecorderRuntime::begin() {
     std::vector<std::string> gaps;
-    SystemEventCallbacks callbacks;
-    callbacks.sleep = [this](SystemEventCause) { manager().willSleep(); };
-    callbacks.wake = [this](SystemEventCause) { manager().didWake(); };
-    callbacks.terminate = [this](SystemEventCause) { terminate("The system is shutting down"); };
-    systemEvents_ = std::make_unique<LinuxSystemEventSource>(
-        callbacks, SystemEventSourceSettings::fromEnvironment());
-    for (const SystemEventGap gap : systemEventGaps(systemEvents_->start())) {
-        gaps.push_back(systemEventGapMessage(gap));
+    platform::linux_desktop::SystemEventCallbacks callbacks;
+    callbacks.sleep = [this](platform::linux_desktop::SystemEventCause) { manager().willSleep(); };
+    callbacks.wake = [this](platform::linux_desktop::SystemEventCause) { manager().didWake(); };
+    callbacks.terminate = [this](platform::linux_desktop::SystemEventCause) {
+        terminate("The system is shutting down");
+    };
+    systemEvents_ = std::make_unique<platform::linux_desktop::LinuxSystemEventSource>(
+        callbacks, platform::linux_desktop::SystemEventSourceSettings::fromEnvironment());
+    for (const platform::linux_desktop::SystemEventGap gap :
+         platform::linux_desktop::systemEventGaps(systemEvents_->start())) {
+        gaps.push_back(platform::linux_desktop::systemEventGapMessage(gap));
     }
-    signalBridge_ = std::make_unique<SignalBridge>(
-        [this](int signal) { terminate(fmt::format("Stopped by {}", signalName(signal))); });
+    signalBridge_ = std::make_unique<platform::linux_desktop::SignalBridge>([this](int signal) {
+        terminate(fmt::format("Stopped by {}", platform::linux_desktop::signalName(signal)));
+    });
     if (auto installed = signalBridge_->install(); !installed.ok()) {
-        gaps.push_back(signalBridgeFailureMessage(installed.error()));
+        gaps.push_back(platform::linux_desktop::signalBridgeFailureMessage(installed.error()));
     }
     ticker_.start();
     return gaps;
@@ -64,7 +68,8 @@ std::optional<std::string> RecorderRuntime::serveCommands() {
     return std::nullopt;
 }
 
-Result<void, SessionError> RecorderRuntime::start(const SessionStartRequest& request) {
+Result<void, recording::SessionError> RecorderRuntime::start(
+    const recording::SessionStartRequest& request) {
     auto started = shown(manager().start(request));
     if (started.ok()) {
         sessionStarted_ = true;
@@ -72,7 +77,7 @@ Result<void, SessionError> RecorderRuntime::start(const SessionStartRequest& req
     return started;
 }
 
-Result<void, SessionError> RecorderRuntime::continueRecoveredSession() {
+Result<void, recording::SessionError> RecorderRuntime::continueRecoveredSession() {
     auto continued = shown(manager().continueRecoveredSession());
     if (continued.ok()) {
         sessionStarted_ = true;
@@ -80,35 +85,35 @@ Result<void, SessionError> RecorderRuntime::continueRecoveredSession() {
     return continued;
 }
 
-Result<void, SessionError> RecorderRuntime::endRecoveredSession() {
+Result<void, recording::SessionError> RecorderRuntime::endRecoveredSession() {
     return shown(manager().endRecoveredSession());
 }
 
-Result<void, SessionError> RecorderRuntime::answerNoInputQuestion(
-    SessionManager::NoInputPromptAnswer answer) {
+Result<void, recording::SessionError> RecorderRuntime::answerNoInputQuestion(
+    recording::SessionManager::NoInputPromptAnswer answer) {
     auto answered = shown(manager().answerNoInputPrompt(answer));
     followSession();
     return answered;
 }
 
-Result<void, SessionError> RecorderRuntime::end() {
+Result<void, recording::SessionError> RecorderRuntime::end() {
     auto ended = shown(manager().end());
     followSession();
     return ended;
 }
 
-Result<void, SessionError> RecorderRuntime::endAsInterrupted() {
+Result<void, recording::SessionError> RecorderRuntime::endAsInterrupted() {
     auto ended = shown(manager().endAsInterrupted());
     followSession();
     return ended;
 }
 
-Result<void, SessionError> RecorderRuntime::togglePause() {
+Result<void, recording::SessionError> RecorderRuntime::togglePause() {
     const auto& session = manager().activeSession();
     if (!session) {
-        return shown(fail(SessionFailure::noActiveSession));
+        return shown(fail(recording::SessionFailure::noActiveSession));
     }
-    const bool paused = session->status() == StudySessionStatus::paused;
+    const bool paused = session->status() == recording::StudySessionStatus::paused;
     auto done = shown(paused ? manager().resume() : manager().pause());
     if (done.ok()) {
         frontEnd_.controlled(paused ? RecorderControl::resume : RecorderControl::pause);
@@ -116,7 +121,7 @@ Result<void, SessionError> RecorderRuntime::togglePause() {
     return done;
 }
 
-Result<void, SessionError> RecorderRuntime::endSession() {
+Result<void, recording::SessionError> RecorderRuntime::endSession() {
     auto done = shown(manager().end());
     if (done.ok()) {
         frontEnd_.controlled(RecorderControl::end);
@@ -127,7 +132,7 @@ Result<void, SessionError> RecorderRuntime::endSession() {
     return done;
 }
 
-Result<void, SessionError> RecorderRuntime::startPassiveStudy() {
+Result<void, recording::SessionError> RecorderRuntime::startPassiveStudy() {
     auto done = shown(manager().startPassiveStudy());
     if (done.ok()) {
         frontEnd_.controlled(RecorderControl::away);
@@ -135,7 +140,7 @@ Result<void, SessionError> RecorderRuntime::startPassiveStudy() {
     return done;
 }
 
-Result<void, SessionError> RecorderRuntime::returnToComputerStudy() {
+Result<void, recording::SessionError> RecorderRuntime::returnToComputerStudy() {
     auto done = shown(manager().endPassiveStudy());
     if (done.ok()) {
         frontEnd_.controlled(RecorderControl::back);
@@ -145,7 +150,7 @@ Result<void, SessionError> RecorderRuntime::returnToComputerStudy() {
 
 namespace {
 
-Result<void, std::string> sentence(const Result<void, SessionError>& outcome) {
+Result<void, std::string> sentence(const Result<void, recording::SessionError>& outcome) {
     if (!outcome.ok()) {
         return fail(outcome.error().message());
     }
@@ -171,7 +176,7 @@ Result<void, std::string> RecorderRuntime::CommandAnswers::returnToComputerStudy
 }
 
 RecorderStatus RecorderRuntime::status() {
-    SessionManager& recorder = manager();
+    recording::SessionManager& recorder = manager();
     RecorderStatus status;
     const auto& session = recorder.activeSession();
     if (!session) {
@@ -181,7 +186,7 @@ RecorderStatus RecorderRuntime::status() {
     status.subject = session->subject;
     status.state = session->status();
     status.elapsedSeconds = recorder.currentTimerValue();
-    if (session->timingMode() == SessionTimingMode::timer) {
+    if (session->timingMode() == recording::SessionTimingMode::timer) {
         status.remainingSeconds = std::max(0.0, session->plannedDuration - status.elapsedSeconds);
     }
     status.currentActivity = recorder.currentApplicationName();
@@ -233,14 +238,15 @@ void RecorderRuntime::onActivation() {
     }
 }
 
-Result<void, SessionError> RecorderRuntime::shown(Result<void, SessionError> outcome) {
+Result<void, recording::SessionError> RecorderRuntime::shown(
+    Result<void, recording::SessionError> outcome) {
     if (!outcome.ok()) {
         show(outcome.error());
     }
     return outcome;
 }
 
-void RecorderRuntime::show(const SessionError& error) {
+void RecorderRuntime::show(const recording::SessionError& error) {
     lastError_ = error.message();
     frontEnd_.showError(*lastError_);
 }

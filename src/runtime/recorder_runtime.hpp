@@ -19,10 +19,10 @@
 #include "runtime/recorder_front_end.hpp"
 #include "runtime/recorder_services.hpp"
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 class LinuxSystemEventSource;
 class SignalBridge;
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop
 
 namespace lumenote::runtime {
 
@@ -42,24 +42,25 @@ class RecorderRuntime final : public QObject {
     // this recorder; the sentence to show when it could not.
     std::optional<std::string> serveCommands();
 
-    SessionManager& manager() { return services_.manager(); }
+    recording::SessionManager& manager() { return services_.manager(); }
     RecorderServices& services() { return services_; }
 
     // The operations a front end asks for. A failure is kept as lastError()
     // and shown through the front end before it is returned.
-    Result<void, SessionError> start(const SessionStartRequest& request);
-    Result<void, SessionError> continueRecoveredSession();
-    Result<void, SessionError> endRecoveredSession();
-    Result<void, SessionError> answerNoInputQuestion(SessionManager::NoInputPromptAnswer answer);
-    Result<void, SessionError> end();
-    Result<void, SessionError> endAsInterrupted();
+    Result<void, recording::SessionError> start(const recording::SessionStartRequest& request);
+    Result<void, recording::SessionError> continueRecoveredSession();
+    Result<void, recording::SessionError> endRecoveredSession();
+    Result<void, recording::SessionError> answerNoInputQuestion(
+        recording::SessionManager::NoInputPromptAnswer answer);
+    Result<void, recording::SessionError> end();
+    Result<void, recording::SessionError> endAsInterrupted();
 
     // The commands of the command service, which the front end's own
     // controls call too.
-    Result<void, SessionError> togglePause();
-    Result<void, SessionError> endSession();
-    Result<void, SessionError> startPassiveStudy();
-    Result<void, SessionError> returnToComputerStudy();
+    Result<void, recording::SessionError> togglePause();
+    Result<void, recording::SessionError> endSession();
+    Result<void, recording::SessionError> startPassiveStudy();
+    Result<void, recording::SessionError> returnToComputerStudy();
     RecorderStatus status();
 
     // A termination signal or the system shutting down: the final checkpoint
@@ -92,18 +93,18 @@ class RecorderRuntime final : public QObject {
     void onTick();
     void onActivation();
     // Keeps and shows the failure of `outcome`, then returns it.
-    Result<void, SessionError> shown(Result<void, SessionError> outcome);
-    void show(const SessionError& error);
+    Result<void, recording::SessionError> shown(Result<void, recording::SessionError> outcome);
+    void show(const recording::SessionError& error);
     // Tells the front end of a new question and of the session's end.
     void followSession();
 
     RecorderServices& services_;
     RecorderFrontEnd& frontEnd_;
-    ObserverList<SessionError>::Token problemsObservation_ = 0;
+    ObserverList<recording::SessionError>::Token problemsObservation_ = 0;
     QTimer ticker_;
     std::unique_ptr<QSocketNotifier> activationNotifier_;
-    std::unique_ptr<LinuxSystemEventSource> systemEvents_;
-    std::unique_ptr<SignalBridge> signalBridge_;
+    std::unique_ptr<platform::linux_desktop::LinuxSystemEventSource> systemEvents_;
+    std::unique_ptr<platform::linux_desktop::SignalBridge> signalBridge_;
     CommandAnswers commandAnswers_{*this};
     std::unique_ptr<RecorderCommandService> commandService_;
     std::optional<std::string> lastError_;

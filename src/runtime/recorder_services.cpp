@@ -19,34 +19,35 @@ namespace lumenote::runtime {
 // Declared in the order they are built: each member refers only to those
 // above it, and they are destroyed in reverse.
 struct RecorderServices::Parts {
-    Parts(const UserPaths& userPaths, std::unique_ptr<SqliteRecordingStore> openedStore,
-          RecorderLock heldLock)
+    Parts(const UserPaths& userPaths, std::unique_ptr<store::SqliteRecordingStore> openedStore,
+          store::RecorderLock heldLock)
         : paths(userPaths),
           store(std::move(openedStore)),
           lock(std::move(heldLock)),
-          defaults(JsonFileDefaultsDomain::pathFor(paths), [this] { return wallClock.now(); }),
+          defaults(settings::JsonFileDefaultsDomain::pathFor(paths),
+                   [this] { return wallClock.now(); }),
           preferences(defaults),
           recordingPreferences(preferences),
           checkpoints(paths.applicationData(), wallClock),
           notifications(QDBusConnection::sessionBus()) {}
 
     UserPaths paths;
-    std::unique_ptr<SqliteRecordingStore> store;
-    RecorderLock lock;
-    SystemWallClock wallClock;
-    SystemMonotonicTimeProvider monotonicClock;
-    JsonFileDefaultsDomain defaults;
-    PreferencesStore preferences;
-    PreferencesForRecording recordingPreferences;
-    FileSessionCheckpointStore checkpoints;
-    NoBrowserTracking browser;
-    FreedesktopNotificationService notifications;
-    HeadlessPlatform headless;
-    std::unique_ptr<X11FrontmostApplicationSource> x11;
-    std::unique_ptr<XScreenSaverIdleTimeProvider> x11Idle;
-    std::optional<ClassificationRules> rules;
-    std::optional<SessionHistory> history;
-    std::optional<SessionManager> manager;
+    std::unique_ptr<store::SqliteRecordingStore> store;
+    store::RecorderLock lock;
+    platform::system::SystemWallClock wallClock;
+    platform::system::SystemMonotonicTimeProvider monotonicClock;
+    settings::JsonFileDefaultsDomain defaults;
+    settings::PreferencesStore preferences;
+    settings::PreferencesForRecording recordingPreferences;
+    recording::FileSessionCheckpointStore checkpoints;
+    recording::NoBrowserTracking browser;
+    platform::linux_desktop::FreedesktopNotificationService notifications;
+    platform::system::HeadlessPlatform headless;
+    std::unique_ptr<platform::linux_desktop::X11FrontmostApplicationSource> x11;
+    std::unique_ptr<platform::linux_desktop::XScreenSaverIdleTimeProvider> x11Idle;
+    std::optional<classification::ClassificationRules> rules;
+    std::optional<recording::SessionHistory> history;
+    std::optional<recording::SessionManager> manager;
 };
 
 namespace {
@@ -59,23 +60,26 @@ const char* environmentValue(const char* name) {
 
 Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
     const UserPaths& paths, std::vector<std::string>& warnings) {
-    auto store = SqliteRecordingStore::open(storePath(paths));
+    auto store = store::SqliteRecordingStore::open(store::storePath(paths));
     if (!store.ok()) {
-        return fail(storageOpenFailureMessage(store.error()));
+        return fail(store::storageOpenFailureMessage(store.error()));
     }
-    auto lock = RecorderLock::acquire(recorderLockPath(paths));
+    auto lock = store::RecorderLock::acquire(store::recorderLockPath(paths));
     if (!lock.ok()) {
-        return fail(recorderLockMessage(lock.error()));
+        return fail(store::recorderLockMessage(lock.error()));
     }
     auto parts = std::make_unique<Parts>(paths, std::move(store).value(), std::move(lock).value());
 
     // The frontmost application and idle time come from X11; without an X
     // display the session still records its time, with nothing observed.
-    FrontmostApplicationSource* frontmost = &parts->headless.frontmostApplication;
-    IdleTimeProvider* idle = &parts->headless.idleTime;
-    if (auto opened = X11FrontmostApplicationSource::open(environmentValue); opened.ok()) {
+    recording::FrontmostApplicationSource* frontmost = &parts->headless.frontmostApplication;
+    recording::IdleTimeProvider* idle = &parts->headless.idleTime;
+    if (auto opened =
+            platform::linux_desktop::X11FrontmostApplicationSource::open(environmentValue);
+        opened.ok()) {
         parts->x11 = std::move(opened).value();
-        parts->x11Idle = std::make_unique<XScreenSaverIdleTimeProvider>(parts->x11->connection());
+        parts->x11Idle = std::make_unique<platform::linux_desktop::XScreenSaverIdleTimeProvider>(
+            parts->x11->connection());
         frontmost = parts->x11.get();
         idle = parts->x11Idle.get();
     } else {
@@ -86,14 +90,16 @@ Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
 
     Parts& p = *parts;
     p.rules.emplace(
-        *p.store, [&p] { return p.wallClock.now(); }, kOwnBundleIdentifier);
-    p.history.emplace(SessionHistoryDependencies{
+        *p.store, [&p] { return p.wallClock.now(); }, recording::kOwnBundleIdentifier);
+    p.history.emplace(recording::SessionHistoryDependencies{
         *p.store, *p.rules, p.recordingPreferences, p.monotonicClock, p.wallClock, {}});
-    p.manager.emplace(SessionManagerDependencies{
+    p.manager.emplace(recording::SessionManagerDependencies{
         *p.store, p.recordingPreferences, *idle, p.monotonicClock, p.wallClock, *frontmost,
         p.notifications, p.browser, p.checkpoints, *p.rules, *p.history});
-    const auto told = p.manager->problems().add(
-        [&warnings](const SessionError& problem) { warnings.push_back(problem.message()); });
+    const auto told =
+        p.manager->problems().add([&warnings](const recording::SessionError& problem) {
+            warnings.push_back(problem.message());
+        });
     p.manager->startUp();
     p.manager->problems().remove(told);
     return std::unique_ptr<RecorderServices>(new RecorderServices(std::move(parts)));
@@ -103,19 +109,19 @@ RecorderServices::RecorderServices(std::unique_ptr<Parts> parts) : parts_(std::m
 
 RecorderServices::~RecorderServices() = default;
 
-SessionManager& RecorderServices::manager() {
+recording::SessionManager& RecorderServices::manager() {
     return *parts_->manager;
 }
 
-SessionHistory& RecorderServices::history() {
+recording::SessionHistory& RecorderServices::history() {
     return *parts_->history;
 }
 
-ClassificationRules& RecorderServices::rules() {
+classification::ClassificationRules& RecorderServices::rules() {
     return *parts_->rules;
 }
 
-PreferencesStore& RecorderServices::preferences() {
+settings::PreferencesStore& RecorderServices::preferences() {
     return parts_->preferences;
 }
 

@@ -34,10 +34,10 @@ class RecorderServices {
     RecorderServices(const RecorderServices&) = delete;
     RecorderServices& operator=(const RecorderServices&) = delete;
 
-    SessionManager& manager();
-    SessionHistory& history();
-    ClassificationRules& rules();
-    PreferencesStore& preferences();
+    recording::SessionManager& manager();
+    recording::SessionHistory& history();
+    classification::ClassificationRules& rules();
+    settings::PreferencesStore& preferences();
     const UserPaths& paths() const;
 
     // The descriptor that becomes readable when the frontmost window may

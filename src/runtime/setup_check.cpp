@@ -30,10 +30,10 @@ SetupCheck checkSetup() {
     QCoreApplication application(argc, argv);
     SetupCheck check;
 
-    auto x11 =
-        X11FrontmostApplicationSource::open([](const char* key) { return std::getenv(key); });
+    auto x11 = platform::linux_desktop::X11FrontmostApplicationSource::open(
+        [](const char* key) { return std::getenv(key); });
     if (x11.ok()) {
-        XScreenSaverIdleTimeProvider idle((*x11)->connection());
+        platform::linux_desktop::XScreenSaverIdleTimeProvider idle((*x11)->connection());
         check.report +=
             line(true, "The X display answers: Lumenote sees the application in front.");
         check.report += line(idle.extensionAvailable(),
@@ -48,20 +48,23 @@ SetupCheck checkSetup() {
         check.complete = false;
     }
 
-    LinuxSystemEventSource events({}, SystemEventSourceSettings::fromEnvironment());
-    const auto gaps = systemEventGaps(events.start());
+    platform::linux_desktop::LinuxSystemEventSource events(
+        {}, platform::linux_desktop::SystemEventSourceSettings::fromEnvironment());
+    const auto gaps = platform::linux_desktop::systemEventGaps(events.start());
     events.stop();
     if (gaps.empty()) {
         check.report +=
             line(true, "logind and the screen saver report sleep, locking and shutdown.");
     }
-    for (const SystemEventGap gap : gaps) {
-        check.report += line(false, systemEventGapMessage(gap));
+    for (const platform::linux_desktop::SystemEventGap gap : gaps) {
+        check.report += line(false, platform::linux_desktop::systemEventGapMessage(gap));
         check.complete = false;
     }
 
-    FreedesktopNotificationService notifications(QDBusConnection::sessionBus());
-    const bool notify = notifications.authorization() == NotificationAuthorization::authorized;
+    platform::linux_desktop::FreedesktopNotificationService notifications(
+        QDBusConnection::sessionBus());
+    const bool notify =
+        notifications.authorization() == recording::NotificationAuthorization::authorized;
     check.report += line(notify, notify ? "A notification server shows Lumenote's notices."
                                         : "No notification server answers, so notices (such as a "
                                           "pause after a long sleep) are not shown.");

@@ -38,7 +38,7 @@ int main(int argc, char** argv) {
     if (!dataDir.empty()) {
         paths.dataHome = std::filesystem::absolute(dataDir);
     }
-    auto outcome = scenario::runScenario(*steps, paths, SystemWallClock().now());
+    auto outcome = scenario::runScenario(*steps, paths, platform::system::SystemWallClock().now());
     if (!outcome.ok()) {
         std::cerr << script << ": " << outcome.error() << '\n';
         return 2;

@@ -18,7 +18,7 @@ namespace lumenote::scenario {
 
 using nlohmann::json;
 
-SessionManager& ActionCall::recorder() const {
+recording::SessionManager& ActionCall::recorder() const {
     // performStep lets an action reach the recorder only when its row needs
     // one and one is running.
     assert(machine.recorder() != nullptr);
@@ -40,12 +40,12 @@ std::string stringArgument(const json& args, const char* key, std::string fallba
     return (found != args.end() && found->is_string()) ? found->get<std::string>() : fallback;
 }
 
-std::optional<ActivityClassification> classificationArgument(const json& args) {
+std::optional<classification::ActivityClassification> classificationArgument(const json& args) {
     const auto found = args.find("classification");
     if (found == args.end() || !found->is_string()) {
         return std::nullopt;
     }
-    return fromRawValue<ActivityClassification>(found->get<std::string>());
+    return fromRawValue<classification::ActivityClassification>(found->get<std::string>());
 }
 
 // A stored session named by its index in start order; nullopt unless `value`
@@ -71,7 +71,7 @@ std::optional<Date> dateArgument(const ActionCall& call, const char* key) {
 
 ActionResult startSession(const ActionCall& call) {
     const json& args = call.arguments();
-    SessionStartRequest request;
+    recording::SessionStartRequest request;
     request.subject = stringArgument(args, "subject");
     request.goal = stringArgument(args, "goal");
     if (const auto duration = args.find("duration");
@@ -81,9 +81,9 @@ ActionResult startSession(const ActionCall& call) {
         request.plannedDuration = call.machine.preferences().defaultDuration();
     }
     const auto timingMode =
-        fromRawValue<SessionTimingMode>(stringArgument(args, "timing", "timer"));
+        fromRawValue<recording::SessionTimingMode>(stringArgument(args, "timing", "timer"));
     const auto studyMode =
-        fromRawValue<StudySessionMode>(stringArgument(args, "mode", "computerBased"));
+        fromRawValue<recording::StudySessionMode>(stringArgument(args, "mode", "computerBased"));
     if (!timingMode || !studyMode) {
         return fail(std::string("unknown timing or study mode"));
     }
@@ -122,7 +122,7 @@ ActionResult endAway(const ActionCall& call) {
 }
 
 ActionResult answerPrompt(const ActionCall& call) {
-    using Answer = SessionManager::NoInputPromptAnswer;
+    using Answer = recording::SessionManager::NoInputPromptAnswer;
     static const std::map<std::string, Answer> answers{{"passiveStudy", Answer::passiveStudy},
                                                        {"confirmedBreak", Answer::confirmedBreak},
                                                        {"leave", Answer::leaveUnconfirmed},
@@ -141,9 +141,9 @@ ActionResult answerPrompt(const ActionCall& call) {
 // The machine's own events still happen while the recorder is down; a
 // relaunched recorder finds the application that is frontmost by then.
 ActionResult bringToFront(const ActionCall& call) {
-    call.machine.platform().frontmost.current = FrontmostApplication{
+    call.machine.platform().frontmost.current = recording::FrontmostApplication{
         stringArgument(call.arguments(), "name"), stringArgument(call.arguments(), "bundle")};
-    if (SessionManager* recorder = call.machine.recorder()) {
+    if (recording::SessionManager* recorder = call.machine.recorder()) {
         recorder->applicationActivated();
     }
     return {};
@@ -153,21 +153,21 @@ ActionResult bringToFront(const ActionCall& call) {
 // "hostname" or "pdf").
 ActionResult showInBrowser(const ActionCall& call) {
     const json& args = call.arguments();
-    BrowserResolution resolution;
+    recording::BrowserResolution resolution;
     resolution.browserBundleIdentifier = stringArgument(args, "bundle");
     const std::string hostname = stringArgument(args, "hostname");
     if (!hostname.empty()) {
-        resolution.kind = BrowserResolution::Kind::website;
+        resolution.kind = recording::BrowserResolution::Kind::website;
         resolution.hostname = hostname;
     } else {
-        resolution.fallbackReason = BrowserFallbackReason::awaitingFreshEvent;
+        resolution.fallbackReason = recording::BrowserFallbackReason::awaitingFreshEvent;
     }
     resolution.tabSessionIdentifier = Uuid::parse(stringArgument(args, "tab"));
     if (const auto pdf = Uuid::parse(stringArgument(args, "pdf"))) {
-        resolution.kind = BrowserResolution::Kind::localPDF;
+        resolution.kind = recording::BrowserResolution::Kind::localPDF;
         resolution.pdfIdentifier = pdf;
         resolution.pdfDisplayLabel = stringArgument(args, "label");
-        resolution.pdfLabelSource = BrowserPDFLabelSource::filename;
+        resolution.pdfLabelSource = classification::BrowserPDFLabelSource::filename;
         resolution.fallbackReason.reset();
     }
     call.machine.platform().browser.resolutions[resolution.browserBundleIdentifier] = resolution;
@@ -182,7 +182,7 @@ ActionResult stopInput(const ActionCall& call) {
 
 ActionResult resumeInput(const ActionCall& call) {
     call.machine.platform().idle.resumeInput();
-    if (SessionManager* recorder = call.machine.recorder()) {
+    if (recording::SessionManager* recorder = call.machine.recorder()) {
         recorder->applicationActivated();
     }
     return {};
@@ -226,7 +226,7 @@ ActionResult crash(const ActionCall& call) {
 ActionResult relaunch(const ActionCall& call) {
     const std::string recovery = stringArgument(call.arguments(), "recovery", "none");
     call.machine.relaunch();
-    SessionManager& recorder = call.recorder();
+    recording::SessionManager& recorder = call.recorder();
     if (!recorder.pendingRecoverySession()) {
         return {};
     }
@@ -245,22 +245,23 @@ ActionResult relaunch(const ActionCall& call) {
 // Assigns through the preferences store, so clamps apply as in the application.
 ActionResult setPreference(const ActionCall& call) {
     const json& args = call.arguments();
-    const PreferenceKeyInfo* info = findPreferenceKey(stringArgument(args, "key"));
+    const settings::PreferenceKeyInfo* info =
+        settings::findPreferenceKey(stringArgument(args, "key"));
     const auto value = args.find("value");
     if (info == nullptr || value == args.end()) {
         return fail(std::string("setPreference needs a known key and a value"));
     }
-    PreferenceValue converted;
+    settings::PreferenceValue converted;
     if (value->is_boolean()) {
         converted = value->get<bool>();
-    } else if (value->is_number_integer() && info->kind != PreferenceValueKind::seconds) {
+    } else if (value->is_number_integer() && info->kind != settings::PreferenceValueKind::seconds) {
         converted = value->get<long long>();
     } else if (value->is_number()) {
         converted = value->get<double>();
     } else if (value->is_string()) {
         converted = value->get<std::string>();
     }
-    if (!assignPreference(call.machine.preferences(), *info, converted).ok()) {
+    if (!settings::assignPreference(call.machine.preferences(), *info, converted).ok()) {
         return fail(std::string("the value does not suit the key"));
     }
     return {};
@@ -317,7 +318,8 @@ ActionResult overrideTab(const ActionCall& call) {
 ActionResult classifyPdf(const ActionCall& call) {
     const json& args = call.arguments();
     const auto classification = classificationArgument(args);
-    const auto scope = fromRawValue<LocalPDFClassificationScope>(stringArgument(args, "scope"));
+    const auto scope =
+        fromRawValue<classification::LocalPDFClassificationScope>(stringArgument(args, "scope"));
     const auto pdf = Uuid::parse(stringArgument(args, "pdf"));
     if (!classification || !scope || !pdf) {
         return fail(std::string("classifyPdf needs a pdf id, a classification and a scope"));
@@ -341,9 +343,9 @@ ActionResult relabel(const ActionCall& call) {
         return fail(std::string("relabel needs a stored session index, \"from\" and \"to\""));
     }
     const std::string state = stringArgument(call.arguments(), "state");
-    std::optional<ConfirmedStudyState> newState;
+    std::optional<recording::ConfirmedStudyState> newState;
     if (state != "unconfirmed") {
-        newState = fromRawValue<ConfirmedStudyState>(state);
+        newState = fromRawValue<recording::ConfirmedStudyState>(state);
         if (!newState) {
             return fail(std::string("\"state\" is passiveStudy, confirmedBreak or unconfirmed"));
         }
@@ -466,7 +468,7 @@ ActionResult expectPrompt(const ActionCall& call) {
         call.expectationFailed("expected a question, found none");
         return {};
     }
-    const std::string actual = noInputPromptText(*prompt, LocalCalendar::utc());
+    const std::string actual = recording::noInputPromptText(*prompt, LocalCalendar::utc());
     if (actual != text->get<std::string>()) {
         call.expectationFailed(
             fmt::format("expected question {}, found {}", text->dump(), json(actual).dump()));

@@ -11,7 +11,7 @@
 #include "scenario/scenario_runner.hpp"
 #include "scenario/scenario_script.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 class SessionManager;
 }
 
@@ -28,7 +28,7 @@ struct ActionCall {
 
     const nlohmann::json& arguments() const { return step.arguments; }
     // The running recorder; only for actions whose row needs one.
-    SessionManager& recorder() const;
+    recording::SessionManager& recorder() const;
     // Records a failed expectation: "line N: " and `what`.
     void expectationFailed(const std::string& what) const;
 };

@@ -5,10 +5,11 @@
 namespace lumenote::scenario {
 
 ScenarioMachine::ScenarioMachine(const UserPaths& paths, Date wallStart,
-                                 std::unique_ptr<RecordingStore> store)
+                                 std::unique_ptr<recording::RecordingStore> store)
     : machine_(wallStart),
       store_(std::move(store)),
-      domain_(JsonFileDefaultsDomain::pathFor(paths), [this] { return machine_.clock.wallNow(); }),
+      domain_(settings::JsonFileDefaultsDomain::pathFor(paths),
+              [this] { return machine_.clock.wallNow(); }),
       preferences_(domain_),
       recordingPreferences_(preferences_),
       checkpointStore_(paths.applicationData(), machine_.clock.wall()) {
@@ -30,22 +31,22 @@ void ScenarioMachine::advanceTo(double scriptSeconds) {
 }
 
 void ScenarioMachine::launch() {
-    rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
+    rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
     // Saves go through the store unless a "failSaves" step made them fail.
-    const StoreSaveOperation save = [this](const StoreChangeSet& changes) {
+    const recording::StoreSaveOperation save = [this](const recording::StoreChangeSet& changes) {
         if (failingSaves_) {
             return Result<void, StoreError>(fail(StoreError{kInjectedSaveFailure}));
         }
         return store_->apply(changes);
     };
-    history_ = std::make_unique<SessionHistory>(
+    history_ = std::make_unique<recording::SessionHistory>(
         machine_.historyDependencies(*store_, *rules_, recordingPreferences_, save));
-    manager_ = std::make_unique<SessionManager>(machine_.dependencies(
+    manager_ = std::make_unique<recording::SessionManager>(machine_.dependencies(
         *store_, recordingPreferences_, checkpointStore_, *rules_, *history_, save));
     // What start-up finds is not shown: a relaunch starts with no error.
     manager_->startUp();
     manager_->problems().add(
-        [this](const SessionError& problem) { frontError_ = problem.message(); });
+        [this](const recording::SessionError& problem) { frontError_ = problem.message(); });
 }
 
 std::optional<std::string> ScenarioMachine::takeShownError() {
@@ -62,17 +63,18 @@ void ScenarioMachine::relaunch() {
 
 nlohmann::json ScenarioMachine::storedSessions() {
     nlohmann::json sessions = nlohmann::json::array();
-    auto listed = store_->listSessions(SessionQuery{.newestFirst = false, .includeChildren = true});
+    auto listed = store_->listSessions(
+        recording::SessionQuery{.newestFirst = false, .includeChildren = true});
     if (listed.ok()) {
         for (const auto& session : *listed) {
-            sessions.push_back(sessionJson(session, true));
+            sessions.push_back(recording::sessionJson(session, true));
         }
     }
     return sessions;
 }
 
 std::optional<Uuid> ScenarioMachine::storedSessionAt(long long index) {
-    auto listed = store_->listSessions(SessionQuery{.newestFirst = false});
+    auto listed = store_->listSessions(recording::SessionQuery{.newestFirst = false});
     if (!listed.ok() || index < 0 || static_cast<std::size_t>(index) >= listed->size()) {
         return std::nullopt;
     }

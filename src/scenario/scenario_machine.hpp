@@ -26,7 +26,8 @@ class ScenarioMachine {
     // Owns `store` and launches the recorder over it. The preferences live
     // under `paths.configHome`, the checkpoint under `paths.dataHome`; the
     // wall clock starts at `wallStart`.
-    ScenarioMachine(const UserPaths& paths, Date wallStart, std::unique_ptr<RecordingStore> store);
+    ScenarioMachine(const UserPaths& paths, Date wallStart,
+                    std::unique_ptr<recording::RecordingStore> store);
     ScenarioMachine(const ScenarioMachine&) = delete;
     ScenarioMachine& operator=(const ScenarioMachine&) = delete;
 
@@ -36,7 +37,7 @@ class ScenarioMachine {
     void advanceTo(double scriptSeconds);
 
     // The recorder; null between crash() and relaunch().
-    SessionManager* recorder() { return manager_.get(); }
+    recording::SessionManager* recorder() { return manager_.get(); }
     // The process is gone: nothing is finalised; only the store and the
     // checkpoint file remain.
     void crash() { manager_.reset(); }
@@ -47,8 +48,8 @@ class ScenarioMachine {
 
     // The rules and the history the recorder was launched with (they start
     // anew with it); they outlive a crash until the relaunch.
-    ClassificationRules& rules() { return *rules_; }
-    SessionHistory& history() { return *history_; }
+    classification::ClassificationRules& rules() { return *rules_; }
+    recording::SessionHistory& history() { return *history_; }
     // Keeps the failure of an action, as a front end keeps it to show: the
     // last one, whether an action returned it or the recorder reported it
     // on its own (a save during a tick); an "expectError" step reads it.
@@ -65,9 +66,9 @@ class ScenarioMachine {
     // kInjectedSaveFailure and changes nothing.
     void setFailingSaves(bool failing) { failingSaves_ = failing; }
 
-    fake::FakeMachine& platform() { return machine_; }
-    PreferencesStore& preferences() { return preferences_; }
-    RecordingStore& store() { return *store_; }
+    platform::fake::FakeMachine& platform() { return machine_; }
+    settings::PreferencesStore& preferences() { return preferences_; }
+    recording::RecordingStore& store() { return *store_; }
 
     // Every stored session in start order, with children, segments and
     // confirmations; an empty array when the store cannot list them.
@@ -86,16 +87,16 @@ class ScenarioMachine {
   private:
     void launch();
 
-    fake::FakeMachine machine_;
-    std::unique_ptr<RecordingStore> store_;
-    JsonFileDefaultsDomain domain_;
-    PreferencesStore preferences_;
-    PreferencesForRecording recordingPreferences_;
-    FileSessionCheckpointStore checkpointStore_;
-    std::unique_ptr<ClassificationRules> rules_;
-    std::unique_ptr<SessionHistory> history_;
+    platform::fake::FakeMachine machine_;
+    std::unique_ptr<recording::RecordingStore> store_;
+    settings::JsonFileDefaultsDomain domain_;
+    settings::PreferencesStore preferences_;
+    settings::PreferencesForRecording recordingPreferences_;
+    recording::FileSessionCheckpointStore checkpointStore_;
+    std::unique_ptr<classification::ClassificationRules> rules_;
+    std::unique_ptr<recording::SessionHistory> history_;
     // Declared last so that it goes first: it writes through everything above.
-    std::unique_ptr<SessionManager> manager_;
+    std::unique_ptr<recording::SessionManager> manager_;
     std::optional<std::string> frontError_;
     bool failingSaves_ = false;
     double elapsed_ = 0.0;

@@ -11,9 +11,9 @@ namespace lumenote::scenario {
 
 Result<ScenarioOutcome, std::string> runScenario(const std::vector<ScriptStep>& steps,
                                                  const UserPaths& paths, Date wallStart) {
-    auto store = SqliteRecordingStore::open(storePath(paths));
+    auto store = store::SqliteRecordingStore::open(store::storePath(paths));
     if (!store.ok()) {
-        return fail(storageOpenFailureMessage(store.error()));
+        return fail(store::storageOpenFailureMessage(store.error()));
     }
     ScenarioMachine machine(paths, wallStart, std::move(store).value());
     ScenarioOutcome outcome;

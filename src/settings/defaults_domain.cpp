@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -157,4 +157,4 @@ std::optional<std::string> DefaultsDomain::stringForKey(std::string_view key) {
     return asString(object(key));
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -10,7 +10,7 @@
 
 #include "foundation/private_file.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 // A stored value of a type the domain does not model (a JSON null, object or
 // mixed array), kept as its JSON text so that rewriting the domain preserves
@@ -64,4 +64,4 @@ class DefaultsDomain {
     void remove(std::string_view key) { remove(std::vector<std::string>{std::string(key)}); }
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

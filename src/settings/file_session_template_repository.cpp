@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -78,4 +78,4 @@ Result<void, Error> FileSessionTemplateRepository::save(const SessionTemplateDoc
     return {};
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -25,7 +25,7 @@
 #include "foundation/user_paths.hpp"
 #include "settings/session_template_repository.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 inline constexpr std::size_t kMaximumSessionTemplateFileBytes = 524288;
 inline constexpr std::string_view kSessionTemplateFileName = "session-templates-v1.json";
@@ -53,4 +53,4 @@ class FileSessionTemplateRepository final : public SessionTemplatePersisting {
     FileWriteOperations& operations_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

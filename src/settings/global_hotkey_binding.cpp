@@ -7,7 +7,7 @@
 
 #include "settings/shortcut_key_codes.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 bool isUsableGlobalHotkey(long long keyCode, long long modifiers) {
     return keyCode >= 0 && modifiers >= 0 && (modifiers & kRequiredModifierMask) != 0 &&
@@ -47,4 +47,4 @@ std::string globalHotkeyDisplayText(const GlobalHotkeyBinding& binding) {
     return text;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

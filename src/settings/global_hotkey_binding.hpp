@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 // Carbon modifier bits, the stored form of the modifier mask.
 inline constexpr std::uint32_t kCarbonCommandModifier = 0x100;
@@ -41,4 +41,4 @@ GlobalHotkeyBinding globalHotkeyBindingFromStored(std::optional<long long> keyCo
 // display name, or "Key 0x..." for a key without one.
 std::string globalHotkeyDisplayText(const GlobalHotkeyBinding& binding);
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -1,6 +1,6 @@
 #include "settings/in_memory_defaults_domain.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 std::optional<DefaultsValue> InMemoryDefaultsDomain::object(std::string_view key) {
     const auto found = values_.find(key);
@@ -31,4 +31,4 @@ void InMemoryDefaultsDomain::remove(const std::vector<std::string>& keys) {
     ++changeCount_;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

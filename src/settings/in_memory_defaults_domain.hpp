@@ -5,7 +5,7 @@
 
 #include "settings/defaults_domain.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 class InMemoryDefaultsDomain final : public DefaultsDomain {
   public:
@@ -27,4 +27,4 @@ class InMemoryDefaultsDomain final : public DefaultsDomain {
     int changeCount_ = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -1,6 +1,6 @@
 #include "settings/in_memory_session_template_repository.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 Result<SessionTemplateRepositoryLoadResult, SessionTemplateRepositoryError>
 InMemorySessionTemplateRepository::load() {
@@ -23,4 +23,4 @@ Result<void, SessionTemplateRepositoryError> InMemorySessionTemplateRepository::
     return {};
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

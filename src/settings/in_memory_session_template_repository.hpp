@@ -6,7 +6,7 @@
 
 #include "settings/session_template_repository.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 class InMemorySessionTemplateRepository final : public SessionTemplatePersisting {
   public:
@@ -25,4 +25,4 @@ class InMemorySessionTemplateRepository final : public SessionTemplatePersisting
         const SessionTemplateDocument& newDocument) override;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -5,7 +5,7 @@
 #include <climits>
 #include <nlohmann/json.hpp>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -166,4 +166,4 @@ void JsonFileDefaultsDomain::remove(const std::vector<std::string>& keys) {
     writeBack();
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -36,7 +36,7 @@
 #include "foundation/user_paths.hpp"
 #include "settings/defaults_domain.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 // The largest defaults document that is read: far above what the settings
 // need, small enough that a damaged file cannot exhaust memory.
@@ -94,4 +94,4 @@ class JsonFileDefaultsDomain final : public DefaultsDomain {
     std::optional<std::filesystem::path> lastQuarantinedPath_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

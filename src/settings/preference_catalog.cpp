@@ -8,7 +8,7 @@
 #include "settings/preference_keys.hpp"
 #include "settings/preference_rules.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -158,11 +158,11 @@ const std::vector<Row>& rows() {
          [](const S& s) -> V { return s.rememberLastGoal(); },
          [](S& s, const V& v) { return setBool(s, v, &S::setRememberLastGoal); }},
         {{keys::defaultStudyMode, K::text, kStudyModeChoices},
-         raw(StudySessionMode::mixedStudy),
+         raw(recording::StudySessionMode::mixedStudy),
          [](const S& s) { return raw(s.defaultStudyMode()); },
          [](S& s, const V& v) { return setChoice(s, v, &S::setDefaultStudyMode); }},
         {{keys::lastTimingMode, K::text, kTimingModeChoices},
-         raw(SessionTimingMode::timer),
+         raw(recording::SessionTimingMode::timer),
          [](const S& s) { return raw(s.lastTimingMode()); },
          [](S& s, const V& v) { return setChoice(s, v, &S::setLastTimingMode); }},
         {{keys::hasSeenPassiveStudyIntroduction, K::boolean, {}},
@@ -307,4 +307,4 @@ Result<PreferenceValue, PreferenceAssignmentError> assignPreference(PreferencesS
     return row.get(store);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -12,7 +12,7 @@
 #include "foundation/result.hpp"
 #include "settings/preferences_store.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 enum class PreferenceValueKind {
     boolean,  // true or false
@@ -57,4 +57,4 @@ Result<PreferenceValue, PreferenceAssignmentError> assignPreference(PreferencesS
                                                                     const PreferenceKeyInfo& info,
                                                                     const PreferenceValue& value);
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

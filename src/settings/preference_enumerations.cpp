@@ -1,6 +1,6 @@
 #include "settings/preference_enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 long long longSleepSeconds(LongSleepPreference preference) {
     switch (preference) {
@@ -47,4 +47,4 @@ std::optional<int> durationChoiceMinutes(DurationChoice choice) {
     return std::nullopt;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -9,19 +9,28 @@
 
 #include "foundation/raw_enum.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 enum class TallywiseAppearance { system, light, dark };
 
+}  // namespace lumenote::settings
+
+// Raw values are specialised where the template lives.
+namespace lumenote {
+
 template <>
-struct RawValues<TallywiseAppearance> {
-    using E = TallywiseAppearance;
+struct RawValues<settings::TallywiseAppearance> {
+    using E = settings::TallywiseAppearance;
     static constexpr std::array<std::pair<E, std::string_view>, 3> entries{{
         {E::system, "system"},
         {E::light, "light"},
         {E::dark, "dark"},
     }};
 };
+
+}  // namespace lumenote
+
+namespace lumenote::settings {
 
 // How long a system sleep must last before the session treats it as a long
 // sleep. Stored as its whole number of seconds, 0 for never.
@@ -42,4 +51,4 @@ enum class DurationChoice { fifteen, twentyFive, fortyFive, sixty, ninety, custo
 // 15, 25, 45, 60 or 90 minutes; nullopt for `custom`.
 std::optional<int> durationChoiceMinutes(DurationChoice choice);
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -4,7 +4,7 @@
 
 #include <string_view>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace preference_keys {
 inline constexpr std::string_view launchAtLogin = "general.launchAtLogin";
@@ -96,4 +96,4 @@ enum class PreferenceProperty {
     derivedRevision
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

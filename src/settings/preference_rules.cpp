@@ -5,7 +5,7 @@
 
 #include "foundation/text.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 double clampedThreshold(double seconds, const ThresholdRange& range) {
     if (!std::isfinite(seconds)) {
@@ -25,18 +25,20 @@ std::string normalisedFirstName(std::string_view name) {
     return text::prefixCharacters(text::collapsingWhiteSpace(name), kMaximumFirstNameCharacters);
 }
 
-StudySessionMode studyModeFromStored(const std::optional<std::string>& stored) {
+recording::StudySessionMode studyModeFromStored(const std::optional<std::string>& stored) {
     if (!stored) {
-        return StudySessionMode::mixedStudy;
+        return recording::StudySessionMode::mixedStudy;
     }
-    return fromRawValue<StudySessionMode>(*stored).value_or(StudySessionMode::computerBased);
+    return fromRawValue<recording::StudySessionMode>(*stored).value_or(
+        recording::StudySessionMode::computerBased);
 }
 
-SessionTimingMode timingModeFromStored(const std::optional<std::string>& stored) {
+recording::SessionTimingMode timingModeFromStored(const std::optional<std::string>& stored) {
     if (!stored) {
-        return SessionTimingMode::timer;
+        return recording::SessionTimingMode::timer;
     }
-    return fromRawValue<SessionTimingMode>(*stored).value_or(SessionTimingMode::timer);
+    return fromRawValue<recording::SessionTimingMode>(*stored).value_or(
+        recording::SessionTimingMode::timer);
 }
 
 TallywiseAppearance appearanceFromStored(const std::optional<std::string>& stored) {
@@ -46,4 +48,4 @@ TallywiseAppearance appearanceFromStored(const std::optional<std::string>& store
     return fromRawValue<TallywiseAppearance>(*stored).value_or(TallywiseAppearance::system);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

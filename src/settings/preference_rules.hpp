@@ -9,7 +9,7 @@
 #include "recording/enumerations.hpp"
 #include "settings/preference_enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 // The range of a seconds threshold and the value that replaces a non-finite one.
 struct ThresholdRange {
@@ -39,10 +39,10 @@ std::string normalisedFirstName(std::string_view name);
 
 // A missing value is `mixedStudy`, but a stored string naming no mode is
 // `computerBased`: the two fall-backs differ on purpose.
-StudySessionMode studyModeFromStored(const std::optional<std::string>& stored);
+recording::StudySessionMode studyModeFromStored(const std::optional<std::string>& stored);
 
 // Anything but "open_ended" is `timer`.
-SessionTimingMode timingModeFromStored(const std::optional<std::string>& stored);
+recording::SessionTimingMode timingModeFromStored(const std::optional<std::string>& stored);
 
 // Anything but "light" or "dark" is `system`.
 TallywiseAppearance appearanceFromStored(const std::optional<std::string>& stored);
@@ -50,4 +50,4 @@ TallywiseAppearance appearanceFromStored(const std::optional<std::string>& store
 // The only AI provider identifier there is: no phrasing provider exists.
 inline constexpr std::string_view kNoAIProvider = "none";
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

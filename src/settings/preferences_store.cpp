@@ -7,7 +7,7 @@
 
 #include "settings/preference_rules.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace keys = preference_keys;
 using P = PreferenceProperty;
@@ -44,7 +44,7 @@ CalendarDay calendarDay(std::string_view dayKey) {
 }  // namespace
 
 PreferencesStore::PreferencesStore(DefaultsDomain& domain,
-                                   SetupTestSessionPredicate isSetupTestSession)
+                                   insights::SetupTestSessionPredicate isSetupTestSession)
     : domain_(domain), isSetupTestSession_(std::move(isSetupTestSession)) {
     readAll();
 }
@@ -146,12 +146,12 @@ void PreferencesStore::setRememberLastGoal(bool value) {
     writeBool(keys::rememberLastGoal, rememberLastGoal_, value, P::rememberLastGoal);
 }
 
-void PreferencesStore::setDefaultStudyMode(StudySessionMode value) {
+void PreferencesStore::setDefaultStudyMode(recording::StudySessionMode value) {
     defaultStudyMode_ = value;
     write(keys::defaultStudyMode, std::string(rawValue(value)), P::defaultStudyMode);
 }
 
-void PreferencesStore::setLastTimingMode(SessionTimingMode value) {
+void PreferencesStore::setLastTimingMode(recording::SessionTimingMode value) {
     lastTimingMode_ = value;
     write(keys::lastTimingMode, std::string(rawValue(value)), P::lastTimingMode);
 }
@@ -281,8 +281,9 @@ bool PreferencesStore::acknowledgeDailyGoalIfNeeded(Date date, const LocalCalend
     return true;
 }
 
-bool PreferencesStore::shouldCelebrate(const StudySession& session, Date now) {
-    if (!sessionCelebrationsEnabled_ || !countsForAnalytics(session, now, isSetupTestSession_)) {
+bool PreferencesStore::shouldCelebrate(const recording::StudySession& session, Date now) {
+    if (!sessionCelebrationsEnabled_ ||
+        !insights::countsForAnalytics(session, now, isSetupTestSession_)) {
         return false;
     }
     std::vector<std::string> celebrated = asStringArray(domain_.object(keys::celebratedSessionIDs))
@@ -350,4 +351,4 @@ void PreferencesStore::resetToDefaults() {
     }
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -33,7 +33,7 @@
 #include "settings/preference_enumerations.hpp"
 #include "settings/preference_keys.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 // At most this many celebrated session ids are remembered; older ones drop out.
 inline constexpr std::size_t kMaximumCelebratedSessions = 100;
@@ -45,7 +45,7 @@ class PreferencesStore {
     // Reads every key in property order; writes nothing. The domain must
     // outlive the store.
     explicit PreferencesStore(DefaultsDomain& domain,
-                              SetupTestSessionPredicate isSetupTestSession = {});
+                              insights::SetupTestSessionPredicate isSetupTestSession = {});
 
     bool launchAtLogin() const { return launchAtLogin_; }
     void setLaunchAtLogin(bool value);
@@ -66,10 +66,10 @@ class PreferencesStore {
     void setDefaultGoal(std::string value);
     bool rememberLastGoal() const { return rememberLastGoal_; }
     void setRememberLastGoal(bool value);
-    StudySessionMode defaultStudyMode() const { return defaultStudyMode_; }
-    void setDefaultStudyMode(StudySessionMode value);
-    SessionTimingMode lastTimingMode() const { return lastTimingMode_; }
-    void setLastTimingMode(SessionTimingMode value);
+    recording::StudySessionMode defaultStudyMode() const { return defaultStudyMode_; }
+    void setDefaultStudyMode(recording::StudySessionMode value);
+    recording::SessionTimingMode lastTimingMode() const { return lastTimingMode_; }
+    void setLastTimingMode(recording::SessionTimingMode value);
     bool hasSeenPassiveStudyIntroduction() const { return hasSeenPassiveStudyIntroduction_; }
     void setHasSeenPassiveStudyIntroduction(bool value);
     // Status text of the shortcut service; never stored.
@@ -139,7 +139,7 @@ class PreferencesStore {
     // The once-per-session gate for the end-of-session celebration: true at
     // most once for a session id, and only with celebrations on and a session
     // that counts for analytics at `now`. Remembers the last 100 sessions.
-    bool shouldCelebrate(const StudySession& session, Date now);
+    bool shouldCelebrate(const recording::StudySession& session, Date now);
 
     // Removes the stored preferences (every key above but the derived-totals
     // revision, which describes the stored history), the two bookkeeping keys
@@ -160,7 +160,7 @@ class PreferencesStore {
     void writeBool(std::string_view key, bool& member, bool value, PreferenceProperty property);
 
     DefaultsDomain& domain_;
-    SetupTestSessionPredicate isSetupTestSession_;
+    insights::SetupTestSessionPredicate isSetupTestSession_;
     Observers observers_;
 
     bool launchAtLogin_ = false;
@@ -172,8 +172,8 @@ class PreferencesStore {
     bool rememberLastSubject_ = false;
     std::string defaultGoal_;
     bool rememberLastGoal_ = false;
-    StudySessionMode defaultStudyMode_ = StudySessionMode::mixedStudy;
-    SessionTimingMode lastTimingMode_ = SessionTimingMode::timer;
+    recording::StudySessionMode defaultStudyMode_ = recording::StudySessionMode::mixedStudy;
+    recording::SessionTimingMode lastTimingMode_ = recording::SessionTimingMode::timer;
     bool hasSeenPassiveStudyIntroduction_ = false;
     std::optional<std::string> globalHotkeyStatusMessage_;
     bool globalHotkeyEnabled_ = false;
@@ -198,4 +198,4 @@ class PreferencesStore {
     long long derivedRevision_ = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

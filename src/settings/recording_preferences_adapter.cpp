@@ -1,6 +1,6 @@
 #include "settings/recording_preferences_adapter.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 std::optional<double> PreferencesForRecording::longSleepThreshold() const {
     const LongSleepPreference preference = store_.longSleep();
@@ -10,4 +10,4 @@ std::optional<double> PreferencesForRecording::longSleepThreshold() const {
     return static_cast<double>(longSleepSeconds(preference));
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -4,9 +4,9 @@
 #include "recording/recording_preferences.hpp"
 #include "settings/preferences_store.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
-class PreferencesForRecording final : public RecordingPreferences {
+class PreferencesForRecording final : public recording::RecordingPreferences {
   public:
     explicit PreferencesForRecording(PreferencesStore& store) : store_(store) {}
 
@@ -18,7 +18,7 @@ class PreferencesForRecording final : public RecordingPreferences {
     long long derivedRevision() const override { return store_.derivedRevision(); }
     void setDerivedRevision(long long revision) override { store_.setDerivedRevision(revision); }
     void resetApplicationPreferences() override { store_.resetToDefaults(); }
-    bool shouldCelebrate(const StudySession& session, Date now) override {
+    bool shouldCelebrate(const recording::StudySession& session, Date now) override {
         return store_.shouldCelebrate(session, now);
     }
 
@@ -26,4 +26,4 @@ class PreferencesForRecording final : public RecordingPreferences {
     PreferencesStore& store_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

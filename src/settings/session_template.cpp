@@ -4,7 +4,7 @@
 
 #include <set>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -144,14 +144,15 @@ std::optional<SessionTemplate> decodeTemplate(const Json& json) {
 
 }  // namespace
 
-SessionTimingMode SessionTemplate::timingMode() const {
+recording::SessionTimingMode SessionTemplate::timingMode() const {
     if (!timingModeStorage) {
-        return SessionTimingMode::timer;
+        return recording::SessionTimingMode::timer;
     }
-    return fromRawValue<SessionTimingMode>(*timingModeStorage).value_or(SessionTimingMode::timer);
+    return fromRawValue<recording::SessionTimingMode>(*timingModeStorage)
+        .value_or(recording::SessionTimingMode::timer);
 }
 
-void SessionTemplate::setTimingMode(SessionTimingMode mode) {
+void SessionTemplate::setTimingMode(recording::SessionTimingMode mode) {
     timingModeStorage = std::string(rawValue(mode));
 }
 
@@ -195,4 +196,4 @@ std::optional<SessionTemplateDocument> decodeSessionTemplateDocument(std::string
     return document;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

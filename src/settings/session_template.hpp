@@ -10,7 +10,7 @@
 #include "foundation/uuid.hpp"
 #include "recording/enumerations.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 struct SessionTemplate {
     Uuid id;
@@ -28,8 +28,8 @@ struct SessionTemplate {
     bool isFavorite = false;
 
     // An empty or unknown stored mode is `timer`.
-    SessionTimingMode timingMode() const;
-    void setTimingMode(SessionTimingMode mode);
+    recording::SessionTimingMode timingMode() const;
+    void setTimingMode(recording::SessionTimingMode mode);
 
     friend bool operator==(const SessionTemplate&, const SessionTemplate&) = default;
 };
@@ -40,7 +40,7 @@ struct SessionTemplateDraft {
     std::string subject;
     std::string defaultGoal;
     double duration = 0;
-    SessionTimingMode timingMode = SessionTimingMode::timer;
+    recording::SessionTimingMode timingMode = recording::SessionTimingMode::timer;
     std::optional<double> breakDuration;
 
     // The editable fields of an existing template.
@@ -68,4 +68,4 @@ std::string encodeSessionTemplateDocument(const SessionTemplateDocument& documen
 // templates share an id. Unknown members are ignored.
 std::optional<SessionTemplateDocument> decodeSessionTemplateDocument(std::string_view text);
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

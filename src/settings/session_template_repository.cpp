@@ -1,6 +1,6 @@
 #include "settings/session_template_repository.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 std::string_view describe(SessionTemplateRepositoryError error) {
     switch (error) {
@@ -14,4 +14,4 @@ std::string_view describe(SessionTemplateRepositoryError error) {
     return "the templates file could not be used";
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

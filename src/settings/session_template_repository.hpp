@@ -7,7 +7,7 @@
 #include "foundation/result.hpp"
 #include "settings/session_template.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 struct SessionTemplateRepositoryLoadResult {
     enum class Kind {
@@ -50,4 +50,4 @@ class SessionTemplatePersisting {
         const SessionTemplateDocument& document) = 0;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -5,7 +5,7 @@
 
 #include "foundation/text.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -238,4 +238,4 @@ Result<SessionTemplate, Error> SessionTemplateStore::markUsed(Uuid id) {
     });
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

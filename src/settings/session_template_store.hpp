@@ -33,7 +33,7 @@
 #include "settings/session_template_repository.hpp"
 #include "settings/session_template_validation.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 class SessionTemplateStore {
   public:
@@ -102,4 +102,4 @@ class SessionTemplateStore {
     Observers observers_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

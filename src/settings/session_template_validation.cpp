@@ -4,7 +4,7 @@
 
 #include "foundation/text.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -99,4 +99,4 @@ std::optional<SessionTemplateValidationError> validateSessionTemplate(
     return std::nullopt;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

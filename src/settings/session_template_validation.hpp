@@ -8,7 +8,7 @@
 
 #include "settings/session_template.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 
 inline constexpr std::size_t kMaximumSessionTemplates = 250;
 inline constexpr std::size_t kMaximumTemplateNameCharacters = 80;
@@ -59,4 +59,4 @@ bool sameTemplateName(std::string_view a, std::string_view b);
 std::optional<SessionTemplateValidationError> validateSessionTemplate(
     const SessionTemplate& candidate, const std::vector<SessionTemplate>& list);
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

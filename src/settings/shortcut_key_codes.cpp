@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 namespace {
 
@@ -112,4 +112,4 @@ const ShortcutKey* shortcutKeyForCode(long long keyCode) {
     return &*found;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

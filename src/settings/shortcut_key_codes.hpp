@@ -14,7 +14,7 @@
 #include <span>
 #include <string_view>
 
-namespace lumenote {
+namespace lumenote::settings {
 
 struct ShortcutKey {
     std::uint32_t keyCode;           // macOS virtual key code (kVK_ANSI_S is 1)
@@ -29,4 +29,4 @@ std::span<const ShortcutKey> shortcutKeys();
 // be used). Negative codes and codes beyond 32 bits have none.
 const ShortcutKey* shortcutKeyForCode(long long keyCode);
 
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -10,7 +10,7 @@
 
 #include "foundation/private_file.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 namespace {
 
@@ -89,4 +89,4 @@ RecorderLock::~RecorderLock() {
     }
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -8,7 +8,7 @@
 
 #include "foundation/result.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 enum class RecorderLockFailure {
     heldByAnotherProcess,  // another open of the lock file holds it
@@ -56,4 +56,4 @@ class RecorderLock {
     int descriptor_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -5,7 +5,7 @@
 #include <cassert>
 #include <cerrno>
 
-namespace lumenote {
+namespace lumenote::store {
 
 namespace {
 
@@ -291,4 +291,4 @@ Result<void, StoreError> SqliteTransaction::commit() {
     return committed;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -16,7 +16,7 @@
 struct sqlite3;
 struct sqlite3_stmt;
 
-namespace lumenote {
+namespace lumenote::store {
 
 // The kind of a failure with SQLite result code `code` (primary or extended).
 // `systemErrno` is the OS error of the I/O call that failed, if any: it tells
@@ -166,4 +166,4 @@ class SqliteTransaction {
     SqliteConnection* connection_;  // null once committed or moved from
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::store

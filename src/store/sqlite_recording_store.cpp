@@ -13,7 +13,7 @@
 #include "store/store_rows.hpp"
 #include "store/store_schema.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 namespace {
 
@@ -63,13 +63,13 @@ class DurableCommit {
     bool active_ = false;
 };
 
-std::optional<StoreError> missingOwner(const StoreChangeSet& changes) {
-    for (const ActivitySegment& segment : changes.segments) {
+std::optional<StoreError> missingOwner(const recording::StoreChangeSet& changes) {
+    for (const recording::ActivitySegment& segment : changes.segments) {
         if (!segment.session) {
             return StoreError{"activity segment " + segment.id.upperString() + " names no session"};
         }
     }
-    for (const ConfirmedNoInputInterval& interval : changes.confirmedIntervals) {
+    for (const recording::ConfirmedNoInputInterval& interval : changes.confirmedIntervals) {
         if (!interval.session) {
             return StoreError{"confirmed interval " + interval.id.upperString() +
                               " names no session"};
@@ -205,7 +205,7 @@ Result<void, StoreError> SqliteRecordingStore::execute(const std::string& sql) {
     return (*statement)->run();
 }
 
-Result<void, StoreError> SqliteRecordingStore::apply(const StoreChangeSet& changes) {
+Result<void, StoreError> SqliteRecordingStore::apply(const recording::StoreChangeSet& changes) {
     if (auto missing = missingOwner(changes)) {
         return fail(std::move(*missing));
     }
@@ -221,7 +221,8 @@ Result<void, StoreError> SqliteRecordingStore::apply(const StoreChangeSet& chang
     return applyInTransaction(changes);
 }
 
-Result<void, StoreError> SqliteRecordingStore::applyInTransaction(const StoreChangeSet& changes) {
+Result<void, StoreError> SqliteRecordingStore::applyInTransaction(
+    const recording::StoreChangeSet& changes) {
     auto transaction = SqliteTransaction::beginImmediate(*connection_);
     if (!transaction) {
         return fail(transaction.error());
@@ -271,7 +272,7 @@ Result<void, StoreError> SqliteRecordingStore::deleteByIds(const char* sql,
     return {};
 }
 
-Result<void, StoreError> SqliteRecordingStore::loadChildren(StudySession& session) {
+Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySession& session) {
     {
         auto statement = connection_->cached(
             selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate, id"));
@@ -312,13 +313,13 @@ Result<void, StoreError> SqliteRecordingStore::loadChildren(StudySession& sessio
     return {};
 }
 
-Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::readSessions(
+Result<std::vector<recording::StudySession>, StoreError> SqliteRecordingStore::readSessions(
     StatementLoan& statement, bool includeChildren) {
     auto sessions = collect(statement, readSession);
     if (!sessions || !includeChildren) {
         return sessions;
     }
-    for (StudySession& session : *sessions) {
+    for (recording::StudySession& session : *sessions) {
         if (auto loaded = loadChildren(session); !loaded) {
             return fail(loaded.error());
         }
@@ -326,7 +327,8 @@ Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::readSessions
     return sessions;
 }
 
-Result<std::optional<StudySession>, StoreError> SqliteRecordingStore::loadSession(const Uuid& id) {
+Result<std::optional<recording::StudySession>, StoreError> SqliteRecordingStore::loadSession(
+    const Uuid& id) {
     auto statement = connection_->cached(selectSql(sessionLayout(), "WHERE id = ?1"));
     if (!statement) {
         return fail(statement.error());
@@ -337,13 +339,13 @@ Result<std::optional<StudySession>, StoreError> SqliteRecordingStore::loadSessio
         return fail(sessions.error());
     }
     if (sessions->empty()) {
-        return std::optional<StudySession>();
+        return std::optional<recording::StudySession>();
     }
-    return std::optional<StudySession>(std::move(sessions->front()));
+    return std::optional<recording::StudySession>(std::move(sessions->front()));
 }
 
-Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::listSessions(
-    const SessionQuery& query) {
+Result<std::vector<recording::StudySession>, StoreError> SqliteRecordingStore::listSessions(
+    const recording::SessionQuery& query) {
     // The text varies only with the query's shape, so each shape is prepared
     // once; the bounds are always parameters.
     std::string tail = "WHERE 1";
@@ -371,7 +373,7 @@ Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::listSessions
     return readSessions(*statement, query.includeChildren);
 }
 
-Result<std::vector<StudySession>, StoreError> SqliteRecordingStore::liveSessions() {
+Result<std::vector<recording::StudySession>, StoreError> SqliteRecordingStore::liveSessions() {
     auto statement = connection_->cached(selectSql(
         sessionLayout(), "WHERE statusRawValue IN ('running', 'paused') ORDER BY startDate, id"));
     if (!statement) {
@@ -392,13 +394,14 @@ Result<void, StoreError> SqliteRecordingStore::deleteAllSessions() {
     return execute("DELETE FROM sessions");
 }
 
-Result<std::vector<AppClassification>, StoreError> SqliteRecordingStore::appClassifications() {
+Result<std::vector<classification::AppClassification>, StoreError>
+SqliteRecordingStore::appClassifications() {
     return queryAll(*connection_, selectSql(appClassificationLayout(), "ORDER BY bundleIdentifier"),
                     readAppClassification);
 }
 
 Result<void, StoreError> SqliteRecordingStore::saveAppClassification(
-    const AppClassification& rule) {
+    const classification::AppClassification& rule) {
     return upsertOne(*connection_, appClassificationLayout(), rule);
 }
 
@@ -406,14 +409,14 @@ Result<void, StoreError> SqliteRecordingStore::deleteAllAppClassifications() {
     return execute("DELETE FROM app_classifications");
 }
 
-Result<std::vector<WebsiteClassification>, StoreError>
+Result<std::vector<classification::WebsiteClassification>, StoreError>
 SqliteRecordingStore::websiteClassifications() {
     return queryAll(*connection_, selectSql(websiteClassificationLayout(), "ORDER BY hostname"),
                     readWebsiteClassification);
 }
 
 Result<void, StoreError> SqliteRecordingStore::saveWebsiteClassification(
-    const WebsiteClassification& rule) {
+    const classification::WebsiteClassification& rule) {
     return upsertOne(*connection_, websiteClassificationLayout(), rule);
 }
 
@@ -421,8 +424,8 @@ Result<void, StoreError> SqliteRecordingStore::deleteAllWebsiteClassifications()
     return execute("DELETE FROM website_classifications");
 }
 
-Result<std::vector<LocalPDFIdentity>, StoreError> SqliteRecordingStore::pdfIdentities(
-    const std::optional<Uuid>& session) {
+Result<std::vector<classification::LocalPDFIdentity>, StoreError>
+SqliteRecordingStore::pdfIdentities(const std::optional<Uuid>& session) {
     if (!session) {
         return queryAll(*connection_, selectSql(pdfIdentityLayout(), "ORDER BY createdAt, id"),
                         readPDFIdentity);
@@ -436,12 +439,13 @@ Result<std::vector<LocalPDFIdentity>, StoreError> SqliteRecordingStore::pdfIdent
     return collect(*statement, readPDFIdentity);
 }
 
-Result<void, StoreError> SqliteRecordingStore::savePDFIdentity(const LocalPDFIdentity& identity) {
+Result<void, StoreError> SqliteRecordingStore::savePDFIdentity(
+    const classification::LocalPDFIdentity& identity) {
     return upsertOne(*connection_, pdfIdentityLayout(), identity);
 }
 
 Result<std::size_t, StoreError> SqliteRecordingStore::clearFilenameDerivedPDFLabels() {
-    const std::string_view filename = rawValue(BrowserPDFLabelSource::filename);
+    const std::string_view filename = rawValue(classification::BrowserPDFLabelSource::filename);
     auto transaction = SqliteTransaction::beginImmediate(*connection_);
     if (!transaction) {
         return fail(transaction.error());
@@ -480,7 +484,8 @@ Result<void, StoreError> SqliteRecordingStore::deleteAllPDFIdentities() {
     return execute("DELETE FROM pdf_identities");
 }
 
-Result<std::optional<LocalPDFPreferences>, StoreError> SqliteRecordingStore::localPDFPreferences() {
+Result<std::optional<classification::LocalPDFPreferences>, StoreError>
+SqliteRecordingStore::localPDFPreferences() {
     auto preferences =
         queryAll(*connection_, selectSql(localPDFPreferencesLayout(), "ORDER BY rowid LIMIT 1"),
                  readLocalPDFPreferences);
@@ -488,13 +493,13 @@ Result<std::optional<LocalPDFPreferences>, StoreError> SqliteRecordingStore::loc
         return fail(preferences.error());
     }
     if (preferences->empty()) {
-        return std::optional<LocalPDFPreferences>();
+        return std::optional<classification::LocalPDFPreferences>();
     }
-    return std::optional<LocalPDFPreferences>(preferences->front());
+    return std::optional<classification::LocalPDFPreferences>(preferences->front());
 }
 
 Result<void, StoreError> SqliteRecordingStore::saveLocalPDFPreferences(
-    const LocalPDFPreferences& preferences) {
+    const classification::LocalPDFPreferences& preferences) {
     auto transaction = SqliteTransaction::beginImmediate(*connection_);
     if (!transaction) {
         return fail(transaction.error());
@@ -520,4 +525,4 @@ Result<void, StoreError> SqliteRecordingStore::deleteLocalPDFPreferences() {
     return execute("DELETE FROM local_pdf_preferences");
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

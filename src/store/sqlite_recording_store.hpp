@@ -14,7 +14,7 @@
 #include "recording/session_history_reader.hpp"
 #include "store/sqlite_connection.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 // How a store's connection behaves; the defaults are the recorder's.
 struct SqliteStoreOptions {
@@ -34,7 +34,8 @@ struct SqliteStoreOptions {
 // the transaction and restored just after), so that the WAL is synced before
 // apply() returns; no checkpoint is forced, as a synced WAL is already
 // durable.
-class SqliteRecordingStore final : public RecordingStore, public SessionHistoryReader {
+class SqliteRecordingStore final : public recording::RecordingStore,
+                                   public recording::SessionHistoryReader {
   public:
     // Opens the store at `path`, creating its folder (mode 0700) and the file
     // (mode 0600) when absent, and brings its layout up to date. Fails when
@@ -50,14 +51,15 @@ class SqliteRecordingStore final : public RecordingStore, public SessionHistoryR
     // PDF identities, then session deletions. Every segment and confirmation
     // must name its session (an existing one, or one upserted by the same
     // set); otherwise, or on any other failure, nothing is applied.
-    Result<void, StoreError> apply(const StoreChangeSet& changes) override;
+    Result<void, StoreError> apply(const recording::StoreChangeSet& changes) override;
 
-    Result<std::optional<StudySession>, StoreError> loadSession(const Uuid& id) override;
+    Result<std::optional<recording::StudySession>, StoreError> loadSession(const Uuid& id) override;
     // Ordered by start date, then id; the start-date bounds are inclusive
     // (`startingAtOrAfter`) and exclusive (`startingBefore`).
-    Result<std::vector<StudySession>, StoreError> listSessions(const SessionQuery& query) override;
+    Result<std::vector<recording::StudySession>, StoreError> listSessions(
+        const recording::SessionQuery& query) override;
     // With their children, oldest first.
-    Result<std::vector<StudySession>, StoreError> liveSessions() override;
+    Result<std::vector<recording::StudySession>, StoreError> liveSessions() override;
     Result<std::size_t, StoreError> sessionCount() override;
     Result<void, StoreError> deleteAllSessions() override;
 
@@ -68,35 +70,41 @@ class SqliteRecordingStore final : public RecordingStore, public SessionHistoryR
     // store's reads; a write from inside a walk may fail as busy and may or
     // may not be visited. Each walk prepares its own statements, parsed once
     // per walk.
-    Result<void, StoreError> forEachSession(const SessionWalkQuery& query,
+    Result<void, StoreError> forEachSession(const recording::SessionWalkQuery& query,
                                             const SessionVisitor& visitor) override;
     // Reads one session row per selected session and one segment row per
     // visit; sessions outside `query.sessions` are skipped by id before their
     // row is decoded.
-    Result<void, StoreError> forEachSegment(const SegmentWalkQuery& query,
+    Result<void, StoreError> forEachSegment(const recording::SegmentWalkQuery& query,
                                             const SegmentVisitor& visitor) override;
 
     // Rules come ordered by their key.
-    Result<std::vector<AppClassification>, StoreError> appClassifications() override;
-    Result<void, StoreError> saveAppClassification(const AppClassification& rule) override;
+    Result<std::vector<classification::AppClassification>, StoreError> appClassifications()
+        override;
+    Result<void, StoreError> saveAppClassification(
+        const classification::AppClassification& rule) override;
     Result<void, StoreError> deleteAllAppClassifications() override;
-    Result<std::vector<WebsiteClassification>, StoreError> websiteClassifications() override;
-    Result<void, StoreError> saveWebsiteClassification(const WebsiteClassification& rule) override;
+    Result<std::vector<classification::WebsiteClassification>, StoreError> websiteClassifications()
+        override;
+    Result<void, StoreError> saveWebsiteClassification(
+        const classification::WebsiteClassification& rule) override;
     Result<void, StoreError> deleteAllWebsiteClassifications() override;
 
     // Ordered by creation date, then id.
-    Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
+    Result<std::vector<classification::LocalPDFIdentity>, StoreError> pdfIdentities(
         const std::optional<Uuid>& session) override;
-    Result<void, StoreError> savePDFIdentity(const LocalPDFIdentity& identity) override;
+    Result<void, StoreError> savePDFIdentity(
+        const classification::LocalPDFIdentity& identity) override;
     // Clears the label and its source on every PDF identity whose label came
     // from the filename, and the copies of such labels on segments, so that no
     // file name stays in the history. Returns the number of identities changed.
     Result<std::size_t, StoreError> clearFilenameDerivedPDFLabels() override;
     Result<void, StoreError> deleteAllPDFIdentities() override;
-    Result<std::optional<LocalPDFPreferences>, StoreError> localPDFPreferences() override;
+    Result<std::optional<classification::LocalPDFPreferences>, StoreError> localPDFPreferences()
+        override;
     // Keeps a single record: one saved under another id replaces it.
     Result<void, StoreError> saveLocalPDFPreferences(
-        const LocalPDFPreferences& preferences) override;
+        const classification::LocalPDFPreferences& preferences) override;
     Result<void, StoreError> deleteLocalPDFPreferences() override;
 
   private:
@@ -105,17 +113,17 @@ class SqliteRecordingStore final : public RecordingStore, public SessionHistoryR
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> prepare(
         std::unique_ptr<SqliteConnection> connection, const SqliteStoreOptions& options);
 
-    Result<void, StoreError> applyInTransaction(const StoreChangeSet& changes);
+    Result<void, StoreError> applyInTransaction(const recording::StoreChangeSet& changes);
     Result<void, StoreError> deleteByIds(const char* sql, const std::vector<Uuid>& ids);
-    Result<void, StoreError> loadChildren(StudySession& session);
-    Result<std::vector<StudySession>, StoreError> readSessions(StatementLoan& statement,
-                                                               bool includeChildren);
+    Result<void, StoreError> loadChildren(recording::StudySession& session);
+    Result<std::vector<recording::StudySession>, StoreError> readSessions(StatementLoan& statement,
+                                                                          bool includeChildren);
     Result<void, StoreError> execute(const std::string& sql);
     // The sessions of `range` in walk order, ready to step.
     Result<std::unique_ptr<SqliteStatement>, StoreError> prepareSessionWalk(
-        const SessionRange& range);
+        const recording::SessionRange& range);
 
     std::unique_ptr<SqliteConnection> connection_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -6,7 +6,7 @@
 #include "store/sqlite_recording_store.hpp"
 #include "store/store_rows.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 namespace {
 
@@ -17,14 +17,17 @@ namespace {
 // session through a sorter, which took about 40% of a whole-history walk.
 // `sameStart` is scratch space kept across sessions. Returns false when the
 // visitor ended the walk.
-Result<bool, StoreError> visitSegmentsOf(SqliteStatement& segments, const StudySession& session,
-                                         const SessionHistoryReader::SegmentVisitor& visitor,
-                                         std::vector<ActivitySegment>& sameStart) {
+Result<bool, StoreError> visitSegmentsOf(
+    SqliteStatement& segments, const recording::StudySession& session,
+    const recording::SessionHistoryReader::SegmentVisitor& visitor,
+    std::vector<recording::ActivitySegment>& sameStart) {
     sameStart.clear();
     const auto visitSameStart = [&] {
         std::sort(sameStart.begin(), sameStart.end(),
-                  [](const ActivitySegment& a, const ActivitySegment& b) { return a.id < b.id; });
-        for (const ActivitySegment& segment : sameStart) {
+                  [](const recording::ActivitySegment& a, const recording::ActivitySegment& b) {
+                      return a.id < b.id;
+                  });
+        for (const recording::ActivitySegment& segment : sameStart) {
             if (!visitor(session, segment)) {
                 return false;
             }
@@ -40,7 +43,7 @@ Result<bool, StoreError> visitSegmentsOf(SqliteStatement& segments, const StudyS
         if (!*row) {
             return visitSameStart();
         }
-        ActivitySegment segment = readSegment(segments);
+        recording::ActivitySegment segment = readSegment(segments);
         if (!sameStart.empty() && segment.startDate != sameStart.front().startDate &&
             !visitSameStart()) {
             return false;
@@ -52,7 +55,7 @@ Result<bool, StoreError> visitSegmentsOf(SqliteStatement& segments, const StudyS
 }  // namespace
 
 Result<std::unique_ptr<SqliteStatement>, StoreError> SqliteRecordingStore::prepareSessionWalk(
-    const SessionRange& range) {
+    const recording::SessionRange& range) {
     // Both bounds go through the (startDate, id) index, which also gives the
     // order, so no sort ever holds the selected sessions.
     std::string tail = "WHERE 1";
@@ -76,8 +79,8 @@ Result<std::unique_ptr<SqliteStatement>, StoreError> SqliteRecordingStore::prepa
     return statement;
 }
 
-Result<void, StoreError> SqliteRecordingStore::forEachSession(const SessionWalkQuery& query,
-                                                              const SessionVisitor& visitor) {
+Result<void, StoreError> SqliteRecordingStore::forEachSession(
+    const recording::SessionWalkQuery& query, const SessionVisitor& visitor) {
     auto sessions = prepareSessionWalk(query.range);
     if (!sessions) {
         return fail(sessions.error());
@@ -90,7 +93,7 @@ Result<void, StoreError> SqliteRecordingStore::forEachSession(const SessionWalkQ
         if (!*row) {
             return {};
         }
-        StudySession session = readSession(**sessions);
+        recording::StudySession session = readSession(**sessions);
         if (query.includeChildren) {
             // The children's cached statements run inside the walk's read
             // transaction and are back in the cache before the visitor runs.
@@ -104,8 +107,8 @@ Result<void, StoreError> SqliteRecordingStore::forEachSession(const SessionWalkQ
     }
 }
 
-Result<void, StoreError> SqliteRecordingStore::forEachSegment(const SegmentWalkQuery& query,
-                                                              const SegmentVisitor& visitor) {
+Result<void, StoreError> SqliteRecordingStore::forEachSegment(
+    const recording::SegmentWalkQuery& query, const SegmentVisitor& visitor) {
     std::vector<Uuid> selected;
     if (query.sessions) {
         if (query.sessions->empty()) {
@@ -123,7 +126,7 @@ Result<void, StoreError> SqliteRecordingStore::forEachSegment(const SegmentWalkQ
     if (!segments) {
         return fail(segments.error());
     }
-    std::vector<ActivitySegment> sameStart;
+    std::vector<recording::ActivitySegment> sameStart;
     while (true) {
         auto sessionRow = (*sessions)->step();
         if (!sessionRow) {
@@ -136,7 +139,7 @@ Result<void, StoreError> SqliteRecordingStore::forEachSegment(const SegmentWalkQ
             !std::binary_search(selected.begin(), selected.end(), (*sessions)->uuidAt(0))) {
             continue;
         }
-        const StudySession session = readSession(**sessions);
+        const recording::StudySession session = readSession(**sessions);
         (*segments)->bind(1, session.id);
         auto goOn = visitSegmentsOf(**segments, session, visitor, sameStart);
         if (!goOn) {
@@ -149,4 +152,4 @@ Result<void, StoreError> SqliteRecordingStore::forEachSegment(const SegmentWalkQ
     }
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

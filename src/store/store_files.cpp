@@ -1,6 +1,6 @@
 #include "store/store_files.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 std::filesystem::path storePath(const UserPaths& paths) {
     return paths.applicationData() / "lumenote.sqlite";
@@ -15,4 +15,4 @@ std::string storageOpenFailureMessage(const StoreError& error) {
            "). No study activity was recorded.";
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

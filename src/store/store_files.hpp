@@ -8,7 +8,7 @@
 #include "foundation/user_paths.hpp"
 #include "recording/recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 // $XDG_DATA_HOME/Lumenote/lumenote.sqlite
 std::filesystem::path storePath(const UserPaths& paths);
@@ -19,4 +19,4 @@ std::filesystem::path recorderLockPath(const UserPaths& paths);
 // The shell's sentence for a store that could not be opened, naming the reason.
 std::string storageOpenFailureMessage(const StoreError& error);
 
-}  // namespace lumenote
+}  // namespace lumenote::store

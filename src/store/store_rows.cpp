@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <initializer_list>
 
-namespace lumenote {
+namespace lumenote::store {
 
 namespace {
 
@@ -135,7 +135,7 @@ std::string selectSql(const TableLayout& layout, std::string_view tail) {
     return "SELECT " + layout.columnList + " FROM " + layout.table + " " + std::string(tail);
 }
 
-void bindRow(SqliteStatement& statement, const StudySession& session) {
+void bindRow(SqliteStatement& statement, const recording::StudySession& session) {
     statement.bind(1, session.id);
     statement.bind(2, session.subject);
     statement.bind(3, session.goal);
@@ -162,7 +162,7 @@ void bindRow(SqliteStatement& statement, const StudySession& session) {
     statement.bind(24, session.systemExcludedDurationStorage);
 }
 
-void bindRow(SqliteStatement& statement, const ActivitySegment& segment) {
+void bindRow(SqliteStatement& statement, const recording::ActivitySegment& segment) {
     statement.bind(1, segment.id);
     statement.bind(2, segment.startDate);
     statement.bind(3, segment.endDate);
@@ -182,7 +182,7 @@ void bindRow(SqliteStatement& statement, const ActivitySegment& segment) {
     statement.bind(17, segment.session);
 }
 
-void bindRow(SqliteStatement& statement, const ConfirmedNoInputInterval& interval) {
+void bindRow(SqliteStatement& statement, const recording::ConfirmedNoInputInterval& interval) {
     statement.bind(1, interval.id);
     statement.bind(2, interval.startDate);
     statement.bind(3, interval.endDate);
@@ -193,7 +193,7 @@ void bindRow(SqliteStatement& statement, const ConfirmedNoInputInterval& interva
     statement.bind(8, interval.session);
 }
 
-void bindRow(SqliteStatement& statement, const LocalPDFIdentity& identity) {
+void bindRow(SqliteStatement& statement, const classification::LocalPDFIdentity& identity) {
     statement.bind(1, identity.id);
     statement.bind(2, identity.browserBundleIdentifier);
     statement.bind(3, identity.displayLabelStorage);
@@ -203,27 +203,27 @@ void bindRow(SqliteStatement& statement, const LocalPDFIdentity& identity) {
     statement.bind(7, identity.session);
 }
 
-void bindRow(SqliteStatement& statement, const AppClassification& rule) {
+void bindRow(SqliteStatement& statement, const classification::AppClassification& rule) {
     statement.bind(1, rule.bundleIdentifier);
     statement.bind(2, rule.applicationName);
     statement.bind(3, rule.classificationRawValue);
     statement.bind(4, rule.updatedAt);
 }
 
-void bindRow(SqliteStatement& statement, const WebsiteClassification& rule) {
+void bindRow(SqliteStatement& statement, const classification::WebsiteClassification& rule) {
     statement.bind(1, rule.hostname);
     statement.bind(2, rule.classificationRawValue);
     statement.bind(3, rule.updatedAt);
 }
 
-void bindRow(SqliteStatement& statement, const LocalPDFPreferences& preferences) {
+void bindRow(SqliteStatement& statement, const classification::LocalPDFPreferences& preferences) {
     statement.bind(1, preferences.id);
     statement.bind(2, preferences.filenameLabelsEnabled);
     statement.bind(3, preferences.defaultClassificationRawValue);
 }
 
-StudySession readSession(const SqliteStatement& row) {
-    StudySession session;
+recording::StudySession readSession(const SqliteStatement& row) {
+    recording::StudySession session;
     session.id = row.uuidAt(0);
     session.subject = row.textAt(1);
     session.goal = row.textAt(2);
@@ -251,8 +251,8 @@ StudySession readSession(const SqliteStatement& row) {
     return session;
 }
 
-ActivitySegment readSegment(const SqliteStatement& row) {
-    ActivitySegment segment;
+recording::ActivitySegment readSegment(const SqliteStatement& row) {
+    recording::ActivitySegment segment;
     segment.id = row.uuidAt(0);
     segment.startDate = row.dateAt(1);
     segment.endDate = row.dateAt(2);
@@ -273,8 +273,8 @@ ActivitySegment readSegment(const SqliteStatement& row) {
     return segment;
 }
 
-ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row) {
-    ConfirmedNoInputInterval interval;
+recording::ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row) {
+    recording::ConfirmedNoInputInterval interval;
     interval.id = row.uuidAt(0);
     interval.startDate = row.dateAt(1);
     interval.endDate = row.dateAt(2);
@@ -286,8 +286,8 @@ ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row) {
     return interval;
 }
 
-LocalPDFIdentity readPDFIdentity(const SqliteStatement& row) {
-    LocalPDFIdentity identity;
+classification::LocalPDFIdentity readPDFIdentity(const SqliteStatement& row) {
+    classification::LocalPDFIdentity identity;
     identity.id = row.uuidAt(0);
     identity.browserBundleIdentifier = row.textAt(1);
     identity.displayLabelStorage = row.optionalTextAt(2);
@@ -298,20 +298,21 @@ LocalPDFIdentity readPDFIdentity(const SqliteStatement& row) {
     return identity;
 }
 
-AppClassification readAppClassification(const SqliteStatement& row) {
-    return AppClassification{row.textAt(0), row.textAt(1), row.textAt(2), row.dateAt(3)};
+classification::AppClassification readAppClassification(const SqliteStatement& row) {
+    return classification::AppClassification{row.textAt(0), row.textAt(1), row.textAt(2),
+                                             row.dateAt(3)};
 }
 
-WebsiteClassification readWebsiteClassification(const SqliteStatement& row) {
-    return WebsiteClassification{row.textAt(0), row.textAt(1), row.dateAt(2)};
+classification::WebsiteClassification readWebsiteClassification(const SqliteStatement& row) {
+    return classification::WebsiteClassification{row.textAt(0), row.textAt(1), row.dateAt(2)};
 }
 
-LocalPDFPreferences readLocalPDFPreferences(const SqliteStatement& row) {
-    LocalPDFPreferences preferences;
+classification::LocalPDFPreferences readLocalPDFPreferences(const SqliteStatement& row) {
+    classification::LocalPDFPreferences preferences;
     preferences.id = row.uuidAt(0);
     preferences.filenameLabelsEnabled = row.boolAt(1);
     preferences.defaultClassificationRawValue = row.textAt(2);
     return preferences;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

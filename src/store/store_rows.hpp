@@ -10,7 +10,7 @@
 #include "recording/session_records.hpp"
 #include "store/sqlite_connection.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 // One table: its columns in the order rows are bound (parameters 1...n) and
 // read (result columns 0...n-1), and its ready-made SQL.
@@ -42,24 +42,24 @@ const TableLayout& localPDFPreferencesLayout();
 std::string selectSql(const TableLayout& layout, std::string_view tail);
 
 // The session's own columns; its children are written separately.
-void bindRow(SqliteStatement& statement, const StudySession& session);
+void bindRow(SqliteStatement& statement, const recording::StudySession& session);
 // The owning session is bound as the last column: NULL when `session` is
 // empty, which the table refuses for segments and confirmations.
-void bindRow(SqliteStatement& statement, const ActivitySegment& segment);
-void bindRow(SqliteStatement& statement, const ConfirmedNoInputInterval& interval);
-void bindRow(SqliteStatement& statement, const LocalPDFIdentity& identity);
-void bindRow(SqliteStatement& statement, const AppClassification& rule);
-void bindRow(SqliteStatement& statement, const WebsiteClassification& rule);
-void bindRow(SqliteStatement& statement, const LocalPDFPreferences& preferences);
+void bindRow(SqliteStatement& statement, const recording::ActivitySegment& segment);
+void bindRow(SqliteStatement& statement, const recording::ConfirmedNoInputInterval& interval);
+void bindRow(SqliteStatement& statement, const classification::LocalPDFIdentity& identity);
+void bindRow(SqliteStatement& statement, const classification::AppClassification& rule);
+void bindRow(SqliteStatement& statement, const classification::WebsiteClassification& rule);
+void bindRow(SqliteStatement& statement, const classification::LocalPDFPreferences& preferences);
 
 // Readers of a row selected with the layout's column list. A session is read
 // without its children.
-StudySession readSession(const SqliteStatement& row);
-ActivitySegment readSegment(const SqliteStatement& row);
-ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row);
-LocalPDFIdentity readPDFIdentity(const SqliteStatement& row);
-AppClassification readAppClassification(const SqliteStatement& row);
-WebsiteClassification readWebsiteClassification(const SqliteStatement& row);
-LocalPDFPreferences readLocalPDFPreferences(const SqliteStatement& row);
+recording::StudySession readSession(const SqliteStatement& row);
+recording::ActivitySegment readSegment(const SqliteStatement& row);
+recording::ConfirmedNoInputInterval readConfirmedInterval(const SqliteStatement& row);
+classification::LocalPDFIdentity readPDFIdentity(const SqliteStatement& row);
+classification::AppClassification readAppClassification(const SqliteStatement& row);
+classification::WebsiteClassification readWebsiteClassification(const SqliteStatement& row);
+classification::LocalPDFPreferences readLocalPDFPreferences(const SqliteStatement& row);
 
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-namespace lumenote {
+namespace lumenote::store {
 
 namespace {
 
@@ -196,4 +196,4 @@ Result<void, StoreError> migrate(SqliteConnection& connection,
     return transaction->commit();
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store

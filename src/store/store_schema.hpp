@@ -9,7 +9,7 @@
 #include "recording/recording_store.hpp"
 #include "store/sqlite_connection.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 // One step of the layout. A released migration is never edited: a change of
 // layout is a new migration with the next number.
@@ -35,4 +35,4 @@ Result<long long, StoreError> recordedSchemaVersion(SqliteConnection& connection
 Result<void, StoreError> migrate(SqliteConnection& connection,
                                  std::span<const SchemaMigration> migrations);
 
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -11,28 +11,28 @@ namespace lumenote::terminal {
 
 namespace {
 
-std::string classificationName(ActivityClassification classification) {
+std::string classificationName(classification::ActivityClassification classification) {
     switch (classification) {
-        case ActivityClassification::focused:
+        case classification::ActivityClassification::focused:
             return "Focused";
-        case ActivityClassification::distracting:
+        case classification::ActivityClassification::distracting:
             return "Distracting";
-        case ActivityClassification::neutral:
+        case classification::ActivityClassification::neutral:
             return "Neutral";
-        case ActivityClassification::unclassified:
+        case classification::ActivityClassification::unclassified:
             return "Unclassified";
-        case ActivityClassification::ignored:
+        case classification::ActivityClassification::ignored:
             return "Ignored";
     }
     return {};
 }
 
 std::string timerText(const RecordingSnapshot& snapshot) {
-    if (snapshot.timingMode == SessionTimingMode::timer) {
+    if (snapshot.timingMode == recording::SessionTimingMode::timer) {
         const double left = std::max(0.0, snapshot.plannedDuration - snapshot.timerValue);
-        return clockDurationText(std::ceil(left)) + " left";
+        return recording::clockDurationText(std::ceil(left)) + " left";
     }
-    return clockDurationText(snapshot.timerValue);
+    return recording::clockDurationText(snapshot.timerValue);
 }
 
 // "2026-11-16 09:30" in the user's time zone.
@@ -46,49 +46,53 @@ std::string localMinuteText(Date date, const LocalCalendar& calendar) {
 
 std::string statusLine(const RecordingSnapshot& snapshot) {
     std::string line = snapshot.subject + " · ";
-    if (snapshot.status == StudySessionStatus::paused) {
-        return line + fmt::format("Paused {} · {} done", clockDurationText(snapshot.pauseDuration),
-                                  clockDurationText(snapshot.timerValue));
+    if (snapshot.status == recording::StudySessionStatus::paused) {
+        return line + fmt::format("Paused {} · {} done",
+                                  recording::clockDurationText(snapshot.pauseDuration),
+                                  recording::clockDurationText(snapshot.timerValue));
     }
     line += timerText(snapshot) + " · ";
     if (snapshot.sleeping) {
         return line + "Computer asleep or locked";
     }
     switch (snapshot.liveState) {
-        case LiveStudyState::passiveStudy:
-            return line + std::string(kStudyingAwayFromMac);
-        case LiveStudyState::unconfirmedNoInput:
+        case recording::LiveStudyState::passiveStudy:
+            return line + std::string(recording::kStudyingAwayFromMac);
+        case recording::LiveStudyState::unconfirmedNoInput:
             return line + "No input · " + snapshot.activityName;
-        case LiveStudyState::computerActivity:
+        case recording::LiveStudyState::computerActivity:
             break;
     }
     return line + snapshot.activityName + " · " + classificationName(snapshot.classification);
 }
 
 std::string keyHelp(bool paused, bool away) {
-    return fmt::format("[p] {}  [a] {}  [e] end  [q] quit", paused ? "resume" : "pause",
-                       away ? kBackToComputerStudyControl : kStudyAwayControl);
+    return fmt::format(
+        "[p] {}  [a] {}  [e] end  [q] quit", paused ? "resume" : "pause",
+        away ? recording::kBackToComputerStudyControl : recording::kStudyAwayControl);
 }
 
-std::string promptQuestion(const NoInputClassificationPrompt& prompt,
+std::string promptQuestion(const recording::NoInputClassificationPrompt& prompt,
                            const LocalCalendar& calendar) {
-    std::string text =
-        fmt::format("{}\n{}\n", kNoInputSheetTitle, noInputPromptText(prompt, calendar));
-    if (asksToEndSession(prompt)) {
-        text += fmt::format("{}\n[x] {}  ", kLeftRunningExplanation, kEndSessionThereAnswer);
+    std::string text = fmt::format("{}\n{}\n", recording::kNoInputSheetTitle,
+                                   recording::noInputPromptText(prompt, calendar));
+    if (recording::asksToEndSession(prompt)) {
+        text += fmt::format("{}\n[x] {}  ", recording::kLeftRunningExplanation,
+                            recording::kEndSessionThereAnswer);
     }
-    return text + fmt::format("[s] {}  [b] {}  [l] {}", kStudyingAwayFromMac, kBreakAnswer,
-                              kLeaveUnconfirmedAnswer);
+    return text + fmt::format("[s] {}  [b] {}  [l] {}", recording::kStudyingAwayFromMac,
+                              recording::kBreakAnswer, recording::kLeaveUnconfirmedAnswer);
 }
 
-std::string recoveryOffer(const ActiveSessionRecoverySummary& summary, const std::string& subject,
-                          const LocalCalendar& calendar) {
+std::string recoveryOffer(const recording::ActiveSessionRecoverySummary& summary,
+                          const std::string& subject, const LocalCalendar& calendar) {
     return fmt::format(
         "{}\n{}\n\"{}\" started {}; {} confirmed, {} after the last confirmed moment left "
         "out.\n[c] {}  [e] end it as interrupted",
-        kRecoveryPromptTitle, kRecoveryPromptDetail, subject,
-        localMinuteText(summary.startTime, calendar), clockDurationText(summary.confirmedDuration),
-        clockDurationText(summary.uncertainDuration), kContinueFromNowAction);
+        recording::kRecoveryPromptTitle, recording::kRecoveryPromptDetail, subject,
+        localMinuteText(summary.startTime, calendar),
+        recording::clockDurationText(summary.confirmedDuration),
+        recording::clockDurationText(summary.uncertainDuration), recording::kContinueFromNowAction);
 }
 
 std::string quitQuestion() {
@@ -98,10 +102,10 @@ std::string quitQuestion() {
            "Interrupted";
 }
 
-std::string sessionSummary(const StudySession& session) {
-    using namespace TrackingCalculationService;
+std::string sessionSummary(const recording::StudySession& session) {
+    using namespace recording::TrackingCalculationService;
     std::string text = fmt::format("{} — {} after {}\n", session.subject, session.statusRawValue,
-                                   clockDurationText(session.timerDuration));
+                                   recording::clockDurationText(session.timerDuration));
     const std::pair<std::string_view, double> totals[] = {
         {"Focused", session.focusedDuration},
         {"Distracting", session.distractedDuration},
@@ -109,20 +113,20 @@ std::string sessionSummary(const StudySession& session) {
         {"Unclassified", session.unclassifiedDuration()},
         {"No input", session.inactiveDuration},
         {"Ignored", session.ignoredDuration()},
-        {kStudyingAwayFromMac, session.passiveStudyDuration()},
+        {recording::kStudyingAwayFromMac, session.passiveStudyDuration()},
         {"Break", session.confirmedBreakDuration()},
         {"Computer asleep or locked", session.systemExcludedDuration()},
     };
     for (const auto& [name, seconds] : totals) {
         if (seconds >= 0.5) {
-            text += fmt::format("  {:<32}{}\n", name, clockDurationText(seconds));
+            text += fmt::format("  {:<32}{}\n", name, recording::clockDurationText(seconds));
         }
     }
     const double evidence = session.focusedDuration + session.distractedDuration;
     const auto score = displayableFocusScore(session.focusScore, evidence);
     if (score) {
         text += fmt::format("Focus score {} · {}\n", formatFocusScore(score),
-                            formatScoreCoverage(storedCoverage(session)));
+                            formatScoreCoverage(recording::storedCoverage(session)));
     } else {
         text += std::string(kNotEnoughEvidenceToShowScoreText) + "\n";
     }

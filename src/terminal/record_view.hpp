@@ -16,14 +16,15 @@ namespace lumenote::terminal {
 // What the live line is drawn from.
 struct RecordingSnapshot {
     std::string subject;
-    StudySessionStatus status = StudySessionStatus::running;
-    SessionTimingMode timingMode = SessionTimingMode::timer;
+    recording::StudySessionStatus status = recording::StudySessionStatus::running;
+    recording::SessionTimingMode timingMode = recording::SessionTimingMode::timer;
     double plannedDuration = 0.0;  // seconds
     double timerValue = 0.0;       // seconds counted so far
     double pauseDuration = 0.0;    // seconds of the current pause
-    LiveStudyState liveState = LiveStudyState::computerActivity;
+    recording::LiveStudyState liveState = recording::LiveStudyState::computerActivity;
     std::string activityName;  // application, website or PDF label
-    ActivityClassification classification = ActivityClassification::unclassified;
+    classification::ActivityClassification classification =
+        classification::ActivityClassification::unclassified;
     bool sleeping = false;
 };
 
@@ -36,18 +37,18 @@ std::string statusLine(const RecordingSnapshot& snapshot);
 std::string keyHelp(bool paused, bool away);
 
 // The no-input question with its answer keys.
-std::string promptQuestion(const NoInputClassificationPrompt& prompt,
+std::string promptQuestion(const recording::NoInputClassificationPrompt& prompt,
                            const LocalCalendar& calendar);
 
 // The recovery offer at start with its choices.
-std::string recoveryOffer(const ActiveSessionRecoverySummary& summary, const std::string& subject,
-                          const LocalCalendar& calendar);
+std::string recoveryOffer(const recording::ActiveSessionRecoverySummary& summary,
+                          const std::string& subject, const LocalCalendar& calendar);
 
 // The question asked when quitting while a session is active.
 std::string quitQuestion();
 
 // The end-of-session summary: subject, status, duration, every total that is
 // not zero, the focus score (or why there is none) and its coverage.
-std::string sessionSummary(const StudySession& session);
+std::string sessionSummary(const recording::StudySession& session);
 
 }  // namespace lumenote::terminal

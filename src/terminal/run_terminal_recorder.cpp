@@ -21,10 +21,10 @@ namespace {
 // Runs `use` over the user's template store.
 template <typename Use>
 auto withTemplates(const UserPaths& paths, Use use) {
-    SystemWallClock clock;
-    FileSessionTemplateRepository repository(FileSessionTemplateRepository::pathFor(paths),
-                                             [&clock] { return clock.now(); });
-    SessionTemplateStore templates(repository, [&clock] { return clock.now(); });
+    platform::system::SystemWallClock clock;
+    settings::FileSessionTemplateRepository repository(
+        settings::FileSessionTemplateRepository::pathFor(paths), [&clock] { return clock.now(); });
+    settings::SessionTemplateStore templates(repository, [&clock] { return clock.now(); });
     return use(templates);
 }
 
@@ -32,9 +32,9 @@ auto withTemplates(const UserPaths& paths, Use use) {
 // template is marked used only once the session exists (see runRecorder).
 // Fails with the sentence to show.
 Result<void, std::string> applyTemplate(const RecorderOptions& options,
-                                        SessionTemplateStore& templates,
-                                        SessionStartRequest& request) {
-    const SessionTemplate* chosen = templates.findByName(*options.templateName);
+                                        settings::SessionTemplateStore& templates,
+                                        recording::SessionStartRequest& request) {
+    const settings::SessionTemplate* chosen = templates.findByName(*options.templateName);
     if (chosen == nullptr) {
         if (const auto id = Uuid::parse(*options.templateName)) {
             chosen = templates.find(*id);
@@ -64,9 +64,9 @@ Result<void, std::string> applyTemplate(const RecorderOptions& options,
 
 int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ostream& out,
                 std::ostream& err) {
-    SessionStartRequest request = options.request;
+    recording::SessionStartRequest request = options.request;
     if (options.templateName) {
-        auto applied = withTemplates(paths, [&](SessionTemplateStore& templates) {
+        auto applied = withTemplates(paths, [&](settings::SessionTemplateStore& templates) {
             return applyTemplate(options, templates, request);
         });
         if (!applied.ok()) {
@@ -90,12 +90,12 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
     }
 
     RawTerminal terminal(STDIN_FILENO);
-    PreferencesStore& preferences = (*services)->preferences();
+    settings::PreferencesStore& preferences = (*services)->preferences();
     TerminalRecorder::Setup setup{out, options.interactive};
     setup.startRequest = request;
-    setup.sessionStarted = [&paths](const StudySession& session) {
+    setup.sessionStarted = [&paths](const recording::StudySession& session) {
         if (const auto templateID = session.originatingTemplateID()) {
-            (void)withTemplates(paths, [&](SessionTemplateStore& templates) {
+            (void)withTemplates(paths, [&](settings::SessionTemplateStore& templates) {
                 return templates.markUsed(*templateID);
             });
         }

@@ -14,7 +14,7 @@
 namespace lumenote::terminal {
 
 struct RecorderOptions {
-    SessionStartRequest request;  // an empty subject is asked for on a terminal
+    recording::SessionStartRequest request;  // an empty subject is asked for on a terminal
     // A template's name or id: its subject, goal, duration and timing apply
     // where the options did not set them.
     std::optional<std::string> templateName;

@@ -13,7 +13,7 @@ namespace lumenote::terminal {
 
 namespace {
 
-using PromptAnswer = SessionManager::NoInputPromptAnswer;
+using PromptAnswer = recording::SessionManager::NoInputPromptAnswer;
 using runtime::RecorderControl;
 
 }  // namespace
@@ -89,14 +89,15 @@ bool TerminalRecorder::startSession() {
     if (!runtime_.start(setup_.startRequest).ok()) {
         return false;
     }
-    const StudySession& session = *manager().activeSession();
+    const recording::StudySession& session = *manager().activeSession();
     if (setup_.sessionStarted) {
         setup_.sessionStarted(session);
     }
-    say(fmt::format("Recording \"{}\"{}.", session.subject,
-                    session.timingMode() == SessionTimingMode::timer
-                        ? fmt::format(" for {}", clockDurationText(session.plannedDuration))
-                        : std::string(", open-ended")));
+    say(fmt::format(
+        "Recording \"{}\"{}.", session.subject,
+        session.timingMode() == recording::SessionTimingMode::timer
+            ? fmt::format(" for {}", recording::clockDurationText(session.plannedDuration))
+            : std::string(", open-ended")));
     if (setup_.interactive) {
         say(keyHelp(false, false));
     } else {
@@ -110,28 +111,28 @@ void TerminalRecorder::refresh() {
     draw();
 }
 
-void TerminalRecorder::controlled(RecorderControl control) {
-    const bool away = manager().liveStudyState() == LiveStudyState::passiveStudy;
-    const bool paused = manager().activeSession() &&
-                        manager().activeSession()->status() == StudySessionStatus::paused;
+void TerminalRecorder::controlled(runtime::RecorderControl control) {
+    const bool away = manager().liveStudyState() == recording::LiveStudyState::passiveStudy;
+    const bool paused = manager().activeSession() && manager().activeSession()->status() ==
+                                                         recording::StudySessionStatus::paused;
     switch (control) {
-        case RecorderControl::pause:
+        case runtime::RecorderControl::pause:
             say("Paused.");
             break;
-        case RecorderControl::resume:
+        case runtime::RecorderControl::resume:
             say("Resumed.");
             break;
-        case RecorderControl::away:
+        case runtime::RecorderControl::away:
             if (setup_.introduceAwayStudy && setup_.introduceAwayStudy()) {
-                say(std::string(kPassiveStudyIntroduction));
+                say(std::string(recording::kPassiveStudyIntroduction));
             }
-            say(fmt::format("{}.", kStudyingAwayFromMac));
+            say(fmt::format("{}.", recording::kStudyingAwayFromMac));
             break;
-        case RecorderControl::back:
-            say(fmt::format("{}.", kBackToComputerStudyControl));
+        case runtime::RecorderControl::back:
+            say(fmt::format("{}.", recording::kBackToComputerStudyControl));
             break;
-        case RecorderControl::end:
-        case RecorderControl::status:
+        case runtime::RecorderControl::end:
+        case runtime::RecorderControl::status:
             return;
     }
     // The keys' meanings follow the state: p resumes, a comes back.
@@ -144,18 +145,19 @@ void TerminalRecorder::showError(const std::string& message) {
     say(message);
 }
 
-void TerminalRecorder::noInputQuestionArrived(const NoInputClassificationPrompt& prompt) {
+void TerminalRecorder::noInputQuestionArrived(
+    const recording::NoInputClassificationPrompt& prompt) {
     if (setup_.interactive) {
         ask(Question::prompt, promptQuestion(prompt, calendar_));
         return;
     }
     // No questions without a terminal: the time stays unconfirmed and can be
     // relabelled afterwards.
-    say(noInputPromptText(prompt, calendar_) + " Left unconfirmed; relabel it later.");
+    say(recording::noInputPromptText(prompt, calendar_) + " Left unconfirmed; relabel it later.");
     (void)runtime_.answerNoInputQuestion(PromptAnswer::leaveUnconfirmed);
 }
 
-void TerminalRecorder::sessionEnded(const std::optional<StudySession>& finished) {
+void TerminalRecorder::sessionEnded(const std::optional<recording::StudySession>& finished) {
     ended_ = true;
     if (finished) {
         if (setup_.interactive) {
@@ -206,7 +208,7 @@ void TerminalRecorder::handleKey(char key) {
             (void)runtime_.togglePause();
             break;
         case 'a':
-            (void)(manager().liveStudyState() == LiveStudyState::passiveStudy
+            (void)(manager().liveStudyState() == recording::LiveStudyState::passiveStudy
                        ? runtime_.returnToComputerStudy()
                        : runtime_.startPassiveStudy());
             break;

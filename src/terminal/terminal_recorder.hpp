@@ -25,9 +25,9 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
         bool interactive = false;
         // The session to start once a pending recovery is settled; nullopt
         // when a recovered session was continued instead.
-        SessionStartRequest startRequest;
+        recording::SessionStartRequest startRequest;
         // Called once the session of `startRequest` exists; may be empty.
-        std::function<void(const StudySession&)> sessionStarted;
+        std::function<void(const recording::StudySession&)> sessionStarted;
         // True once, on the first use of studying away from the computer,
         // when its introduction is to be shown (and marks it shown).
         std::function<bool()> introduceAwayStudy;
@@ -49,14 +49,14 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
     void refresh() override;
     void controlled(runtime::RecorderControl control) override;
     void showError(const std::string& message) override;
-    void noInputQuestionArrived(const NoInputClassificationPrompt& prompt) override;
-    void sessionEnded(const std::optional<StudySession>& finished) override;
+    void noInputQuestionArrived(const recording::NoInputClassificationPrompt& prompt) override;
+    void sessionEnded(const std::optional<recording::StudySession>& finished) override;
     void terminated(const std::string& reason) override;
 
   private:
     enum class Question { none, subject, recovery, prompt, quit };
 
-    SessionManager& manager() { return runtime_.manager(); }
+    recording::SessionManager& manager() { return runtime_.manager(); }
     void onKey();
     void handleKey(char key);
     void answerSubject(char key);

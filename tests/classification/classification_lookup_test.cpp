@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 using C = ActivityClassification;
@@ -154,4 +154,4 @@ TEST_F(ClassificationLookupTest, SavedAndClearedRulesReachTheLookup) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 using F = ClassificationFailure;
@@ -41,4 +41,4 @@ TEST(ClassificationMessagesTest, EveryFailureHasACompleteSentence) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::classification

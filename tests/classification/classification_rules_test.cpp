@@ -7,7 +7,7 @@
 
 #include <map>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 using C = ActivityClassification;
@@ -198,4 +198,4 @@ TEST_F(ClassificationRulesTest, APDFMetFirstIsSavedOnceWithTheSession) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::classification

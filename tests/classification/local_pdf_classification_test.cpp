@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 using C = ActivityClassification;
@@ -143,4 +143,4 @@ TEST(WithoutFilenameLabelsTest, ClearsOnlyFilenameDerivedLabels) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::classification

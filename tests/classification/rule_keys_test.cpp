@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 TEST(NormalizedHostnameTest, GivesTheStoredForm) {
@@ -38,4 +38,4 @@ TEST(NormalizedHostnameTest, NormalisingTwiceDropsASecondDot) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::classification

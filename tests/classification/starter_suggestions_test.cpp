@@ -7,7 +7,7 @@
 
 #include "classification/rule_keys.hpp"
 
-namespace lumenote {
+namespace lumenote::classification {
 namespace {
 
 using C = ActivityClassification;
@@ -110,4 +110,4 @@ TEST(StarterTablesTest, SettingsRowsFollowTheTablesWithDistinctKeys) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::classification

@@ -43,8 +43,8 @@ class HistoryCommandTest : public ::testing::Test {
         return outcome.ok() ? outcome->sessions : nlohmann::json::array();
     }
 
-    std::unique_ptr<SqliteRecordingStore> openStore() {
-        auto store = SqliteRecordingStore::open(storePath(home_.paths()));
+    std::unique_ptr<store::SqliteRecordingStore> openStore() {
+        auto store = store::SqliteRecordingStore::open(store::storePath(home_.paths()));
         EXPECT_TRUE(store.ok()) << (store.ok() ? "" : store.error().description);
         return store.ok() ? std::move(store).value() : nullptr;
     }

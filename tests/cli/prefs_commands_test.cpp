@@ -19,7 +19,7 @@ class PrefsCommandsTest : public ::testing::Test {
         return testing::runIn(home_, arguments);
     }
     std::filesystem::path defaultsPath() const {
-        return JsonFileDefaultsDomain::pathFor(home_.paths());
+        return settings::JsonFileDefaultsDomain::pathFor(home_.paths());
     }
     nlohmann::json stored() const {
         return nlohmann::json::parse(lumenote::testing::readFile(defaultsPath()));
@@ -109,7 +109,7 @@ TEST_F(PrefsCommandsTest, ListShowsEveryKeyAndMarksDefaults) {
     std::istringstream lines(list.out);
     std::string line;
     std::size_t count = 0;
-    for (const PreferenceKeyInfo& info : preferenceKeyCatalog()) {
+    for (const settings::PreferenceKeyInfo& info : settings::preferenceKeyCatalog()) {
         ASSERT_TRUE(std::getline(lines, line));
         EXPECT_EQ(line.rfind(std::string(info.key) + " ", 0), 0U) << line;
         const bool changed = info.key == "personalisation.dailyStudyGoalMinutes";

@@ -31,8 +31,8 @@ TEST_F(RecoveryCommandTest, StatusShowsTheOfferAndEndClosesTheSessionAsInterrupt
     const auto stored = openStore()->listSessions({.includeChildren = true});
     ASSERT_TRUE(stored.ok());
     ASSERT_EQ(stored->size(), 1u);
-    const StudySession& session = (*stored)[0];
-    EXPECT_EQ(session.status(), StudySessionStatus::interrupted);
+    const recording::StudySession& session = (*stored)[0];
+    EXPECT_EQ(session.status(), recording::StudySessionStatus::interrupted);
     // The last confirmed boundary is the save of the growing segment at 420,
     // the last save cadence before the crash at 430.
     EXPECT_DOUBLE_EQ(session.timerDuration, 420.0);
@@ -42,7 +42,7 @@ TEST_F(RecoveryCommandTest, StatusShowsTheOfferAndEndClosesTheSessionAsInterrupt
 
 TEST_F(RecoveryCommandTest, IsRefusedWhileARecorderHoldsTheLock) {
     record(kCrashedRecording);
-    auto lock = RecorderLock::acquire(recorderLockPath(home_.paths()));
+    auto lock = store::RecorderLock::acquire(store::recorderLockPath(home_.paths()));
     ASSERT_TRUE(lock.ok());
     const CliRun refused = run({"recovery", "end"});
     EXPECT_EQ(refused.status, 1);

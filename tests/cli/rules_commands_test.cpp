@@ -8,15 +8,15 @@ namespace {
 
 class RulesCommandTest : public HistoryCommandTest {
   protected:
-    std::vector<AppClassification> applicationRules() {
+    std::vector<classification::AppClassification> applicationRules() {
         auto rules = openStore()->appClassifications();
         EXPECT_TRUE(rules.ok());
-        return rules.ok() ? *rules : std::vector<AppClassification>{};
+        return rules.ok() ? *rules : std::vector<classification::AppClassification>{};
     }
-    std::vector<WebsiteClassification> websiteRules() {
+    std::vector<classification::WebsiteClassification> websiteRules() {
         auto rules = openStore()->websiteClassifications();
         EXPECT_TRUE(rules.ok());
-        return rules.ok() ? *rules : std::vector<WebsiteClassification>{};
+        return rules.ok() ? *rules : std::vector<classification::WebsiteClassification>{};
     }
 };
 
@@ -112,8 +112,9 @@ TEST_F(RulesCommandTest, StarterListsBothTablesWithTheirCounts) {
     // Every row appears in its own table with its key and classification.
     const std::string websiteSection = starter.out.substr(0, applications);
     const std::string applicationSection = starter.out.substr(applications);
-    for (const auto& [rows, section] : {std::pair{starterWebsiteRows(), &websiteSection},
-                                        std::pair{starterApplicationRows(), &applicationSection}}) {
+    for (const auto& [rows, section] :
+         {std::pair{classification::starterWebsiteRows(), &websiteSection},
+          std::pair{classification::starterApplicationRows(), &applicationSection}}) {
         for (const auto& row : rows) {
             const auto at = section->find("  " + row.name + " ");
             ASSERT_NE(at, std::string::npos) << row.name;

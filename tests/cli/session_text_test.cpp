@@ -21,15 +21,15 @@ TEST(SessionTextTest, ClockDurationsDropFractionsAndNeverGoNegative) {
         {std::numeric_limits<double>::infinity(), "0:00:00"},
     };
     for (const auto& [seconds, text] : cases) {
-        EXPECT_EQ(clockDurationText(seconds), text) << seconds;
+        EXPECT_EQ(recording::clockDurationText(seconds), text) << seconds;
     }
 }
 
 TEST(SessionTextTest, CoverageCountsEvidenceAgainstAccountedTimeOnly) {
-    StudySession session;
+    recording::StudySession session;
     session.focusedDuration = 0.25;
     session.neutralDuration = 0.5;
-    EXPECT_EQ(storedCoverage(session), std::nullopt);  // under one second accounted
+    EXPECT_EQ(recording::storedCoverage(session), std::nullopt);  // under one second accounted
 
     session.focusedDuration = 30.0;
     session.distractedDuration = 30.0;
@@ -39,14 +39,14 @@ TEST(SessionTextTest, CoverageCountsEvidenceAgainstAccountedTimeOnly) {
     // Ignored and system-excluded time are no part of the accounted time.
     session.setIgnoredDuration(500.0);
     session.setSystemExcludedDuration(500.0);
-    ASSERT_TRUE(storedCoverage(session).has_value());
-    EXPECT_DOUBLE_EQ(*storedCoverage(session), 50.0);
+    ASSERT_TRUE(recording::storedCoverage(session).has_value());
+    EXPECT_DOUBLE_EQ(*recording::storedCoverage(session), 50.0);
 }
 
 TEST(SessionTextTest, LongOrMultiLineSubjectsStayOnOneLineOfTheTable) {
-    StudySession session(Uuid{}, std::string(38, 'x') + "\nÜberlang und mehr", "", 600,
-                         Date{800000000});
-    session.setStatus(StudySessionStatus::completed);
+    recording::StudySession session(Uuid{}, std::string(38, 'x') + "\nÜberlang und mehr", "", 600,
+                                    Date{800000000});
+    session.setStatus(recording::StudySessionStatus::completed);
     const std::string table = sessionTableText({session}, LocalCalendar::utc());
     const auto firstBreak = table.find('\n');
     ASSERT_NE(firstBreak, std::string::npos);
@@ -63,16 +63,18 @@ bool contains(const std::string& text, std::string_view part) {
 
 // A finished session with one no-input stretch of `quietSeconds` between two
 // minutes of activity.
-StudySession sessionWithQuiet(double quietSeconds, TrackingCalculationVersion version) {
-    StudySession session(Uuid::generate(), "Reading", "", 3600, Date{1000});
-    session.setStatus(StudySessionStatus::completed);
+recording::StudySession sessionWithQuiet(double quietSeconds,
+                                         recording::TrackingCalculationVersion version) {
+    recording::StudySession session(Uuid::generate(), "Reading", "", 3600, Date{1000});
+    session.setStatus(recording::StudySessionStatus::completed);
     session.endDate = Date{1000 + 240 + quietSeconds};
     session.setCalculationVersion(version);
     const double times[][2] = {{0, 120}, {120, quietSeconds}, {120 + quietSeconds, 120}};
     for (int i = 0; i < 3; ++i) {
-        ActivitySegment segment(Uuid::generate(), Date{1000 + times[i][0]},
-                                Date{1000 + times[i][0] + times[i][1]}, times[i][1], "Editor",
-                                "org.example.Editor", ActivityClassification::focused, i == 1);
+        recording::ActivitySegment segment(Uuid::generate(), Date{1000 + times[i][0]},
+                                           Date{1000 + times[i][0] + times[i][1]}, times[i][1],
+                                           "Editor", "org.example.Editor",
+                                           classification::ActivityClassification::focused, i == 1);
         segment.session = session.id;
         session.segments.push_back(segment);
     }
@@ -83,7 +85,8 @@ TEST(SessionTextTest, DetailCountsShortGapsAgainstTheUsersThresholds) {
     const LocalCalendar utc = LocalCalendar::utc();
     // 60 recorded seconds of no input began 90 seconds after the last input:
     // 150 seconds, short of a 300-second prompt threshold, long for a 120-second one.
-    const StudySession session = sessionWithQuiet(60, TrackingCalculationVersion::v3);
+    const recording::StudySession session =
+        sessionWithQuiet(60, recording::TrackingCalculationVersion::v3);
     EXPECT_TRUE(contains(sessionDetailText(session, utc, {300, 90}), "1 short unconfirmed gap."));
     EXPECT_FALSE(contains(sessionDetailText(session, utc, {120, 90}), "short unconfirmed"));
 }
@@ -91,11 +94,11 @@ TEST(SessionTextTest, DetailCountsShortGapsAgainstTheUsersThresholds) {
 TEST(SessionTextTest, DetailExplainsTheCalculationItWasComputedUnder) {
     const LocalCalendar utc = LocalCalendar::utc();
     const std::string current =
-        sessionDetailText(sessionWithQuiet(600, TrackingCalculationVersion::v3), utc);
+        sessionDetailText(sessionWithQuiet(600, recording::TrackingCalculationVersion::v3), utc);
     EXPECT_TRUE(contains(current, "Calculation v3 keeps the v2 computer focus score unchanged"));
     EXPECT_FALSE(contains(current, "recorded before confirmed off-Mac study existed"));
     const std::string older =
-        sessionDetailText(sessionWithQuiet(600, TrackingCalculationVersion::v2), utc);
+        sessionDetailText(sessionWithQuiet(600, recording::TrackingCalculationVersion::v2), utc);
     EXPECT_TRUE(contains(older, "Calculation v2 reconciles overlapping activity"));
     EXPECT_TRUE(
         contains(older, "This session was recorded before confirmed off-Mac study existed"));

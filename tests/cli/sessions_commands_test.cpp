@@ -56,11 +56,11 @@ std::string repeated(std::string_view piece, std::size_t count) {
 
 class SessionsCommandTest : public HistoryCommandTest {
   protected:
-    StudySession stored(const std::string& id) {
+    recording::StudySession stored(const std::string& id) {
         auto store = openStore();
         auto loaded = store->loadSession(*Uuid::parse(id));
         EXPECT_TRUE(loaded.ok() && loaded->has_value()) << id;
-        return loaded.ok() && loaded->has_value() ? **loaded : StudySession{};
+        return loaded.ok() && loaded->has_value() ? **loaded : recording::StudySession{};
     }
     std::size_t storedCount() {
         auto count = openStore()->sessionCount();
@@ -169,13 +169,13 @@ TEST_F(SessionsCommandTest, ShowExplainsSystemTimeAwayStudyAndFocusRuns) {
 TEST_F(SessionsCommandTest, IdsThatAreAmbiguousUnknownOrMalformedAreRefused) {
     {
         auto store = openStore();
-        StoreChangeSet changes;
+        recording::StoreChangeSet changes;
         double start = 800000000;
         for (const char* text :
              {"12345678-AAAA-4000-8000-000000000001", "12345678-BBBB-4000-8000-000000000002"}) {
             start += 1000;
-            StudySession session(*Uuid::parse(text), "Stored", "", 600, Date{start});
-            session.setStatus(StudySessionStatus::completed);
+            recording::StudySession session(*Uuid::parse(text), "Stored", "", 600, Date{start});
+            session.setStatus(recording::StudySessionStatus::completed);
             session.endDate = session.startDate.addingSeconds(600);
             changes.sessions.push_back(session);
         }
@@ -255,7 +255,7 @@ TEST_F(SessionsCommandTest, EditKeepsTheLimitsOfTheApplication) {
         const CliRun edited = run(arguments);
         EXPECT_EQ(edited.status, c.error.empty() ? 0 : 1) << c.options[0];
         EXPECT_EQ(edited.err, c.error.empty() ? "" : c.error + "\n") << c.options[0];
-        const StudySession session = stored(id);
+        const recording::StudySession session = stored(id);
         EXPECT_EQ(session.subject, c.subject) << c.options[0];
         EXPECT_EQ(session.goal, c.goal) << c.options[0];
         EXPECT_EQ(session.notes(), c.notes) << c.options[0];
@@ -281,7 +281,7 @@ TEST_F(SessionsCommandTest, ALiveSessionInTheStoreBlocksDeletionResetAndItsOwnEd
     const std::string finished = recorded[0]["id"];
     const std::string live = recorded[1]["id"];
     ASSERT_EQ(recorded[1]["status"], "paused");
-    const StudySession liveBefore = stored(live);
+    const recording::StudySession liveBefore = stored(live);
 
     struct Case {
         std::vector<std::string> arguments;
@@ -322,7 +322,7 @@ TEST_F(SessionsCommandTest, DeleteRemovesExactlyTheNamedSessions) {
         run({"delete", lowercased(monday.substr(0, 8)), lowercased(wednesday), monday});
     ASSERT_EQ(deleted.status, 0) << deleted.err;
     EXPECT_EQ(deleted.out, "2 sessions deleted.\n");
-    auto listed = openStore()->listSessions(SessionQuery{});
+    auto listed = openStore()->listSessions(recording::SessionQuery{});
     ASSERT_TRUE(listed.ok());
     ASSERT_EQ(listed->size(), 1u);
     EXPECT_EQ(listed->front().id.upperString(), tuesday);

@@ -23,7 +23,7 @@ class TemplatesCommandsTest : public ::testing::Test {
             {"templates", "add", "--name", name, "--subject", "Maths", "--duration", duration});
     }
     std::filesystem::path templatesPath() const {
-        return FileSessionTemplateRepository::pathFor(home_.paths());
+        return settings::FileSessionTemplateRepository::pathFor(home_.paths());
     }
 
     lumenote::testing::TemporaryHome home_;
@@ -146,7 +146,7 @@ TEST_F(TemplatesCommandsTest, ATemplateIsMarkedUsedOnlyOnceItsSessionStarts) {
     const std::string neverUsed = "Last used: never\n";
     ASSERT_THAT(run({"templates", "show", "Deep work"}).out, HasSubstr(neverUsed));
     // Another recorder holds the lock: the session cannot start.
-    auto lock = RecorderLock::acquire(recorderLockPath(home_.paths()));
+    auto lock = store::RecorderLock::acquire(store::recorderLockPath(home_.paths()));
     ASSERT_TRUE(lock.ok());
     const CliRun refused = run({"record", "--template", "Deep work"});
     EXPECT_EQ(refused.status, 1);

@@ -65,14 +65,14 @@ class StubRecorder final : public lumenote::runtime::RecorderCommandHandler {
         lumenote::runtime::RecorderStatus status;
         status.sessionActive = active_;
         status.subject = "Étude – Ω";
-        status.state =
-            paused_ ? lumenote::StudySessionStatus::paused : lumenote::StudySessionStatus::running;
+        status.state = paused_ ? lumenote::recording::StudySessionStatus::paused
+                               : lumenote::recording::StudySessionStatus::running;
         status.elapsedSeconds = 61.7;
         status.remainingSeconds = 1438.3;
         status.currentActivity = "Probe";
-        status.currentClassification = lumenote::ActivityClassification::focused;
-        status.studyState = away_ ? lumenote::LiveStudyState::passiveStudy
-                                  : lumenote::LiveStudyState::computerActivity;
+        status.currentClassification = lumenote::classification::ActivityClassification::focused;
+        status.studyState = away_ ? lumenote::recording::LiveStudyState::passiveStudy
+                                  : lumenote::recording::LiveStudyState::computerActivity;
         return status;
     }
 
@@ -83,10 +83,11 @@ class StubRecorder final : public lumenote::runtime::RecorderCommandHandler {
     bool away_ = false;
 };
 
-nlohmann::json statusJson(const lumenote::SystemEventSourceStatus& status) {
+nlohmann::json statusJson(
+    const lumenote::platform::linux_desktop::SystemEventSourceStatus& status) {
     nlohmann::json gaps = nlohmann::json::array();
-    for (const auto gap : lumenote::systemEventGaps(status)) {
-        gaps.push_back(lumenote::systemEventGapMessage(gap));
+    for (const auto gap : lumenote::platform::linux_desktop::systemEventGaps(status)) {
+        gaps.push_back(lumenote::platform::linux_desktop::systemEventGapMessage(gap));
     }
     return {{"systemBusAvailable", status.systemBusAvailable},
             {"logindAvailable", status.logindAvailable},
@@ -98,13 +99,13 @@ nlohmann::json statusJson(const lumenote::SystemEventSourceStatus& status) {
             {"gaps", gaps}};
 }
 
-std::string authorizationName(lumenote::NotificationAuthorization authorization) {
+std::string authorizationName(lumenote::recording::NotificationAuthorization authorization) {
     switch (authorization) {
-        case lumenote::NotificationAuthorization::authorized:
+        case lumenote::recording::NotificationAuthorization::authorized:
             return "authorized";
-        case lumenote::NotificationAuthorization::denied:
+        case lumenote::recording::NotificationAuthorization::denied:
             return "denied";
-        case lumenote::NotificationAuthorization::unavailable:
+        case lumenote::recording::NotificationAuthorization::unavailable:
             return "unavailable";
     }
     return "unknown";
@@ -124,29 +125,34 @@ int serve(QCoreApplication& app, int argc, char** argv) {
     servicePointer = &service;
 
     const auto eventPrinter = [](const char* kind) {
-        return [kind](lumenote::SystemEventCause cause) {
-            printLine({{"event", kind}, {"cause", lumenote::systemEventCauseName(cause)}});
+        return [kind](lumenote::platform::linux_desktop::SystemEventCause cause) {
+            printLine({{"event", kind},
+                       {"cause", lumenote::platform::linux_desktop::systemEventCauseName(cause)}});
         };
     };
-    lumenote::LinuxSystemEventSource events(
+    lumenote::platform::linux_desktop::LinuxSystemEventSource events(
         {eventPrinter("sleep"), eventPrinter("wake"), eventPrinter("terminate")},
-        lumenote::SystemEventSourceSettings::fromEnvironment());
-    events.setStatusChangeHandler([](const lumenote::SystemEventSourceStatus& status) {
-        nlohmann::json line = statusJson(status);
-        line["event"] = "status";
-        printLine(line);
-    });
-    lumenote::FreedesktopNotificationService notifications(QDBusConnection::sessionBus());
+        lumenote::platform::linux_desktop::SystemEventSourceSettings::fromEnvironment());
+    events.setStatusChangeHandler(
+        [](const lumenote::platform::linux_desktop::SystemEventSourceStatus& status) {
+            nlohmann::json line = statusJson(status);
+            line["event"] = "status";
+            printLine(line);
+        });
+    lumenote::platform::linux_desktop::FreedesktopNotificationService notifications(
+        QDBusConnection::sessionBus());
 
-    lumenote::SignalBridge signalBridge([&](int signal) {
-        printLine({{"event", "signal"}, {"signal", lumenote::signalName(signal)}});
+    lumenote::platform::linux_desktop::SignalBridge signalBridge([&](int signal) {
+        printLine({{"event", "signal"},
+                   {"signal", lumenote::platform::linux_desktop::signalName(signal)}});
         service.stop();
         events.stop();
         app.quit();
     });
     if (auto installed = signalBridge.install(); !installed) {
         printLine({{"event", "error"},
-                   {"message", lumenote::signalBridgeFailureMessage(installed.error())}});
+                   {"message", lumenote::platform::linux_desktop::signalBridgeFailureMessage(
+                                   installed.error())}});
         return 1;
     }
 

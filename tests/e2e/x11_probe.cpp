@@ -19,8 +19,8 @@
 
 namespace {
 
-using lumenote::X11FrontmostApplicationSource;
-using lumenote::XScreenSaverIdleTimeProvider;
+using lumenote::platform::linux_desktop::X11FrontmostApplicationSource;
+using lumenote::platform::linux_desktop::XScreenSaverIdleTimeProvider;
 
 void printLine(const nlohmann::json& line) {
     std::cout << line.dump() << std::endl;
@@ -110,7 +110,8 @@ int main(int argc, char** argv) {
     auto opened =
         X11FrontmostApplicationSource::open([](const char* name) { return std::getenv(name); });
     if (!opened) {
-        printLine({{"event", "error"}, {"message", lumenote::describe(opened.error())}});
+        printLine({{"event", "error"},
+                   {"message", lumenote::platform::linux_desktop::describe(opened.error())}});
         return 2;
     }
     auto& frontmost = *opened.value();

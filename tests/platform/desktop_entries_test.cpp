@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace lumenote::desktop {
+namespace lumenote::platform::linux_desktop {
 namespace {
 
 namespace fs = std::filesystem;
@@ -189,7 +189,7 @@ const DesktopEntryIndex& sampleIndex() {
 struct ResolveCase {
     const char* label;
     WindowClassHints hints;
-    std::optional<FrontmostApplication> expected;
+    std::optional<recording::FrontmostApplication> expected;
 };
 
 void PrintTo(const ResolveCase& test, std::ostream* stream) {
@@ -202,8 +202,8 @@ TEST_P(ResolveApplicationTest, FollowsTheLookupOrder) {
     EXPECT_EQ(resolveApplication(sampleIndex(), GetParam().hints), GetParam().expected);
 }
 
-FrontmostApplication named(std::string name, std::string identifier) {
-    return FrontmostApplication{std::move(name), std::move(identifier)};
+recording::FrontmostApplication named(std::string name, std::string identifier) {
+    return recording::FrontmostApplication{std::move(name), std::move(identifier)};
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -290,4 +290,4 @@ TEST(KnownBrowserTest, LinuxIdentitiesMapToCanonicalIdentifiers) {
 }
 
 }  // namespace
-}  // namespace lumenote::desktop
+}  // namespace lumenote::platform::linux_desktop

@@ -7,7 +7,7 @@
 #include <csignal>
 #include <vector>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 namespace {
 
 std::vector<int> gForeignHandlerSignals;
@@ -96,4 +96,4 @@ TEST_F(SignalBridgeTest, TheEarlierHandlersComeBackWhenTheBridgeGoes) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

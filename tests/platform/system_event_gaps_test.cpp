@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 namespace {
 
 SystemEventSourceStatus everything() {
@@ -81,4 +81,4 @@ TEST(SystemEventGaps, EachGapHasItsOwnSentence) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -8,7 +8,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 using Problem = ActiveSessionCheckpointProblem;
@@ -282,4 +282,4 @@ TEST(ActiveSessionCheckpointTest, RecoveryFailureMessageFillsInTheError) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -2,11 +2,12 @@
 
 #include <gtest/gtest.h>
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 ActivityState application(const std::string& bundle,
-                          ActivityClassification classification = ActivityClassification::focused) {
+                          classification::ActivityClassification classification =
+                              classification::ActivityClassification::focused) {
     ActivityState state;
     state.applicationName = bundle;
     state.bundleIdentifier = bundle;
@@ -47,7 +48,7 @@ TEST(ActivityTimelineTest, EachOfTheTwelveFieldsSplitsAStretch) {
     std::vector<ActivityState> variants(12, base);
     variants[0].applicationName = "Other";
     variants[1].bundleIdentifier = "other";
-    variants[2].classification = ActivityClassification::distracting;
+    variants[2].classification = classification::ActivityClassification::distracting;
     variants[3].isInactive = true;
     variants[4].activitySource = ActivitySourceType::website;
     variants[5].browserBundleIdentifier = "org.chromium.Chromium";
@@ -55,7 +56,7 @@ TEST(ActivityTimelineTest, EachOfTheTwelveFieldsSplitsAStretch) {
     variants[7].tabSessionIdentifier = Uuid::generate();
     variants[8].pdfIdentifier = Uuid::generate();
     variants[9].pdfDisplayLabel = "notes.pdf";
-    variants[10].pdfLabelSource = BrowserPDFLabelSource::filename;
+    variants[10].pdfLabelSource = classification::BrowserPDFLabelSource::filename;
     variants[11].browserFallbackReason = BrowserFallbackReason::staleEvent;
     for (std::size_t i = 0; i < variants.size(); ++i) {
         ActivityTimelineEngine engine;
@@ -108,4 +109,4 @@ TEST(ActivityTimelineTest, ClosingBeforeTheStartGivesAnEmptyStretchAtTheStart) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

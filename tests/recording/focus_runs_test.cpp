@@ -4,7 +4,7 @@
 
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 namespace {
 
 using AS = AccountedState;
@@ -103,9 +103,9 @@ TEST(FocusRuns, ReadTheReconciledTimeLine) {
     // D          |===|            100-140: splits the Focused stretch
     const auto start = [](double offset) { return kStart.addingSeconds(offset); };
     const std::vector<SessionAccountingSample> samples{
-        {start(0), start(300), 300, ActivityClassification::focused, false,
+        {start(0), start(300), 300, classification::ActivityClassification::focused, false,
          ActivitySourceType::application, "com.example.editor"},
-        {start(100), start(140), 40, ActivityClassification::distracting, false,
+        {start(100), start(140), 40, classification::ActivityClassification::distracting, false,
          ActivitySourceType::website, "video.example.com"}};
     const auto result =
         calculateTotals(samples, {}, kStart, start(300), 300, TrackingCalculationVersion::v3);
@@ -114,4 +114,4 @@ TEST(FocusRuns, ReadTheReconciledTimeLine) {
 }
 
 }  // namespace
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

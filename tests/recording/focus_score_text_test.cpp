@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
@@ -48,4 +48,4 @@ TEST(FocusScoreText, NothingIsShownBelowOneMinuteOfEvidenceWhateverIsStored) {
 }
 
 }  // namespace
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -7,16 +7,16 @@
 
 #include "no_input_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 using namespace lumenote::testing;
-using S = ConfirmedStudyState;
+using S = recording::ConfirmedStudyState;
 
 struct RunsCase {
     const char* name;
-    std::vector<ActivitySegment> segments;
-    std::vector<DateSpan> expected;
+    std::vector<recording::ActivitySegment> segments;
+    std::vector<recording::DateSpan> expected;
 };
 
 void PrintTo(const RunsCase& testCase, std::ostream* out) {
@@ -26,15 +26,15 @@ void PrintTo(const RunsCase& testCase, std::ostream* out) {
 class NoInputRunsTest : public ::testing::TestWithParam<RunsCase> {};
 
 TEST_P(NoInputRunsTest, JoinsAndPlacesInactiveSegments) {
-    EXPECT_EQ(noInputRuns(GetParam().segments), GetParam().expected);
+    EXPECT_EQ(recording::noInputRuns(GetParam().segments), GetParam().expected);
 }
 
-ActivitySegment jumped(ActivitySegment segment, double wallEnd) {
+recording::ActivitySegment jumped(recording::ActivitySegment segment, double wallEnd) {
     segment.endDate = at(wallEnd);
     return segment;
 }
 
-ActivitySegment withDuration(ActivitySegment segment, double duration) {
+recording::ActivitySegment withDuration(recording::ActivitySegment segment, double duration) {
     segment.duration = duration;
     return segment;
 }
@@ -78,16 +78,17 @@ TEST(NoInputPeriodsTest, RunsAreCutAtConfirmationBoundaries) {
     const auto session = sessionWith(
         {idleAt(0, 600)}, 700,
         {confirmationAt(100, 200, S::passiveStudy), confirmationAt(400, 700, S::confirmedBreak)});
-    const auto periods = noInputPeriods(session);
+    const auto periods = recording::noInputPeriods(session);
     ASSERT_EQ(periods.size(), 4u);
     const auto& passive = session.confirmedNoInputIntervals[0];
     const auto& pause = session.confirmedNoInputIntervals[1];
     EXPECT_EQ(periods[0],
-              (NoInputPeriod{at(0), at(100), std::nullopt, std::nullopt, std::nullopt}));
-    EXPECT_EQ(periods[1], (NoInputPeriod{at(100), at(200), S::passiveStudy,
-                                         ConfirmedStudyStateSource::returnPrompt, passive.id}));
-    EXPECT_EQ(periods[2],
-              (NoInputPeriod{at(200), at(400), std::nullopt, std::nullopt, std::nullopt}));
+              (recording::NoInputPeriod{at(0), at(100), std::nullopt, std::nullopt, std::nullopt}));
+    EXPECT_EQ(periods[1], (recording::NoInputPeriod{
+                              at(100), at(200), S::passiveStudy,
+                              recording::ConfirmedStudyStateSource::returnPrompt, passive.id}));
+    EXPECT_EQ(periods[2], (recording::NoInputPeriod{at(200), at(400), std::nullopt, std::nullopt,
+                                                    std::nullopt}));
     EXPECT_EQ(periods[3].startDate, at(400));
     EXPECT_EQ(periods[3].endDate, at(600));
     EXPECT_EQ(periods[3].confirmationID, pause.id);
@@ -100,7 +101,7 @@ TEST(NoInputPeriodsTest, LaterConfirmationCoversWhereConfirmationsOverlap) {
     auto older = confirmationAt(0, 300, S::passiveStudy, 1000);
     auto newer = confirmationAt(100, 200, S::confirmedBreak, 2000);
     const auto session = sessionWith({idleAt(0, 300)}, 300, {newer, older});
-    const auto periods = noInputPeriods(session);
+    const auto periods = recording::noInputPeriods(session);
     ASSERT_EQ(periods.size(), 3u);
     EXPECT_EQ(periods[0].confirmationID, older.id);
     EXPECT_EQ(periods[1].confirmationID, newer.id);
@@ -113,7 +114,7 @@ TEST(NoInputPeriodsTest, SupersededConfirmationsAndSliversDoNotLabel) {
     // Ends a rounding error after the run starts: no time of its own.
     auto sliver = confirmationAt(-50, 0.0005, S::confirmedBreak);
     const auto session = sessionWith({idleAt(0, 300)}, 300, {superseded, sliver});
-    const auto periods = noInputPeriods(session);
+    const auto periods = recording::noInputPeriods(session);
     ASSERT_EQ(periods.size(), 1u);
     EXPECT_FALSE(periods[0].confirmedState);
     EXPECT_EQ(periods[0].endDate, at(300));
@@ -123,7 +124,7 @@ TEST(NoInputPeriodsTest, OneConfirmationOverTwoRunsGivesTwoPeriods) {
     auto confirmation = confirmationAt(0, 500, S::passiveStudy);
     const auto session =
         sessionWith({idleAt(0, 100), focusedAt(100, 100), idleAt(200, 100)}, 500, {confirmation});
-    const auto periods = noInputPeriods(session);
+    const auto periods = recording::noInputPeriods(session);
     ASSERT_EQ(periods.size(), 2u);
     EXPECT_EQ(periods[0].endDate, at(100));
     EXPECT_EQ(periods[1].startDate, at(200));
@@ -131,4 +132,4 @@ TEST(NoInputPeriodsTest, OneConfirmationOverTwoRunsGivesTwoPeriods) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

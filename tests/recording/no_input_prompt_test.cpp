@@ -6,15 +6,15 @@
 
 #include "no_input_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 using namespace lumenote::testing;
-using S = ConfirmedStudyState;
+using S = recording::ConfirmedStudyState;
 
-NoInputClassificationPrompt promptOf(Date start, double seconds) {
-    return NoInputClassificationPrompt{Uuid::generate(), Uuid::generate(), start,
-                                       start.addingSeconds(seconds), 120.0};
+recording::NoInputClassificationPrompt promptOf(Date start, double seconds) {
+    return recording::NoInputClassificationPrompt{Uuid::generate(), Uuid::generate(), start,
+                                                  start.addingSeconds(seconds), 120.0};
 }
 
 struct MinutesCase {
@@ -26,8 +26,8 @@ class NoInputPromptMinutesTest : public ::testing::TestWithParam<MinutesCase> {}
 
 TEST_P(NoInputPromptMinutesTest, AsksWhatTheUserWasDoing) {
     const auto prompt = promptOf(kSessionStart, GetParam().seconds);
-    EXPECT_FALSE(asksToEndSession(prompt));
-    EXPECT_EQ(noInputPromptText(prompt, LocalCalendar::utc()), GetParam().expected);
+    EXPECT_FALSE(recording::asksToEndSession(prompt));
+    EXPECT_EQ(recording::noInputPromptText(prompt, LocalCalendar::utc()), GetParam().expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -52,28 +52,28 @@ TEST(NoInputPromptTest, FromFortyFiveMinutesAsksToEndTheSessionAtItsLocalStart) 
     const auto berlin = *LocalCalendar::named("Europe/Berlin");
     for (double seconds : {2700.0, 7200.0, std::numeric_limits<double>::infinity()}) {
         const auto prompt = promptOf(start, seconds);
-        EXPECT_TRUE(asksToEndSession(prompt));
-        EXPECT_EQ(noInputPromptText(prompt, berlin),
+        EXPECT_TRUE(recording::asksToEndSession(prompt));
+        EXPECT_EQ(recording::noInputPromptText(prompt, berlin),
                   "No meaningful activity was recorded after 14:05. End the session there?");
     }
 }
 
 TEST(NoInputPromptTest, ShortLocalTimeIsTwentyFourHourAndDropsSeconds) {
     const auto utc = LocalCalendar::utc();
-    EXPECT_EQ(shortLocalTime(*parseIso8601("2026-11-16T00:00:00Z"), utc), "00:00");
-    EXPECT_EQ(shortLocalTime(*parseIso8601("2026-11-16T09:07:59.999Z"), utc), "09:07");
-    EXPECT_EQ(shortLocalTime(*parseIso8601("2026-11-16T23:59:59Z"), utc), "23:59");
+    EXPECT_EQ(recording::shortLocalTime(*parseIso8601("2026-11-16T00:00:00Z"), utc), "00:00");
+    EXPECT_EQ(recording::shortLocalTime(*parseIso8601("2026-11-16T09:07:59.999Z"), utc), "09:07");
+    EXPECT_EQ(recording::shortLocalTime(*parseIso8601("2026-11-16T23:59:59Z"), utc), "23:59");
     // Summer time in Berlin: two hours ahead, across midnight.
     const auto berlin = *LocalCalendar::named("Europe/Berlin");
-    EXPECT_EQ(shortLocalTime(*parseIso8601("2026-07-01T22:30:00Z"), berlin), "00:30");
+    EXPECT_EQ(recording::shortLocalTime(*parseIso8601("2026-07-01T22:30:00Z"), berlin), "00:30");
     // Before 1970: negative Unix seconds still give a time of day.
-    EXPECT_EQ(shortLocalTime(*parseIso8601("1969-12-31T23:15:30Z"), utc), "23:15");
+    EXPECT_EQ(recording::shortLocalTime(*parseIso8601("1969-12-31T23:15:30Z"), utc), "23:15");
 }
 
 TEST(NoInputPromptTest, ShortGapsSummaryIsPluralExceptForOne) {
-    EXPECT_EQ(shortUnconfirmedGapsSummary(0), "0 short unconfirmed gaps");
-    EXPECT_EQ(shortUnconfirmedGapsSummary(1), "1 short unconfirmed gap");
-    EXPECT_EQ(shortUnconfirmedGapsSummary(12), "12 short unconfirmed gaps");
+    EXPECT_EQ(recording::shortUnconfirmedGapsSummary(0), "0 short unconfirmed gaps");
+    EXPECT_EQ(recording::shortUnconfirmedGapsSummary(1), "1 short unconfirmed gap");
+    EXPECT_EQ(recording::shortUnconfirmedGapsSummary(12), "12 short unconfirmed gaps");
 }
 
 TEST(ShortUnconfirmedGapsTest, CountsOnlyShortRunsWithoutAnyConfirmation) {
@@ -93,14 +93,15 @@ TEST(ShortUnconfirmedGapsTest, CountsOnlyShortRunsWithoutAnyConfirmation) {
                      idleAt(500, 240), focusedAt(740, 60), idleAt(800, 50), focusedAt(850, 50),
                      idleAt(900, 50), asleepAt(1000, 100)},
                     1100, {partly, superseded});
-    EXPECT_EQ(countShortUnconfirmedGaps(session, 300, 60), 3u);
+    EXPECT_EQ(recording::countShortUnconfirmedGaps(session, 300, 60), 3u);
     // Measured without the lead-in, C is short too.
-    EXPECT_EQ(countShortUnconfirmedGaps(session, 300, 0), 4u);
+    EXPECT_EQ(recording::countShortUnconfirmedGaps(session, 300, 0), 4u);
     // A bad inactivity threshold is taken as no lead-in.
-    EXPECT_EQ(countShortUnconfirmedGaps(session, 300, -60), 4u);
-    EXPECT_EQ(countShortUnconfirmedGaps(session, 300, std::numeric_limits<double>::quiet_NaN()),
+    EXPECT_EQ(recording::countShortUnconfirmedGaps(session, 300, -60), 4u);
+    EXPECT_EQ(recording::countShortUnconfirmedGaps(session, 300,
+                                                   std::numeric_limits<double>::quiet_NaN()),
               4u);
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -15,45 +15,48 @@ inline Date at(double offset) {
     return kSessionStart.addingSeconds(offset);
 }
 
-inline ActivitySegment segmentAt(double from, double length, bool inactive,
-                                 ActivityClassification classification) {
-    return ActivitySegment(Uuid::generate(), at(from), at(from + length), length, "Editor",
-                           "com.example.editor", classification, inactive);
+inline recording::ActivitySegment segmentAt(double from, double length, bool inactive,
+                                            classification::ActivityClassification classification) {
+    return recording::ActivitySegment(Uuid::generate(), at(from), at(from + length), length,
+                                      "Editor", "com.example.editor", classification, inactive);
 }
 
-inline ActivitySegment focusedAt(double from, double length) {
-    return segmentAt(from, length, false, ActivityClassification::focused);
+inline recording::ActivitySegment focusedAt(double from, double length) {
+    return segmentAt(from, length, false, classification::ActivityClassification::focused);
 }
 
-inline ActivitySegment distractingAt(double from, double length) {
-    return segmentAt(from, length, false, ActivityClassification::distracting);
+inline recording::ActivitySegment distractingAt(double from, double length) {
+    return segmentAt(from, length, false, classification::ActivityClassification::distracting);
 }
 
-inline ActivitySegment idleAt(double from, double length) {
-    return segmentAt(from, length, true, ActivityClassification::focused);
+inline recording::ActivitySegment idleAt(double from, double length) {
+    return segmentAt(from, length, true, classification::ActivityClassification::focused);
 }
 
-inline ActivitySegment asleepAt(double from, double length) {
-    ActivitySegment segment = segmentAt(from, length, true, ActivityClassification::ignored);
-    segment.setActivitySource(ActivitySourceType::system);
+inline recording::ActivitySegment asleepAt(double from, double length) {
+    recording::ActivitySegment segment =
+        segmentAt(from, length, true, classification::ActivityClassification::ignored);
+    segment.setActivitySource(recording::ActivitySourceType::system);
     return segment;
 }
 
-inline ConfirmedNoInputInterval confirmationAt(
-    double from, double to, ConfirmedStudyState state, double createdAt = 10'000,
-    ConfirmedStudyStateSource source = ConfirmedStudyStateSource::returnPrompt) {
-    return ConfirmedNoInputInterval(Uuid::generate(), at(from), at(to), state, source,
-                                    at(createdAt));
+inline recording::ConfirmedNoInputInterval confirmationAt(
+    double from, double to, recording::ConfirmedStudyState state, double createdAt = 10'000,
+    recording::ConfirmedStudyStateSource source =
+        recording::ConfirmedStudyStateSource::returnPrompt) {
+    return recording::ConfirmedNoInputInterval(Uuid::generate(), at(from), at(to), state, source,
+                                               at(createdAt));
 }
 
 // A completed v3 session from 0 to `end` seconds with the given stretches.
-inline StudySession sessionWith(std::vector<ActivitySegment> segments, double end,
-                                std::vector<ConfirmedNoInputInterval> confirmations = {}) {
-    StudySession session(Uuid::generate(), "Chemistry", "", end, kSessionStart);
-    session.setStatus(StudySessionStatus::completed);
+inline recording::StudySession sessionWith(
+    std::vector<recording::ActivitySegment> segments, double end,
+    std::vector<recording::ConfirmedNoInputInterval> confirmations = {}) {
+    recording::StudySession session(Uuid::generate(), "Chemistry", "", end, kSessionStart);
+    session.setStatus(recording::StudySessionStatus::completed);
     session.endDate = at(end);
     session.timerDuration = end;
-    session.setCalculationVersion(TrackingCalculationVersion::v3);
+    session.setCalculationVersion(recording::TrackingCalculationVersion::v3);
     session.segments = std::move(segments);
     for (auto& confirmation : confirmations) {
         confirmation.session = session.id;

@@ -16,7 +16,7 @@
 #include <nlohmann/json.hpp>
 #include "support/temporary_home.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 namespace fs = std::filesystem;
@@ -340,4 +340,4 @@ TEST(InMemorySessionCheckpointStoreTest, SwitchesAndCountersBehaveLikeTheFileSto
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 TEST(StudySessionTest, RecordOfTheFirstLayoutReadsItsFallbacks) {
@@ -62,7 +62,7 @@ TEST(StudySessionTest, TypedPropertiesWriteTheirRawColumns) {
 
 TEST(ActivitySegmentTest, MissingOrUnknownSourceReadsAsApplication) {
     ActivitySegment segment(Uuid::generate(), Date{0}, Date{5}, 5, "Terminal", "org.gnome.Terminal",
-                            ActivityClassification::focused, false);
+                            classification::ActivityClassification::focused, false);
     EXPECT_EQ(segment.activitySource(), ActivitySourceType::application);
     segment.activitySourceRawValue = "hologram";
     EXPECT_EQ(segment.activitySource(), ActivitySourceType::application);
@@ -73,7 +73,7 @@ TEST(ActivitySegmentTest, MissingOrUnknownSourceReadsAsApplication) {
 TEST(ActivitySegmentTest, UnknownClassificationAndReasonHaveSafeFallbacks) {
     ActivitySegment segment;
     segment.classificationRawValue = "sparkling";
-    EXPECT_EQ(segment.classification(), ActivityClassification::unclassified);
+    EXPECT_EQ(segment.classification(), classification::ActivityClassification::unclassified);
     EXPECT_FALSE(segment.browserFallbackReason());
     segment.browserFallbackReasonRawValue = "solarFlare";
     EXPECT_EQ(segment.browserFallbackReason(), BrowserFallbackReason::unknown);
@@ -110,7 +110,7 @@ TEST(EnumerationTest, EveryCaseRoundTripsThroughItsRawValue) {
             EXPECT_EQ(fromRawValue<E>(rawValue(value)), value) << rawValue(value);
         }
     };
-    roundTrips(allCases<ActivityClassification>());
+    roundTrips(allCases<classification::ActivityClassification>());
     roundTrips(allCases<StudySessionStatus>());
     roundTrips(allCases<SessionTimingMode>());
     roundTrips(allCases<StudySessionMode>());
@@ -119,8 +119,8 @@ TEST(EnumerationTest, EveryCaseRoundTripsThroughItsRawValue) {
     roundTrips(allCases<ConfirmedStudyStateSource>());
     roundTrips(allCases<BrowserFallbackReason>());
     EXPECT_FALSE(fromRawValue<SessionTimingMode>("openEnded"));
-    EXPECT_FALSE(fromRawValue<ActivityClassification>("Focused"));
+    EXPECT_FALSE(fromRawValue<classification::ActivityClassification>("Focused"));
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

@@ -10,28 +10,30 @@
 #include "recording/no_input_periods.hpp"
 #include "recording/tracking_calculation.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 using namespace lumenote::testing;
-using namespace lumenote::SessionStudyStateEditor;
-using Error = SessionStudyStateEditError;
-using S = ConfirmedStudyState;
-using Source = ConfirmedStudyStateSource;
+using namespace lumenote::recording::SessionStudyStateEditor;
+using Error = recording::SessionStudyStateEditError;
+using S = recording::ConfirmedStudyState;
+using Source = recording::ConfirmedStudyStateSource;
 
 const Date kNow = at(50'000);
 
 //  focused |======|        distracting |===|          focused |======|
 //  idle           |=========|               |=====|
 //          0     600       900         1100  1300   1500    2000
-StudySession typicalSession(std::vector<ConfirmedNoInputInterval> confirmations = {}) {
+recording::StudySession typicalSession(
+    std::vector<recording::ConfirmedNoInputInterval> confirmations = {}) {
     return sessionWith({focusedAt(0, 600), idleAt(600, 300), distractingAt(900, 200),
                         idleAt(1100, 200), idleAt(1300, 200), focusedAt(1500, 500)},
                        2000, std::move(confirmations));
 }
 
-std::vector<const ConfirmedNoInputInterval*> currentAt(const StudySession& session, double offset) {
-    std::vector<const ConfirmedNoInputInterval*> covering;
+std::vector<const recording::ConfirmedNoInputInterval*> currentAt(
+    const recording::StudySession& session, double offset) {
+    std::vector<const recording::ConfirmedNoInputInterval*> covering;
     for (const auto& interval : session.confirmedNoInputIntervals) {
         if (interval.isInForce() && interval.startDate <= at(offset) &&
             interval.endDate > at(offset)) {
@@ -41,15 +43,15 @@ std::vector<const ConfirmedNoInputInterval*> currentAt(const StudySession& sessi
     return covering;
 }
 
-std::size_t supersededCount(const StudySession& session) {
+std::size_t supersededCount(const recording::StudySession& session) {
     return static_cast<std::size_t>(std::count_if(
         session.confirmedNoInputIntervals.begin(), session.confirmedNoInputIntervals.end(),
         [](const auto& interval) { return !interval.isInForce(); }));
 }
 
-StudyStateEditOutcome relabel(const StudySession& session, double from, double to,
-                              std::optional<S> state, Date now = kNow,
-                              Source source = Source::replayEdit) {
+recording::StudyStateEditOutcome relabel(const recording::StudySession& session, double from,
+                                         double to, std::optional<S> state, Date now = kNow,
+                                         Source source = Source::replayEdit) {
     auto result = applyEdit(session, at(from), at(to), state, source, now);
     EXPECT_TRUE(result.ok());
     return std::move(result).value();
@@ -57,7 +59,7 @@ StudyStateEditOutcome relabel(const StudySession& session, double from, double t
 
 struct RefusalCase {
     const char* name;
-    std::optional<StudySession> session;
+    std::optional<recording::StudySession> session;
     double from;
     double to;
     Error expected;
@@ -76,19 +78,20 @@ TEST_P(StudyStateEditRefusalTest, RefusesWithItsMessage) {
                                   Source::replayEdit, kNow);
     ASSERT_FALSE(result.ok());
     EXPECT_EQ(result.error(), param.expected);
-    EXPECT_EQ(sessionFailureMessage(studyStateEditFailure(result.error())), param.message);
+    EXPECT_EQ(recording::sessionFailureMessage(recording::studyStateEditFailure(result.error())),
+              param.message);
 }
 
-StudySession withVersion(std::optional<long long> raw) {
+recording::StudySession withVersion(std::optional<long long> raw) {
     auto session = typicalSession();
     session.calculationVersionStorage = raw;
     return session;
 }
 
-StudySession liveSession() {
+recording::StudySession liveSession() {
     auto session = typicalSession();
     session.endDate.reset();
-    session.setStatus(StudySessionStatus::running);
+    session.setStatus(recording::StudySessionStatus::running);
     return session;
 }
 
@@ -271,9 +274,10 @@ TEST(SessionStudyStateEditorTest, ReturningUnconfirmedTimeToUnconfirmedSavesNoth
 TEST(SessionStudyStateEditorTest, PassiveStudyAddsStudyTimeWithoutMovingTheScore) {
     // 1100 s focused, 200 s distracting, 700 s without input.
     auto session = typicalSession();
-    TrackingCalculationService::applyTotals(TrackingCalculationService::calculateSessionTotals(
-                                                session, kNow, TrackingCalculationVersion::v3),
-                                            session);
+    recording::TrackingCalculationService::applyTotals(
+        recording::TrackingCalculationService::calculateSessionTotals(
+            session, kNow, recording::TrackingCalculationVersion::v3),
+        session);
     ASSERT_TRUE(session.focusScore);
     const auto outcome = relabel(session, 600, 1500, S::passiveStudy);
     EXPECT_EQ(outcome.session.focusScore, session.focusScore);
@@ -282,7 +286,7 @@ TEST(SessionStudyStateEditorTest, PassiveStudyAddsStudyTimeWithoutMovingTheScore
     EXPECT_EQ(outcome.session.inactiveDuration, session.inactiveDuration);
     EXPECT_EQ(outcome.session.passiveStudyDuration(), 700.0);
     EXPECT_EQ(outcome.session.confirmedBreakDuration(), 0.0);
-    EXPECT_EQ(outcome.session.calculationVersion(), TrackingCalculationVersion::v3);
+    EXPECT_EQ(outcome.session.calculationVersion(), recording::TrackingCalculationVersion::v3);
 
     const auto asBreak = relabel(outcome.session, 600, 900, S::confirmedBreak);
     EXPECT_EQ(asBreak.session.passiveStudyDuration(), 400.0);
@@ -290,7 +294,7 @@ TEST(SessionStudyStateEditorTest, PassiveStudyAddsStudyTimeWithoutMovingTheScore
     EXPECT_EQ(asBreak.session.focusScore, session.focusScore);
 }
 
-StudyStateEditOutcome undo(const StudyStateEditOutcome& done, Date now) {
+recording::StudyStateEditOutcome undo(const recording::StudyStateEditOutcome& done, Date now) {
     return relabel(done.session, done.edit.startDate.secondsSince(kSessionStart),
                    done.edit.endDate.secondsSince(kSessionStart), done.edit.previousState, now);
 }
@@ -303,7 +307,9 @@ TEST(SessionStudyStateEditorTest, UndoAppliesThePreviousStateOverTheEditRange) {
     const auto unmarked = undo(marked, at(20'000));
     EXPECT_EQ(unmarked.edit.previousState, S::passiveStudy);
     EXPECT_FALSE(unmarked.edit.newState);
-    EXPECT_TRUE(confirmedStudyIntervalsInForce(unmarked.session.confirmedNoInputIntervals).empty());
+    EXPECT_TRUE(
+        recording::confirmedStudyIntervalsInForce(unmarked.session.confirmedNoInputIntervals)
+            .empty());
     EXPECT_EQ(unmarked.session.passiveStudyDuration(), 0.0);
     EXPECT_EQ(supersededCount(unmarked.session), 2u);
 
@@ -320,7 +326,7 @@ TEST(SessionStudyStateEditorTest, LiveSessionAcceptsARangeUpToNow) {
     // Input returned at 900 of a running session; the prompt is answered at 905.
     auto session = typicalSession();
     session.endDate.reset();
-    session.setStatus(StudySessionStatus::running);
+    session.setStatus(recording::StudySessionStatus::running);
     session.segments.resize(2);
     const auto outcome = relabel(session, 550, 900, S::passiveStudy, at(905), Source::returnPrompt);
     ASSERT_EQ(outcome.inserted.size(), 1u);
@@ -342,4 +348,4 @@ TEST(SessionStudyStateEditorTest, SleepInsideTheRangeIsNeverRelabelled) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

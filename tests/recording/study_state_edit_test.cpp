@@ -4,7 +4,7 @@
 
 #include <limits>
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 struct DurationCase {
@@ -47,4 +47,4 @@ TEST(StudyStateEditTest, DescriptionNamesTheNewState) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

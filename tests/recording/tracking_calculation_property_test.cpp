@@ -11,7 +11,7 @@
 #include "recording/tracking_calculation.hpp"
 #include "recording/tracking_reconciliation.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 namespace {
 
 const Date kStart = Date::fromUnixSeconds(1'800'000'000.0);
@@ -36,7 +36,7 @@ std::vector<SessionAccountingSample> randomSamples(std::mt19937& rng) {
         s.startDate = kStart.addingSeconds(from);
         s.endDate = kStart.addingSeconds(from + seconds);
         s.duration = seconds;
-        s.classification = static_cast<ActivityClassification>(classification(rng));
+        s.classification = static_cast<classification::ActivityClassification>(classification(rng));
         s.isInactive = percent(rng) < 15;
         s.source = percent(rng) < 10 ? ActivitySourceType::system
                                      : static_cast<ActivitySourceType>(source(rng));
@@ -212,4 +212,4 @@ TEST(TrackingCalculationProperty, ConfirmedTimeNeverMovesTheScore) {
 }
 
 }  // namespace
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

@@ -7,7 +7,7 @@
 
 #include "foundation/numeric.hpp"
 
-namespace lumenote::TrackingCalculationService {
+namespace lumenote::recording::TrackingCalculationService {
 namespace {
 
 using AS = AccountedState;
@@ -21,7 +21,8 @@ Date at(double offset) {
     return kStart.addingSeconds(offset);
 }
 
-SessionAccountingSample sample(double from, double length, ActivityClassification classification,
+SessionAccountingSample sample(double from, double length,
+                               classification::ActivityClassification classification,
                                std::string id = "com.example.editor") {
     return SessionAccountingSample{at(from),     at(from + length),
                                    length,       classification,
@@ -30,21 +31,24 @@ SessionAccountingSample sample(double from, double length, ActivityClassificatio
 }
 
 SessionAccountingSample focused(double from, double length) {
-    return sample(from, length, ActivityClassification::focused);
+    return sample(from, length, classification::ActivityClassification::focused);
 }
 SessionAccountingSample distracting(double from, double length) {
-    return sample(from, length, ActivityClassification::distracting, "com.example.video");
+    return sample(from, length, classification::ActivityClassification::distracting,
+                  "com.example.video");
 }
 SessionAccountingSample neutral(double from, double length) {
-    return sample(from, length, ActivityClassification::neutral, "com.example.files");
+    return sample(from, length, classification::ActivityClassification::neutral,
+                  "com.example.files");
 }
 SessionAccountingSample inactive(double from, double length) {
-    auto s = sample(from, length, ActivityClassification::focused);
+    auto s = sample(from, length, classification::ActivityClassification::focused);
     s.isInactive = true;
     return s;
 }
 SessionAccountingSample asleep(double from, double length) {
-    auto s = sample(from, length, ActivityClassification::ignored, "com.apple.system.sleep");
+    auto s = sample(from, length, classification::ActivityClassification::ignored,
+                    "com.apple.system.sleep");
     s.source = ActivitySourceType::system;
     return s;
 }
@@ -138,13 +142,15 @@ INSTANTIATE_TEST_SUITE_P(
             "just under half is low", {focused(0, 60), neutral(60, 61)}, 6000.0 / 121, true},
         CoverageCase{
             "no input counts in the denominator", {focused(0, 60), inactive(60, 180)}, 25.0, true},
-        CoverageCase{"unclassified counts in the denominator",
-                     {focused(0, 90), sample(90, 10, ActivityClassification::unclassified)},
-                     90.0,
-                     false},
+        CoverageCase{
+            "unclassified counts in the denominator",
+            {focused(0, 90), sample(90, 10, classification::ActivityClassification::unclassified)},
+            90.0,
+            false},
         CoverageCase{
             "ignored and system time are left out",
-            {focused(0, 60), sample(60, 500, ActivityClassification::ignored), asleep(560, 900)},
+            {focused(0, 60), sample(60, 500, classification::ActivityClassification::ignored),
+             asleep(560, 900)},
             100.0,
             false},
         CoverageCase{"nothing accounted", {asleep(0, 60)}, std::nullopt, false},
@@ -299,8 +305,8 @@ TEST(TrackingCalculation, ExcessIsCutFromNonEvidenceFirstThenEvidenceProportiona
     // 300 F + 100 D + 50 N + 40 U + 30 I + 20 ignored = 540
     const std::vector<SessionAccountingSample> samples{
         focused(0, 300),   distracting(300, 100),
-        neutral(400, 50),  sample(450, 40, ActivityClassification::unclassified),
-        inactive(490, 30), sample(520, 20, ActivityClassification::ignored)};
+        neutral(400, 50),  sample(450, 40, classification::ActivityClassification::unclassified),
+        inactive(490, 30), sample(520, 20, classification::ActivityClassification::ignored)};
     struct Step {
         double limit;
         double f, d, n, u, i, ign;
@@ -478,7 +484,7 @@ TEST(TrackingCalculation, VersionOneSumsSamplesAsRecorded) {
 TEST(TrackingCalculation, StableIdentifierFollowsTheSource) {
     const Uuid pdf = *Uuid::parse("e621e1f8-c36c-495a-93fc-0c247a3e6e5f");
     ActivitySegment segment(Uuid::generate(), at(0), at(10), 10, "Browser", "org.example.browser",
-                            ActivityClassification::focused, false);
+                            classification::ActivityClassification::focused, false);
     segment.hostname = "docs.example.org";
     segment.pdfIdentifier = pdf;
 
@@ -500,9 +506,9 @@ StudySession sessionWithActivity() {
     StudySession session(Uuid::generate(), "Chemistry", "", 3600, kStart);
     session.timerDuration = 900;
     session.segments.emplace_back(Uuid::generate(), at(0), at(600), 600, "Editor", "com.ed",
-                                  ActivityClassification::focused, false);
+                                  classification::ActivityClassification::focused, false);
     session.segments.emplace_back(Uuid::generate(), at(600), at(900), 300, "Video", "com.video",
-                                  ActivityClassification::distracting, false);
+                                  classification::ActivityClassification::distracting, false);
     ConfirmedNoInputInterval old(Uuid::generate(), at(900), at(1500),
                                  ConfirmedStudyState::passiveStudy,
                                  ConfirmedStudyStateSource::returnPrompt, at(1600));
@@ -570,4 +576,4 @@ TEST(TrackingCalculation, SessionConfirmationsAreReadOldestFirst) {
 }
 
 }  // namespace
-}  // namespace lumenote::TrackingCalculationService
+}  // namespace lumenote::recording::TrackingCalculationService

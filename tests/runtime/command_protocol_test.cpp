@@ -18,7 +18,7 @@ RecorderStatus runningStatus() {
     status.elapsedSeconds = 600.0;
     status.remainingSeconds = 900.0;
     status.currentActivity = "Text Editor";
-    status.currentClassification = ActivityClassification::focused;
+    status.currentClassification = classification::ActivityClassification::focused;
     return status;
 }
 
@@ -41,7 +41,7 @@ TEST(RecorderStatusJson, SessionsRoundTripInWholeSeconds) {
     cases.push_back(runningStatus());
 
     RecorderStatus paused = runningStatus();
-    paused.state = StudySessionStatus::paused;
+    paused.state = recording::StudySessionStatus::paused;
     paused.remainingSeconds.reset();  // open-ended
     paused.asleep = true;
     cases.push_back(paused);
@@ -49,16 +49,17 @@ TEST(RecorderStatusJson, SessionsRoundTripInWholeSeconds) {
     RecorderStatus away = runningStatus();
     away.subject = "Études – 日本語 🎓";
     away.currentActivity = "";
-    away.currentClassification = ActivityClassification::unclassified;
-    away.studyState = LiveStudyState::passiveStudy;
+    away.currentClassification = classification::ActivityClassification::unclassified;
+    away.studyState = recording::LiveStudyState::passiveStudy;
     cases.push_back(away);
 
-    for (const LiveStudyState state : allCases<LiveStudyState>()) {
+    for (const recording::LiveStudyState state : allCases<recording::LiveStudyState>()) {
         RecorderStatus status = runningStatus();
         status.studyState = state;
         cases.push_back(status);
     }
-    for (const ActivityClassification classification : allCases<ActivityClassification>()) {
+    for (const classification::ActivityClassification classification :
+         allCases<classification::ActivityClassification>()) {
         RecorderStatus status = runningStatus();
         status.currentClassification = classification;
         cases.push_back(status);

@@ -24,10 +24,10 @@ class RecordingFrontEnd final : public RecorderFrontEnd {
         calls.push_back("controlled " + std::to_string(static_cast<int>(control)));
     }
     void showError(const std::string& message) override { calls.push_back("error " + message); }
-    void noInputQuestionArrived(const NoInputClassificationPrompt&) override {
+    void noInputQuestionArrived(const recording::NoInputClassificationPrompt&) override {
         calls.push_back("question");
     }
-    void sessionEnded(const std::optional<StudySession>& finished) override {
+    void sessionEnded(const std::optional<recording::StudySession>& finished) override {
         calls.push_back(finished ? "ended " + finished->subject : "ended");
     }
     void terminated(const std::string& reason) override { calls.push_back("terminated " + reason); }
@@ -55,10 +55,10 @@ class RecorderRuntimeTest : public ::testing::Test {
         return services.ok() ? std::move(services).value() : nullptr;
     }
 
-    static SessionStartRequest request(std::string subject = "Biology") {
-        SessionStartRequest start;
+    static recording::SessionStartRequest request(std::string subject = "Biology") {
+        recording::SessionStartRequest start;
         start.subject = std::move(subject);
-        start.timingMode = SessionTimingMode::openEnded;
+        start.timingMode = recording::SessionTimingMode::openEnded;
         return start;
     }
 
@@ -100,13 +100,14 @@ TEST_F(RecorderRuntimeTest, EveryRefusalIsKeptAndShownOnce) {
     RecorderRuntime runtime(*services, frontEnd_);
 
     // No session yet: each command is refused with its own sentence.
-    EXPECT_EQ(runtime.togglePause().error(), SessionFailure::noActiveSession);
+    EXPECT_EQ(runtime.togglePause().error(), recording::SessionFailure::noActiveSession);
     EXPECT_EQ(runtime.lastError(), "No study session is active.");
     EXPECT_EQ(
-        runtime.answerNoInputQuestion(SessionManager::NoInputPromptAnswer::passiveStudy).error(),
-        SessionFailure::noPendingPrompt);
+        runtime.answerNoInputQuestion(recording::SessionManager::NoInputPromptAnswer::passiveStudy)
+            .error(),
+        recording::SessionFailure::noPendingPrompt);
     EXPECT_EQ(runtime.lastError(), "There is no question about time without input to answer.");
-    EXPECT_EQ(runtime.start(request("  ")).error(), SessionFailure::subjectMissing);
+    EXPECT_EQ(runtime.start(request("  ")).error(), recording::SessionFailure::subjectMissing);
     EXPECT_EQ(runtime.lastError(), "Add a subject.");
     EXPECT_EQ(frontEnd_.calls, (std::vector<std::string>{
                                    "error No study session is active.",
@@ -125,9 +126,9 @@ TEST_F(RecorderRuntimeTest, CommandsAreToldToTheFrontEndAndTheEndStopsTheLoop) {
     ASSERT_TRUE(runtime.start(request()).ok());
 
     ASSERT_TRUE(runtime.togglePause().ok());
-    EXPECT_EQ(runtime.status().state, StudySessionStatus::paused);
+    EXPECT_EQ(runtime.status().state, recording::StudySessionStatus::paused);
     ASSERT_TRUE(runtime.togglePause().ok());
-    EXPECT_EQ(runtime.status().state, StudySessionStatus::running);
+    EXPECT_EQ(runtime.status().state, recording::StudySessionStatus::running);
     ASSERT_TRUE(runtime.startPassiveStudy().ok());
     ASSERT_TRUE(runtime.returnToComputerStudy().ok());
     // Back twice: the second is refused and only its sentence is told.
@@ -140,7 +141,8 @@ TEST_F(RecorderRuntimeTest, CommandsAreToldToTheFrontEndAndTheEndStopsTheLoop) {
                   "controlled " + std::to_string(static_cast<int>(RecorderControl::resume)),
                   "controlled " + std::to_string(static_cast<int>(RecorderControl::away)),
                   "controlled " + std::to_string(static_cast<int>(RecorderControl::back)),
-                  "error " + sessionFailureMessage(SessionFailure::noPassiveStudyPeriod),
+                  "error " + recording::sessionFailureMessage(
+                                 recording::SessionFailure::noPassiveStudyPeriod),
                   "ended Biology"}));
     EXPECT_TRUE(runtime.stopped());
     EXPECT_EQ(runtime.exitStatus(), 0);
@@ -169,7 +171,7 @@ TEST_F(RecorderRuntimeTest, TerminationKeepsTheSessionForRecovery) {
     ASSERT_TRUE(relaunched->manager().pendingRecoverySession());
     EXPECT_EQ(relaunched->manager().pendingRecoverySession()->id, recorded);
     RecorderRuntime runtime(*relaunched, frontEnd_);
-    EXPECT_EQ(runtime.start(request()).error(), SessionFailure::recoveryPending);
+    EXPECT_EQ(runtime.start(request()).error(), recording::SessionFailure::recoveryPending);
     ASSERT_TRUE(runtime.endRecoveredSession().ok());
     EXPECT_TRUE(runtime.start(request("Chemistry")).ok());
 }

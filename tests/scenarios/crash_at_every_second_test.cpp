@@ -70,12 +70,12 @@ TEST_P(CrashAtEverySecondTest, RecoveryKeepsConfirmedTimeAndNoUncertainTime) {
             // Confirmed: everything up to the last save, at most one save
             // cadence ago. Uncertain: nothing after the crash.
             EXPECT_LE(timer, crashAt);
-            EXPECT_GE(timer, crashAt - kSaveCadenceTicks);
+            EXPECT_GE(timer, crashAt - recording::kSaveCadenceTicks);
         } else {
             EXPECT_EQ(session["status"], "completed");
             // The 30 seconds after relaunch count; the 30-second gap does not.
             EXPECT_LE(timer, crashAt + 30);
-            EXPECT_GE(timer, crashAt - kSaveCadenceTicks + 30);
+            EXPECT_GE(timer, crashAt - recording::kSaveCadenceTicks + 30);
         }
         EXPECT_LE(totalOf(session), timer + 0.001);
         for (const auto& segment : session["segments"]) {

@@ -11,16 +11,16 @@
 #include "store/sqlite_recording_store.hpp"
 #include "support/temporary_home.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 class SessionHistoryTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        auto opened = SqliteRecordingStore::open(home_.root() / "lumenote.sqlite");
+        auto opened = store::SqliteRecordingStore::open(home_.root() / "lumenote.sqlite");
         ASSERT_TRUE(opened.ok());
         store_ = std::move(opened).value();
-        rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
+        rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
         history_ = std::make_unique<SessionHistory>(
             machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
     }
@@ -33,9 +33,9 @@ class SessionHistoryTest : public ::testing::Test {
         if (status == StudySessionStatus::completed) {
             session.endDate = machine_.clock.wallNow().addingSeconds(600);
         }
-        ActivitySegment segment(Uuid::generate(), session.startDate,
-                                session.startDate.addingSeconds(600), 600, "Editor",
-                                "org.example.Editor", ActivityClassification::focused, false);
+        ActivitySegment segment(
+            Uuid::generate(), session.startDate, session.startDate.addingSeconds(600), 600,
+            "Editor", "org.example.Editor", classification::ActivityClassification::focused, false);
         segment.session = session.id;
         StoreChangeSet changes;
         changes.sessions.push_back(session);
@@ -47,12 +47,12 @@ class SessionHistoryTest : public ::testing::Test {
     std::size_t storedCount() { return store_->sessionCount().valueOr(0); }
 
     testing::TemporaryHome home_;
-    fake::FakeMachine machine_{Date{800000000.0}};
-    InMemoryDefaultsDomain domain_;
-    PreferencesStore preferences_{domain_};
-    PreferencesForRecording recordingPreferences_{preferences_};
-    std::unique_ptr<SqliteRecordingStore> store_;
-    std::unique_ptr<ClassificationRules> rules_;
+    platform::fake::FakeMachine machine_{Date{800000000.0}};
+    settings::InMemoryDefaultsDomain domain_;
+    settings::PreferencesStore preferences_{domain_};
+    settings::PreferencesForRecording recordingPreferences_{preferences_};
+    std::unique_ptr<store::SqliteRecordingStore> store_;
+    std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<SessionHistory> history_;
 };
 
@@ -129,4 +129,4 @@ TEST_F(SessionHistoryTest, TotalsAreRecalculatedOnceForANewRevision) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

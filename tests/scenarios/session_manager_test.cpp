@@ -17,13 +17,13 @@
 #include "store/sqlite_recording_store.hpp"
 #include "support/temporary_home.hpp"
 
-namespace lumenote {
+namespace lumenote::recording {
 namespace {
 
 class SessionManagerTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        auto opened = SqliteRecordingStore::open(home_.root() / "lumenote.sqlite");
+        auto opened = store::SqliteRecordingStore::open(home_.root() / "lumenote.sqlite");
         ASSERT_TRUE(opened.ok());
         store_ = std::move(opened).value();
         frontmost_.current = FrontmostApplication{"Editor", "org.example.Editor"};
@@ -38,7 +38,7 @@ class SessionManagerTest : public ::testing::Test {
 
     void launch() {
         manager_.reset();
-        rules_ = std::make_unique<ClassificationRules>(machine_.rulesFor(*store_));
+        rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
         history_ = std::make_unique<SessionHistory>(
             machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
         manager_ = std::make_unique<SessionManager>(machine_.dependencies(
@@ -75,16 +75,16 @@ class SessionManagerTest : public ::testing::Test {
     }
 
     testing::TemporaryHome home_;
-    fake::FakeMachine machine_{Date{800000000.0}};
-    fake::FakeClock& clock_ = machine_.clock;
-    fake::FakeFrontmost& frontmost_ = machine_.frontmost;
+    platform::fake::FakeMachine machine_{Date{800000000.0}};
+    platform::fake::FakeClock& clock_ = machine_.clock;
+    platform::fake::FakeFrontmost& frontmost_ = machine_.frontmost;
     InMemorySessionCheckpointStore checkpoints_;
     SessionCheckpointStore* checkpointStore_ = &checkpoints_;
-    InMemoryDefaultsDomain domain_;
-    PreferencesStore preferences_{domain_};
-    PreferencesForRecording recordingPreferences_{preferences_};
-    std::unique_ptr<SqliteRecordingStore> store_;
-    std::unique_ptr<ClassificationRules> rules_;
+    settings::InMemoryDefaultsDomain domain_;
+    settings::PreferencesStore preferences_{domain_};
+    settings::PreferencesForRecording recordingPreferences_{preferences_};
+    std::unique_ptr<store::SqliteRecordingStore> store_;
+    std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<SessionHistory> history_;
     std::unique_ptr<SessionManager> manager_;
     // The last failure the manager reported on its own.
@@ -258,7 +258,7 @@ TEST_F(SessionManagerTest, EditingTrimsAndLimitsTheTexts) {
 TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreferences) {
     ASSERT_TRUE(rules_
                     ->saveApplicationClassification("org.example.Editor", "Editor",
-                                                    ActivityClassification::focused)
+                                                    classification::ActivityClassification::focused)
                     .ok());
     preferences_.setInactivityThreshold(600);
     ASSERT_TRUE(manager_->start(request()).ok());
@@ -268,7 +268,7 @@ TEST_F(SessionManagerTest, ResetKeepsTemplatesButClearsHistoryRulesAndPreference
     EXPECT_TRUE(stored().empty());
     EXPECT_TRUE(store_->appClassifications()->empty());
     EXPECT_EQ(rules_->lookup().applicationClassification("org.example.Editor", "Editor"),
-              ActivityClassification::unclassified);
+              classification::ActivityClassification::unclassified);
     EXPECT_DOUBLE_EQ(preferences_.inactivityThreshold(), 90.0);
 }
 
@@ -377,4 +377,4 @@ TEST_F(SessionManagerTest, UnreadableCheckpointFallsBackToTheLiveSessionInTheSto
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::recording

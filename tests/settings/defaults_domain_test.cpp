@@ -7,7 +7,7 @@
 #include "settings/json_file_defaults_domain.hpp"
 #include "support/temporary_home.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 namespace {
 
 namespace fs = std::filesystem;
@@ -204,4 +204,4 @@ TEST(DefaultsDomainTypedGettersTest, TakeZeroWhenMissingAndConvertOtherTypes) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::settings

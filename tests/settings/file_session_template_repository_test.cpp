@@ -5,7 +5,7 @@
 #include "settings/session_template_store.hpp"
 #include "support/temporary_home.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,7 +25,7 @@ class FailingRename : public FileWriteOperations {
 };
 
 SessionTemplateDraft draft(std::string name) {
-    return {std::move(name), "Maths", "", 1500, SessionTimingMode::timer, std::nullopt};
+    return {std::move(name), "Maths", "", 1500, recording::SessionTimingMode::timer, std::nullopt};
 }
 
 class FileSessionTemplateRepositoryTest : public ::testing::Test {
@@ -52,7 +52,7 @@ TEST_F(FileSessionTemplateRepositoryTest, EveryFieldSurvivesAReloadFromTheFile) 
     SessionTemplateStore& store = open();
     EXPECT_FALSE(store.loadMessage().has_value());
     auto first = store.create({"Deep work", "Graph theory \"proofs\"", "Finish chapter 4", 2700,
-                               SessionTimingMode::openEnded, 600.0});
+                               recording::SessionTimingMode::openEnded, 600.0});
     ASSERT_TRUE(first.ok());
     ASSERT_TRUE(store.create(draft("Plain")).ok());
     ASSERT_TRUE(store.toggleFavorite(first->id).ok());
@@ -214,4 +214,4 @@ TEST_F(FileSessionTemplateRepositoryTest, ADocumentTooLargeToReadBackIsNotWritte
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::settings

@@ -9,7 +9,7 @@
 #include "settings/json_file_defaults_domain.hpp"
 #include "support/temporary_home.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 namespace {
 
 namespace fs = std::filesystem;
@@ -47,8 +47,8 @@ TEST_F(PreferencesStoreTest, NothingStoredReadsEveryDefaultAndWritesNothing) {
     EXPECT_FALSE(store.launchAtLogin());
     EXPECT_EQ(store.appearance(), TallywiseAppearance::system);
     EXPECT_EQ(store.defaultDuration(), 1500.0);
-    EXPECT_EQ(store.defaultStudyMode(), StudySessionMode::mixedStudy);
-    EXPECT_EQ(store.lastTimingMode(), SessionTimingMode::timer);
+    EXPECT_EQ(store.defaultStudyMode(), recording::StudySessionMode::mixedStudy);
+    EXPECT_EQ(store.lastTimingMode(), recording::SessionTimingMode::timer);
     EXPECT_EQ(store.globalHotkey(), (GlobalHotkeyBinding{1, 0x300}));
     EXPECT_EQ(store.passiveStudyPromptThreshold(), 300.0);
     EXPECT_EQ(store.inactivityThreshold(), 90.0);
@@ -142,16 +142,16 @@ TEST_F(PreferencesStoreTest, LongSleepReadsOnlyTheThreeOtherChoicesExactly) {
 }
 
 TEST_F(PreferencesStoreTest, StringEnumerationsFallBackAsTheyAreDefined) {
-    const std::vector<
-        std::tuple<const char*, StudySessionMode, SessionTimingMode, TallywiseAppearance>>
+    const std::vector<std::tuple<const char*, recording::StudySessionMode,
+                                 recording::SessionTimingMode, TallywiseAppearance>>
         cases{
-            {nullptr, StudySessionMode::mixedStudy, SessionTimingMode::timer,
+            {nullptr, recording::StudySessionMode::mixedStudy, recording::SessionTimingMode::timer,
              TallywiseAppearance::system},
-            {"\"unknownWord\"", StudySessionMode::computerBased, SessionTimingMode::timer,
-             TallywiseAppearance::system},
-            {"\"\"", StudySessionMode::computerBased, SessionTimingMode::timer,
-             TallywiseAppearance::system},
-            {"7", StudySessionMode::mixedStudy, SessionTimingMode::timer,
+            {"\"unknownWord\"", recording::StudySessionMode::computerBased,
+             recording::SessionTimingMode::timer, TallywiseAppearance::system},
+            {"\"\"", recording::StudySessionMode::computerBased,
+             recording::SessionTimingMode::timer, TallywiseAppearance::system},
+            {"7", recording::StudySessionMode::mixedStudy, recording::SessionTimingMode::timer,
              TallywiseAppearance::system},
         };
     for (const auto& [json, mode, timing, appearance] : cases) {
@@ -171,8 +171,8 @@ TEST_F(PreferencesStoreTest, StringEnumerationsFallBackAsTheyAreDefined) {
     stored(R"({"session.defaultStudyMode": "offlineBookStudy",
                "session.lastTimingMode": "open_ended", "general.appearance": "dark"})");
     const PreferencesStore& store = open();
-    EXPECT_EQ(store.defaultStudyMode(), StudySessionMode::offlineBookStudy);
-    EXPECT_EQ(store.lastTimingMode(), SessionTimingMode::openEnded);
+    EXPECT_EQ(store.defaultStudyMode(), recording::StudySessionMode::offlineBookStudy);
+    EXPECT_EQ(store.lastTimingMode(), recording::SessionTimingMode::openEnded);
     EXPECT_EQ(store.appearance(), TallywiseAppearance::dark);
 }
 
@@ -280,8 +280,8 @@ TEST_F(PreferencesStoreTest, EveryAssignmentIsWrittenThroughAndAnnounced) {
     const auto token = store.addObserver([&](PreferenceProperty) { ++announcements; });
     store.setStartHidden(true);
     store.setAppearance(TallywiseAppearance::light);
-    store.setDefaultStudyMode(StudySessionMode::offlineBookStudy);
-    store.setLastTimingMode(SessionTimingMode::openEnded);
+    store.setDefaultStudyMode(recording::StudySessionMode::offlineBookStudy);
+    store.setLastTimingMode(recording::SessionTimingMode::openEnded);
     store.setDefaultSubject("Physics");
     store.setDerivedRevision(4);
     store.setGlobalHotkeyStatusMessage("Registered");
@@ -302,8 +302,8 @@ TEST_F(PreferencesStoreTest, EveryAssignmentIsWrittenThroughAndAnnounced) {
     EXPECT_FALSE(reopened.globalHotkeyStatusMessage().has_value());
 }
 
-StudySession sessionStartedAt(Date start) {
-    StudySession session;
+recording::StudySession sessionStartedAt(Date start) {
+    recording::StudySession session;
     session.id = Uuid::generate();
     session.subject = "Maths";
     session.startDate = start;
@@ -312,7 +312,7 @@ StudySession sessionStartedAt(Date start) {
 
 TEST_F(PreferencesStoreTest, TheHundredAndFirstCelebratedSessionPushesOutTheOldest) {
     PreferencesStore& store = open();
-    std::vector<StudySession> sessions;
+    std::vector<recording::StudySession> sessions;
     for (int i = 0; i < 101; ++i) {
         sessions.push_back(sessionStartedAt(kNow.addingSeconds(-3600)));
         EXPECT_TRUE(store.shouldCelebrate(sessions.back(), kNow)) << i;
@@ -336,15 +336,15 @@ TEST_F(PreferencesStoreTest, OnlySessionsThatCountForAnalyticsAreCelebrated) {
         sessionStartedAt(Date{-std::numeric_limits<double>::infinity()}), kNow));
 
     store.setSessionCelebrationsEnabled(false);
-    const StudySession eligible = sessionStartedAt(kNow.addingSeconds(-3600));
+    const recording::StudySession eligible = sessionStartedAt(kNow.addingSeconds(-3600));
     EXPECT_FALSE(store.shouldCelebrate(eligible, kNow));
     store.setSessionCelebrationsEnabled(true);
     EXPECT_TRUE(store.shouldCelebrate(eligible, kNow));
 
     JsonFileDefaultsDomain domain(path(), [] { return kNow; });
     PreferencesStore withSetupTests(
-        domain, [](const StudySession& s) { return s.subject == "Set-up test"; });
-    StudySession setupTest = sessionStartedAt(kNow.addingSeconds(-3600));
+        domain, [](const recording::StudySession& s) { return s.subject == "Set-up test"; });
+    recording::StudySession setupTest = sessionStartedAt(kNow.addingSeconds(-3600));
     setupTest.subject = "Set-up test";
     EXPECT_FALSE(withSetupTests.shouldCelebrate(setupTest, kNow));
 }
@@ -398,4 +398,4 @@ TEST_F(PreferencesStoreTest, ResetRemovesThePreferencesButKeepsTheDerivedRevisio
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::settings

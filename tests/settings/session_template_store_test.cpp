@@ -7,7 +7,7 @@
 
 #include "settings/in_memory_session_template_repository.hpp"
 
-namespace lumenote {
+namespace lumenote::settings {
 namespace {
 
 using Kind = SessionTemplateValidationErrorKind;
@@ -15,7 +15,8 @@ using Kind = SessionTemplateValidationErrorKind;
 const Date kCreated = Date::fromUnixSeconds(1763280000.0);
 
 SessionTemplateDraft draft(std::string name, double duration = 1500) {
-    return {std::move(name), "Maths", "", duration, SessionTimingMode::timer, std::nullopt};
+    return {std::move(name), "Maths", "", duration, recording::SessionTimingMode::timer,
+            std::nullopt};
 }
 
 template <typename T>
@@ -174,8 +175,8 @@ TEST_F(SessionTemplateStoreTest, UpdateKeepsIdentityAndStampsTheModificationDate
     const Uuid id = add(store, "Reading");
     ASSERT_TRUE(store.setFavorite(id, true).ok());
     now_ = kCreated.addingSeconds(600);
-    auto updated = store.update(
-        id, {"reading", "Literature", "Chapter 3", 2700, SessionTimingMode::openEnded, 300.0});
+    auto updated = store.update(id, {"reading", "Literature", "Chapter 3", 2700,
+                                     recording::SessionTimingMode::openEnded, 300.0});
     ASSERT_TRUE(updated.ok());
     EXPECT_EQ(updated->id, id);
     EXPECT_EQ(updated->name, "reading");  // its own name in another case is no clash
@@ -309,4 +310,4 @@ TEST_F(SessionTemplateStoreTest, ANewerFormatIsReadOnlyAndRefusesEveryChange) {
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::settings

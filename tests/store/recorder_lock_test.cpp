@@ -11,7 +11,7 @@
 
 #include "store_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 namespace {
 
 using namespace lumenote::testing;
@@ -36,7 +36,7 @@ class LockHoldingChild {
         if (pid_ == 0) {
             ::close(ready[0]);
             ::close(release[1]);
-            auto lock = RecorderLock::acquire(lockFile);
+            auto lock = store::RecorderLock::acquire(lockFile);
             const char status = lock.ok() ? 'y' : 'n';
             (void)::write(ready[1], &status, 1);
             char ignored;
@@ -78,24 +78,24 @@ class RecorderLockTest : public TemporaryFolderTest {
 
 TEST_F(RecorderLockTest, ASecondLockInTheSameProcessIsRefusedUntilTheFirstIsReleased) {
     {
-        auto first = RecorderLock::acquire(lockFile());
-        ASSERT_TRUE(first.ok()) << recorderLockMessage(first.error());
+        auto first = store::RecorderLock::acquire(lockFile());
+        ASSERT_TRUE(first.ok()) << store::recorderLockMessage(first.error());
         EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
         struct stat info {};
         ASSERT_EQ(::stat(lockFile().c_str(), &info), 0);
         EXPECT_EQ(info.st_mode & 0777, 0600u);
 
-        auto second = RecorderLock::acquire(lockFile());
+        auto second = store::RecorderLock::acquire(lockFile());
         ASSERT_FALSE(second.ok());
-        EXPECT_EQ(second.error().failure, RecorderLockFailure::heldByAnotherProcess);
-        EXPECT_EQ(recorderLockMessage(second.error()), "Another Lumenote process (pid " +
-                                                           std::to_string(::getpid()) +
-                                                           ") is already recording.");
+        EXPECT_EQ(second.error().failure, store::RecorderLockFailure::heldByAnotherProcess);
+        EXPECT_EQ(store::recorderLockMessage(second.error()), "Another Lumenote process (pid " +
+                                                                  std::to_string(::getpid()) +
+                                                                  ") is already recording.");
         // The refused attempt leaves the holder's id in place.
         EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
     }
     EXPECT_EQ(contentsOf(lockFile()), "");
-    EXPECT_TRUE(RecorderLock::acquire(lockFile()).ok());
+    EXPECT_TRUE(store::RecorderLock::acquire(lockFile()).ok());
 }
 
 TEST_F(RecorderLockTest, ALockHeldByAnotherProcessNamesItAndIsFreedWhenThatProcessDies) {
@@ -103,19 +103,19 @@ TEST_F(RecorderLockTest, ALockHeldByAnotherProcessNamesItAndIsFreedWhenThatProce
     ASSERT_GT(child.pid(), 0);
     ASSERT_TRUE(child.locked());
 
-    auto refused = RecorderLock::acquire(lockFile());
+    auto refused = store::RecorderLock::acquire(lockFile());
     ASSERT_FALSE(refused.ok());
     EXPECT_EQ(refused.error().holderProcessId, child.pid());
     EXPECT_EQ(
-        recorderLockMessage(refused.error()),
+        store::recorderLockMessage(refused.error()),
         "Another Lumenote process (pid " + std::to_string(child.pid()) + ") is already recording.");
 
     // The child ends without releasing: its id stays in the file, yet the
     // lock died with it.
     child.end();
     EXPECT_FALSE(contentsOf(lockFile()).empty());
-    auto taken = RecorderLock::acquire(lockFile());
-    ASSERT_TRUE(taken.ok()) << recorderLockMessage(taken.error());
+    auto taken = store::RecorderLock::acquire(lockFile());
+    ASSERT_TRUE(taken.ok()) << store::recorderLockMessage(taken.error());
     EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
 }
 
@@ -124,32 +124,32 @@ TEST_F(RecorderLockTest, AHolderWhoseIdCannotBeReadIsStillRefusedWithoutAnId) {
     // else: the refusal must not invent a process id.
     for (const std::string contents : {"", "12ab\n", "-5\n", "99999999999999999999999\n"}) {
         SCOPED_TRACE(contents);
-        auto holder = RecorderLock::acquire(lockFile());
+        auto holder = store::RecorderLock::acquire(lockFile());
         ASSERT_TRUE(holder.ok());
         std::ofstream(lockFile(), std::ios::binary | std::ios::trunc) << contents;
-        auto refused = RecorderLock::acquire(lockFile());
+        auto refused = store::RecorderLock::acquire(lockFile());
         ASSERT_FALSE(refused.ok());
         EXPECT_FALSE(refused.error().holderProcessId);
-        EXPECT_EQ(recorderLockMessage(refused.error()),
+        EXPECT_EQ(store::recorderLockMessage(refused.error()),
                   "Another Lumenote process is already recording.");
     }
 }
 
 TEST_F(RecorderLockTest, AnUnusableLockFileIsReportedAsSuch) {
     std::filesystem::create_directories(lockFile());  // a folder where the file should be
-    auto lock = RecorderLock::acquire(lockFile());
+    auto lock = store::RecorderLock::acquire(lockFile());
     ASSERT_FALSE(lock.ok());
-    EXPECT_EQ(lock.error().failure, RecorderLockFailure::unusable);
-    EXPECT_NE(recorderLockMessage(lock.error()).find(lockFile().string()), std::string::npos)
-        << recorderLockMessage(lock.error());
+    EXPECT_EQ(lock.error().failure, store::RecorderLockFailure::unusable);
+    EXPECT_NE(store::recorderLockMessage(lock.error()).find(lockFile().string()), std::string::npos)
+        << store::recorderLockMessage(lock.error());
 
     std::filesystem::remove(lockFile());
     std::filesystem::create_symlink(folder_ / "elsewhere", lockFile());
-    auto followed = RecorderLock::acquire(lockFile());
+    auto followed = store::RecorderLock::acquire(lockFile());
     ASSERT_FALSE(followed.ok());
-    EXPECT_EQ(followed.error().failure, RecorderLockFailure::unusable);
+    EXPECT_EQ(followed.error().failure, store::RecorderLockFailure::unusable);
     EXPECT_FALSE(std::filesystem::exists(folder_ / "elsewhere"));
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -7,7 +7,7 @@
 #include "store/sqlite_connection.hpp"
 #include "store_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 namespace {
 
 using namespace lumenote::testing;
@@ -28,15 +28,15 @@ class SqliteHistoryWalkTest : public TemporaryFolderTest {
         ASSERT_TRUE(store_);
     }
 
-    void apply(const StoreChangeSet& changes) {
+    void apply(const recording::StoreChangeSet& changes) {
         auto applied = store_->apply(changes);
         ASSERT_TRUE(applied.ok()) << applied.error().description;
     }
 
     // The ids of the sessions a walk visits, in visiting order.
-    std::vector<Uuid> walkSessions(const SessionWalkQuery& query) {
+    std::vector<Uuid> walkSessions(const recording::SessionWalkQuery& query) {
         std::vector<Uuid> visited;
-        auto walked = store_->forEachSession(query, [&](const StudySession& session) {
+        auto walked = store_->forEachSession(query, [&](const recording::StudySession& session) {
             visited.push_back(session.id);
             return true;
         });
@@ -46,14 +46,14 @@ class SqliteHistoryWalkTest : public TemporaryFolderTest {
 
     // The ids of the segments a walk visits, in visiting order; checks that
     // each comes with its own session.
-    std::vector<Uuid> walkSegments(const SegmentWalkQuery& query) {
+    std::vector<Uuid> walkSegments(const recording::SegmentWalkQuery& query) {
         std::vector<Uuid> visited;
-        auto walked = store_->forEachSegment(
-            query, [&](const StudySession& session, const ActivitySegment& segment) {
-                EXPECT_EQ(segment.session, session.id);
-                visited.push_back(segment.id);
-                return true;
-            });
+        auto walked = store_->forEachSegment(query, [&](const recording::StudySession& session,
+                                                        const recording::ActivitySegment& segment) {
+            EXPECT_EQ(segment.session, session.id);
+            visited.push_back(segment.id);
+            return true;
+        });
         EXPECT_TRUE(walked.ok()) << walked.error().description;
         return visited;
     }
@@ -70,7 +70,7 @@ class SqliteHistoryWalkTest : public TemporaryFolderTest {
     // start together too, and 12 is stored first. Session 4's first segment starts before those of
     // sessions 1 and 2, yet comes after them: sessions order the walk.
     void storeFourSessions() {
-        StoreChangeSet changes;
+        recording::StoreChangeSet changes;
         for (const auto& [number, start] :
              std::vector<std::pair<std::uint8_t, double>>{{4, 200}, {2, 100}, {3, 50}, {1, 100}}) {
             changes.sessions.push_back(fullSession(number, Date{start}));
@@ -87,13 +87,13 @@ class SqliteHistoryWalkTest : public TemporaryFolderTest {
         apply(changes);
     }
 
-    std::unique_ptr<SqliteRecordingStore> store_;
+    std::unique_ptr<store::SqliteRecordingStore> store_;
 };
 
 TEST_F(SqliteHistoryWalkTest, SessionsComeInStartThenIdOrderAndRangesKeepOnlyTheirLowerBound) {
     // start:  100   200   200   200   300
     // id:      5     3     4     9     1
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     for (const auto& [number, start] : std::vector<std::pair<std::uint8_t, double>>{
              {4, 200}, {1, 300}, {9, 200}, {5, 100}, {3, 200}}) {
         changes.sessions.push_back(bareSession(number, Date{start}));
@@ -104,7 +104,7 @@ TEST_F(SqliteHistoryWalkTest, SessionsComeInStartThenIdOrderAndRangesKeepOnlyThe
 
     const struct {
         const char* name;
-        SessionRange range;
+        recording::SessionRange range;
         std::vector<Uuid> expected;
     } cases[] = {
         {"everything", {}, ids({5, 3, 4, 9, 1})},
@@ -123,7 +123,7 @@ TEST_F(SqliteHistoryWalkTest, SessionsComeInStartThenIdOrderAndRangesKeepOnlyThe
         EXPECT_EQ(walkSessions({.range = testCase.range}), testCase.expected);
         // A fake reader filters with SessionRange::contains: it must agree.
         std::vector<Uuid> contained;
-        for (const StudySession& session : *everySession) {
+        for (const recording::StudySession& session : *everySession) {
             if (testCase.range.contains(session.startDate)) {
                 contained.push_back(session.id);
             }
@@ -134,7 +134,7 @@ TEST_F(SqliteHistoryWalkTest, SessionsComeInStartThenIdOrderAndRangesKeepOnlyThe
 
 TEST_F(SqliteHistoryWalkTest, ASessionComesWithItsOwnChildrenOnlyWhenAskedFor) {
     storeFourSessions();
-    StoreChangeSet more;
+    recording::StoreChangeSet more;
     more.confirmedIntervals = {confirmation(60, uuidNumbered(1), Date{120}),
                                confirmation(61, uuidNumbered(4), Date{250})};
     more.pdfIdentities = {pdfIdentity(70, uuidNumbered(1), Date{111}, "manual"),
@@ -142,13 +142,14 @@ TEST_F(SqliteHistoryWalkTest, ASessionComesWithItsOwnChildrenOnlyWhenAskedFor) {
                           pdfIdentity(72, std::nullopt, Date{92}, std::nullopt)};
     apply(more);
 
-    std::vector<StudySession> withChildren;
-    ASSERT_TRUE(store_->forEachSession({.includeChildren = true}, [&](const StudySession& session) {
-        withChildren.push_back(session);
-        return true;
-    }));
+    std::vector<recording::StudySession> withChildren;
+    ASSERT_TRUE(store_->forEachSession({.includeChildren = true},
+                                       [&](const recording::StudySession& session) {
+                                           withChildren.push_back(session);
+                                           return true;
+                                       }));
     ASSERT_EQ(withChildren.size(), 4u);
-    for (const StudySession& visited : withChildren) {
+    for (const recording::StudySession& visited : withChildren) {
         SCOPED_TRACE(visited.id.upperString());
         auto loaded = store_->loadSession(visited.id);
         ASSERT_TRUE(loaded.ok() && loaded->has_value());
@@ -157,14 +158,14 @@ TEST_F(SqliteHistoryWalkTest, ASessionComesWithItsOwnChildrenOnlyWhenAskedFor) {
     EXPECT_EQ(withChildren[1].segments.size(), 3u);  // session 1
     EXPECT_TRUE(withChildren[0].segments.empty());   // session 3
 
-    std::vector<StudySession> bare;
-    ASSERT_TRUE(store_->forEachSession({}, [&](const StudySession& session) {
+    std::vector<recording::StudySession> bare;
+    ASSERT_TRUE(store_->forEachSession({}, [&](const recording::StudySession& session) {
         bare.push_back(session);
         return true;
     }));
     ASSERT_EQ(bare.size(), 4u);
     for (std::size_t index = 0; index < bare.size(); ++index) {
-        StudySession expected = withChildren[index];
+        recording::StudySession expected = withChildren[index];
         expected.segments.clear();
         expected.confirmedNoInputIntervals.clear();
         expected.localPDFIdentities.clear();
@@ -174,9 +175,9 @@ TEST_F(SqliteHistoryWalkTest, ASessionComesWithItsOwnChildrenOnlyWhenAskedFor) {
 
 TEST_F(SqliteHistoryWalkTest, SegmentsComeBySessionThenStartThenIdWithTheirSession) {
     storeFourSessions();
-    std::vector<std::pair<StudySession, ActivitySegment>> visits;
+    std::vector<std::pair<recording::StudySession, recording::ActivitySegment>> visits;
     ASSERT_TRUE(store_->forEachSegment(
-        {}, [&](const StudySession& session, const ActivitySegment& segment) {
+        {}, [&](const recording::StudySession& session, const recording::ActivitySegment& segment) {
             visits.emplace_back(session, segment);
             return true;
         }));
@@ -186,7 +187,7 @@ TEST_F(SqliteHistoryWalkTest, SegmentsComeBySessionThenStartThenIdWithTheirSessi
         SCOPED_TRACE(segment.id.upperString());
         order.push_back(segment.id);
         // The owner as stored, without children; the segment as stored.
-        StudySession owner = store_->loadSession(session.id)->value();
+        recording::StudySession owner = store_->loadSession(session.id)->value();
         const auto stored = std::find_if(owner.segments.begin(), owner.segments.end(),
                                          [&](const auto& each) { return each.id == segment.id; });
         ASSERT_NE(stored, owner.segments.end());
@@ -204,7 +205,7 @@ TEST_F(SqliteHistoryWalkTest, SegmentSelectionsByRangeAndSessionKeepTheHistoryOr
     };
     const struct {
         const char* name;
-        SessionRange range;
+        recording::SessionRange range;
         std::optional<std::vector<Uuid>> sessions;
         std::vector<Uuid> expected;
     } cases[] = {
@@ -238,14 +239,16 @@ TEST_F(SqliteHistoryWalkTest, SegmentSelectionsByRangeAndSessionKeepTheHistoryOr
 
 TEST_F(SqliteHistoryWalkTest, AnEmptyStoreIsWalkedWithoutAVisit) {
     int visits = 0;
-    EXPECT_TRUE(store_->forEachSession({.includeChildren = true}, [&](const StudySession&) {
-        ++visits;
-        return true;
-    }));
-    EXPECT_TRUE(store_->forEachSegment({}, [&](const StudySession&, const ActivitySegment&) {
-        ++visits;
-        return true;
-    }));
+    EXPECT_TRUE(
+        store_->forEachSession({.includeChildren = true}, [&](const recording::StudySession&) {
+            ++visits;
+            return true;
+        }));
+    EXPECT_TRUE(store_->forEachSegment(
+        {}, [&](const recording::StudySession&, const recording::ActivitySegment&) {
+            ++visits;
+            return true;
+        }));
     EXPECT_EQ(visits, 0);
 }
 
@@ -254,7 +257,7 @@ TEST_F(SqliteHistoryWalkTest, AVisitorThatReturnsFalseIsTheLastOneCalled) {
     for (std::size_t stopAt = 1; stopAt <= 4; ++stopAt) {
         SCOPED_TRACE("sessions, stop at " + std::to_string(stopAt));
         std::vector<Uuid> visited;
-        ASSERT_TRUE(store_->forEachSession({}, [&](const StudySession& session) {
+        ASSERT_TRUE(store_->forEachSession({}, [&](const recording::StudySession& session) {
             visited.push_back(session.id);
             return visited.size() < stopAt;
         }));
@@ -265,8 +268,8 @@ TEST_F(SqliteHistoryWalkTest, AVisitorThatReturnsFalseIsTheLastOneCalled) {
     for (std::size_t stopAt : {2u, 3u, 6u}) {
         SCOPED_TRACE("segments, stop at " + std::to_string(stopAt));
         std::vector<Uuid> visited;
-        ASSERT_TRUE(
-            store_->forEachSegment({}, [&](const StudySession&, const ActivitySegment& segment) {
+        ASSERT_TRUE(store_->forEachSegment(
+            {}, [&](const recording::StudySession&, const recording::ActivitySegment& segment) {
                 visited.push_back(segment.id);
                 return visited.size() < stopAt;
             }));
@@ -279,22 +282,23 @@ TEST_F(SqliteHistoryWalkTest, AVisitorMayReadTheSameStoreWhileTheWalkRuns) {
     storeFourSessions();
     std::vector<Uuid> nested;
     std::size_t segmentsSeen = 0;
-    ASSERT_TRUE(store_->forEachSession({.includeChildren = true}, [&](const StudySession& session) {
-        // The same statements the walk uses for children, and a second walk.
-        auto loaded = store_->loadSession(session.id);
-        EXPECT_TRUE(loaded.ok() && loaded->has_value() && **loaded == session);
-        auto listed = store_->listSessions({.includeChildren = true});
-        EXPECT_TRUE(listed.ok() && listed->size() == 4u);
-        EXPECT_TRUE(
-            store_->forEachSegment({.sessions = std::vector<Uuid>{session.id}},
-                                   [&](const StudySession& owner, const ActivitySegment& segment) {
-                                       EXPECT_EQ(owner.id, session.id);
-                                       nested.push_back(segment.id);
-                                       return true;
-                                   }));
-        segmentsSeen += session.segments.size();
-        return true;
-    }));
+    ASSERT_TRUE(store_->forEachSession(
+        {.includeChildren = true}, [&](const recording::StudySession& session) {
+            // The same statements the walk uses for children, and a second walk.
+            auto loaded = store_->loadSession(session.id);
+            EXPECT_TRUE(loaded.ok() && loaded->has_value() && **loaded == session);
+            auto listed = store_->listSessions({.includeChildren = true});
+            EXPECT_TRUE(listed.ok() && listed->size() == 4u);
+            EXPECT_TRUE(store_->forEachSegment({.sessions = std::vector<Uuid>{session.id}},
+                                               [&](const recording::StudySession& owner,
+                                                   const recording::ActivitySegment& segment) {
+                                                   EXPECT_EQ(owner.id, session.id);
+                                                   nested.push_back(segment.id);
+                                                   return true;
+                                               }));
+            segmentsSeen += session.segments.size();
+            return true;
+        }));
     EXPECT_EQ(nested, ids({11, 12, 13, 21, 41, 42}));
     EXPECT_EQ(segmentsSeen, 6u);
 }
@@ -304,8 +308,8 @@ TEST_F(SqliteHistoryWalkTest, AVisitorMayReadTheSameStoreWhileTheWalkRuns) {
 class SqliteHistoryWalkFileTest : public SqliteHistoryWalkTest {
   protected:
     // A second connection to the store file, as another process holds it.
-    std::unique_ptr<SqliteConnection> connectAgain() {
-        auto connection = SqliteConnection::open(storeFile().string());
+    std::unique_ptr<store::SqliteConnection> connectAgain() {
+        auto connection = store::SqliteConnection::open(storeFile().string());
         EXPECT_TRUE(connection.ok());
         return connection.ok() ? std::move(*connection) : nullptr;
     }
@@ -313,7 +317,7 @@ class SqliteHistoryWalkFileTest : public SqliteHistoryWalkTest {
     // Whether a full checkpoint from `connection` could fold the whole
     // write-ahead log into the file: not while some reader still reads a
     // snapshot that needs it.
-    static bool checkpointCompletes(SqliteConnection& connection) {
+    static bool checkpointCompletes(store::SqliteConnection& connection) {
         auto checkpoint = connection.cached("PRAGMA wal_checkpoint(TRUNCATE)");
         EXPECT_TRUE(checkpoint.ok());
         auto row = (*checkpoint)->step();
@@ -329,12 +333,12 @@ TEST_F(SqliteHistoryWalkFileTest, AWalkSeesOneSnapshotAndReleasesItWhenItEnds) {
     other->setBusyTimeout(0);
     ASSERT_TRUE(checkpointCompletes(*other));
     // Something in the log again, so that a walk's snapshot depends on it.
-    apply(StoreChangeSet{.sessions = {bareSession(5, Date{400})}});
+    apply(recording::StoreChangeSet{.sessions = {bareSession(5, Date{400})}});
 
     // Another process records a session while the walk is under way.
     std::vector<Uuid> visited;
     bool checkpointedDuringWalk = true;
-    ASSERT_TRUE(store_->forEachSession({}, [&](const StudySession& session) {
+    ASSERT_TRUE(store_->forEachSession({}, [&](const recording::StudySession& session) {
         if (visited.empty()) {
             auto inserted = other->execute(
                 "INSERT INTO sessions (id, subject, goal, plannedDuration, startDate, "
@@ -355,13 +359,14 @@ TEST_F(SqliteHistoryWalkFileTest, AWalkSeesOneSnapshotAndReleasesItWhenItEnds) {
 
     // Walks stopped early, at a segment or at a session read with its
     // children, end their reads too.
-    apply(StoreChangeSet{.sessions = {bareSession(7, Date{600})}});
+    apply(recording::StoreChangeSet{.sessions = {bareSession(7, Date{600})}});
     ASSERT_TRUE(store_->forEachSegment(
-        {}, [](const StudySession&, const ActivitySegment&) { return false; }));
+        {},
+        [](const recording::StudySession&, const recording::ActivitySegment&) { return false; }));
     EXPECT_TRUE(checkpointCompletes(*other));
-    apply(StoreChangeSet{.sessions = {bareSession(8, Date{700})}});
+    apply(recording::StoreChangeSet{.sessions = {bareSession(8, Date{700})}});
     ASSERT_TRUE(store_->forEachSession({.includeChildren = true},
-                                       [](const StudySession&) { return false; }));
+                                       [](const recording::StudySession&) { return false; }));
     EXPECT_TRUE(checkpointCompletes(*other));
 }
 
@@ -378,4 +383,4 @@ TEST_F(SqliteHistoryWalkFileTest, WalksGoOnWhileAnotherConnectionHoldsTheWriteLo
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -10,16 +10,16 @@
 #include "store/sqlite_connection.hpp"
 #include "store_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 namespace {
 
 using namespace lumenote::testing;
 
 const Date kDay = Date{800000000.0};
 
-std::vector<Uuid> idsOf(const std::vector<StudySession>& sessions) {
+std::vector<Uuid> idsOf(const std::vector<recording::StudySession>& sessions) {
     std::vector<Uuid> ids;
-    for (const StudySession& session : sessions) {
+    for (const recording::StudySession& session : sessions) {
         ids.push_back(session.id);
     }
     return ids;
@@ -28,7 +28,7 @@ std::vector<Uuid> idsOf(const std::vector<StudySession>& sessions) {
 class SqliteRecordingStoreTest : public TemporaryFolderTest {
   protected:
     // Applies `changes`, failing the test when the store refuses them.
-    void apply(RecordingStore& store, const StoreChangeSet& changes) {
+    void apply(recording::RecordingStore& store, const recording::StoreChangeSet& changes) {
         auto applied = store.apply(changes);
         ASSERT_TRUE(applied.ok()) << applied.error().description;
     }
@@ -39,22 +39,23 @@ class SqliteRecordingStoreTest : public TemporaryFolderTest {
 TEST_F(SqliteRecordingStoreTest, EveryFieldSurvivesClosingAndReopeningTheFile) {
     // A full session with children, and one written by the first layout whose
     // optional columns are all empty and whose raw texts name no known case.
-    StudySession full = fullSession(1, Date{-12345.678});
-    StudySession bare = bareSession(2, kDay);
+    recording::StudySession full = fullSession(1, Date{-12345.678});
+    recording::StudySession bare = bareSession(2, kDay);
     bare.statusRawValue = "archived-by-a-later-release";
     full.segments = {fullSegment(10, full.id, Date{-12000}),
                      bareSegment(11, full.id, Date{-11000})};
     full.segments[1].classificationRawValue = "sort-of-focused";
-    ConfirmedNoInputInterval superseded = confirmation(20, full.id, Date{-11500});
+    recording::ConfirmedNoInputInterval superseded = confirmation(20, full.id, Date{-11500});
     superseded.supersededAt = Date{-10000.5};
-    ConfirmedNoInputInterval unknownState = confirmation(21, full.id, Date{-11400});
+    recording::ConfirmedNoInputInterval unknownState = confirmation(21, full.id, Date{-11400});
     unknownState.stateRawValue = "meditation";
     unknownState.sourceRawValue = "voiceCommand";
     full.confirmedNoInputIntervals = {superseded, unknownState};
-    const LocalPDFIdentity identity = pdfIdentity(30, full.id, Date{-11900}, "filename");
+    const classification::LocalPDFIdentity identity =
+        pdfIdentity(30, full.id, Date{-11900}, "filename");
     full.localPDFIdentities = {identity.id};
 
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     changes.sessions = {full, bare};
     changes.segments = full.segments;
     changes.confirmedIntervals = full.confirmedNoInputIntervals;
@@ -68,7 +69,7 @@ TEST_F(SqliteRecordingStoreTest, EveryFieldSurvivesClosingAndReopeningTheFile) {
 
     auto store = openStore();
     ASSERT_TRUE(store);
-    for (const StudySession& expected : {full, bare}) {
+    for (const recording::StudySession& expected : {full, bare}) {
         auto loaded = store->loadSession(expected.id);
         ASSERT_TRUE(loaded.ok()) << loaded.error().description;
         ASSERT_TRUE(loaded->has_value());
@@ -76,10 +77,10 @@ TEST_F(SqliteRecordingStoreTest, EveryFieldSurvivesClosingAndReopeningTheFile) {
     }
     auto listed = store->listSessions({.newestFirst = false, .includeChildren = true});
     ASSERT_TRUE(listed.ok());
-    EXPECT_EQ(*listed, (std::vector<StudySession>{full, bare}));
+    EXPECT_EQ(*listed, (std::vector<recording::StudySession>{full, bare}));
     auto identities = store->pdfIdentities(std::nullopt);
     ASSERT_TRUE(identities.ok());
-    EXPECT_EQ(*identities, std::vector<LocalPDFIdentity>{identity});
+    EXPECT_EQ(*identities, std::vector<classification::LocalPDFIdentity>{identity});
     auto missing = store->loadSession(uuidNumbered(99));
     ASSERT_TRUE(missing.ok());
     EXPECT_FALSE(missing->has_value());
@@ -107,17 +108,18 @@ TEST_F(SqliteRecordingStoreTest, RulesAndPreferencesRoundTripAndKeepOneRecordPer
     auto apps = store->appClassifications();
     ASSERT_TRUE(apps.ok());
     EXPECT_EQ(*apps,
-              (std::vector<AppClassification>{
+              (std::vector<classification::AppClassification>{
                   {"com.microsoft.Word", "Microsoft Word", "later-case", kDay.addingSeconds(5)},
                   {"com.microsoft.word", "wörd", "neutral", kDay}}));
     auto websites = store->websiteClassifications();
     ASSERT_TRUE(websites.ok());
-    EXPECT_EQ(*websites, (std::vector<WebsiteClassification>{
+    EXPECT_EQ(*websites, (std::vector<classification::WebsiteClassification>{
                              {"bücher.de", "focused", kDay},
                              {"zoom.us", "distracting", kDay.addingSeconds(1)}}));
     auto preferences = store->localPDFPreferences();
     ASSERT_TRUE(preferences.ok());
-    EXPECT_EQ(*preferences, (LocalPDFPreferences{uuidNumbered(2), false, "some-new-case"}));
+    EXPECT_EQ(*preferences,
+              (classification::LocalPDFPreferences{uuidNumbered(2), false, "some-new-case"}));
 
     ASSERT_TRUE(store->deleteAllAppClassifications());
     ASSERT_TRUE(store->deleteAllWebsiteClassifications());
@@ -128,10 +130,10 @@ TEST_F(SqliteRecordingStoreTest, RulesAndPreferencesRoundTripAndKeepOneRecordPer
 }
 
 TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChildren) {
-    auto store = SqliteRecordingStore::openInMemory();
+    auto store = store::SqliteRecordingStore::openInMemory();
     ASSERT_TRUE(store.ok());
-    StudySession session = bareSession(1, kDay);
-    StoreChangeSet first;
+    recording::StudySession session = bareSession(1, kDay);
+    recording::StoreChangeSet first;
     first.sessions = {session};
     first.segments = {bareSegment(10, session.id, kDay)};
     first.confirmedIntervals = {confirmation(20, session.id, kDay)};
@@ -142,9 +144,9 @@ TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChi
     // deleted the row first would take the children with it.
     session.subject = "Chemie";
     session.timerDuration = 42;
-    StoreChangeSet update;
+    recording::StoreChangeSet update;
     update.sessions = {session};
-    ActivitySegment grown = bareSegment(10, session.id, kDay);
+    recording::ActivitySegment grown = bareSegment(10, session.id, kDay);
     grown.endDate = kDay.addingSeconds(25);
     grown.duration = 25;
     update.segments = {grown};
@@ -155,19 +157,19 @@ TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChi
     ASSERT_TRUE(loaded->has_value());
     EXPECT_EQ((*loaded)->subject, "Chemie");
     EXPECT_EQ((*loaded)->timerDuration, 42);
-    EXPECT_EQ((*loaded)->segments, std::vector<ActivitySegment>{grown});
+    EXPECT_EQ((*loaded)->segments, std::vector<recording::ActivitySegment>{grown});
     EXPECT_EQ((*loaded)->confirmedNoInputIntervals.size(), 1u);
     EXPECT_EQ((*loaded)->localPDFIdentities, std::vector<Uuid>{uuidNumbered(30)});
 
     // Changes of indexed columns (status, start, owner) reach the indexes the
     // queries go through.
-    StudySession other = bareSession(2, kDay.addingSeconds(-50));
-    session.setStatus(StudySessionStatus::completed);
+    recording::StudySession other = bareSession(2, kDay.addingSeconds(-50));
+    session.setStatus(recording::StudySessionStatus::completed);
     session.endDate = kDay.addingSeconds(60);
     session.startDate = kDay.addingSeconds(-100);
     grown.startDate = kDay.addingSeconds(5);
     grown.session = other.id;
-    StoreChangeSet moves;
+    recording::StoreChangeSet moves;
     moves.sessions = {other, session};
     moves.segments = {grown};
     apply(**store, moves);
@@ -175,7 +177,7 @@ TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChi
     EXPECT_EQ(idsOf(*(*store)->listSessions({})), (std::vector<Uuid>{other.id, session.id}));
     EXPECT_TRUE((*store)->loadSession(session.id)->value().segments.empty());
     EXPECT_EQ((*store)->loadSession(other.id)->value().segments,
-              std::vector<ActivitySegment>{grown});
+              std::vector<recording::ActivitySegment>{grown});
 }
 
 // ---- deletion -------------------------------------------------------------
@@ -183,7 +185,7 @@ TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChi
 TEST_F(SqliteRecordingStoreTest, DeletingASessionTakesItsChildrenAndNothingElse) {
     auto store = openStore();
     ASSERT_TRUE(store);
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     for (const std::uint8_t number : {std::uint8_t{1}, std::uint8_t{2}}) {
         const Uuid session = uuidNumbered(number);
         changes.sessions.push_back(bareSession(number, kDay.addingSeconds(number)));
@@ -197,7 +199,7 @@ TEST_F(SqliteRecordingStoreTest, DeletingASessionTakesItsChildrenAndNothingElse)
     changes.pdfIdentities.push_back(pdfIdentity(39, std::nullopt, kDay, std::nullopt));
     apply(*store, changes);
 
-    StoreChangeSet deletion;
+    recording::StoreChangeSet deletion;
     deletion.deletedSessions = {uuidNumbered(1), uuidNumbered(77)};  // 77 was never stored
     apply(*store, deletion);
 
@@ -213,7 +215,7 @@ TEST_F(SqliteRecordingStoreTest, DeletingASessionTakesItsChildrenAndNothingElse)
     EXPECT_EQ((*identities)[1].id, uuidNumbered(39));
 
     // Restoring the deleted session with its own ids brings back its children.
-    StoreChangeSet restore;
+    recording::StoreChangeSet restore;
     restore.sessions = {changes.sessions[0]};
     restore.segments = {changes.segments[0]};
     restore.confirmedIntervals = {changes.confirmedIntervals[0]};
@@ -221,7 +223,7 @@ TEST_F(SqliteRecordingStoreTest, DeletingASessionTakesItsChildrenAndNothingElse)
     apply(*store, restore);
     auto restored = store->loadSession(uuidNumbered(1));
     ASSERT_TRUE(restored.ok() && restored->has_value());
-    EXPECT_EQ((*restored)->segments, std::vector<ActivitySegment>{changes.segments[0]});
+    EXPECT_EQ((*restored)->segments, std::vector<recording::ActivitySegment>{changes.segments[0]});
 
     ASSERT_TRUE(store->deleteAllSessions());
     EXPECT_EQ(*store->sessionCount(), 0u);
@@ -234,18 +236,19 @@ TEST_F(SqliteRecordingStoreTest, DeletingASessionTakesItsChildrenAndNothingElse)
 TEST_F(SqliteRecordingStoreTest, AChangeSetThatFailsHalfwayLeavesNothingApplied) {
     const Uuid stored = uuidNumbered(1);
     const Uuid added = uuidNumbered(2);
-    ActivitySegment orphan = bareSegment(12, uuidNumbered(66), kDay);  // names no session
-    ActivitySegment ownerless = bareSegment(13, stored, kDay);
+    recording::ActivitySegment orphan =
+        bareSegment(12, uuidNumbered(66), kDay);  // names no session
+    recording::ActivitySegment ownerless = bareSegment(13, stored, kDay);
     ownerless.session.reset();
-    ConfirmedNoInputInterval ownerlessInterval = confirmation(21, stored, kDay);
+    recording::ConfirmedNoInputInterval ownerlessInterval = confirmation(21, stored, kDay);
     ownerlessInterval.session.reset();
-    StudySession invalid = bareSession(3, kDay);
+    recording::StudySession invalid = bareSession(3, kDay);
     invalid.focusScore = std::nan("");       // SQLite stores NaN as NULL...
     invalid.plannedDuration = std::nan("");  // ...which this column refuses
 
     const struct {
         const char* name;
-        std::function<void(StoreChangeSet&)> spoil;
+        std::function<void(recording::StoreChangeSet&)> spoil;
         const char* error;
     } cases[] = {
         {"segment of a missing session", [&](auto& c) { c.segments.push_back(orphan); },
@@ -263,14 +266,14 @@ TEST_F(SqliteRecordingStoreTest, AChangeSetThatFailsHalfwayLeavesNothingApplied)
             SCOPED_TRACE(std::string(testCase.name) + (durable ? ", durable" : ""));
             auto store = openStore(folder_ / std::to_string(++run) / "lumenote.sqlite");
             ASSERT_TRUE(store);
-            StoreChangeSet base;
+            recording::StoreChangeSet base;
             base.sessions = {bareSession(1, kDay)};
             base.segments = {bareSegment(10, stored, kDay)};
             apply(*store, base);
 
-            StoreChangeSet changes;
+            recording::StoreChangeSet changes;
             changes.durable = durable;
-            StudySession renamed = bareSession(1, kDay);
+            recording::StudySession renamed = bareSession(1, kDay);
             renamed.subject = "renamed";
             changes.sessions = {renamed, bareSession(2, kDay)};
             changes.segments = {bareSegment(11, added, kDay)};
@@ -303,7 +306,7 @@ TEST_F(SqliteRecordingStoreTest, TheStoreFileIsPrivateWriteAheadAndSmallPaged) {
     ASSERT_EQ(::stat(storeFile().parent_path().c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0700u);
 
-    auto connection = SqliteConnection::open(storeFile().string());
+    auto connection = store::SqliteConnection::open(storeFile().string());
     ASSERT_TRUE(connection.ok());
     auto mode = (*connection)->cached("PRAGMA journal_mode");
     ASSERT_TRUE(mode.ok());
@@ -318,9 +321,9 @@ TEST_F(SqliteRecordingStoreTest, TheStoreFileIsPrivateWriteAheadAndSmallPaged) {
 TEST_F(SqliteRecordingStoreTest, ListingOrdersByStartThenIdAndHonoursRangeAndPaging) {
     // start:  100   200   200   200   300
     // id:      5     3     4     9     1
-    auto store = SqliteRecordingStore::openInMemory();
+    auto store = store::SqliteRecordingStore::openInMemory();
     ASSERT_TRUE(store.ok());
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     for (const auto& [number, start] : std::vector<std::pair<std::uint8_t, double>>{
              {4, 200}, {1, 300}, {9, 200}, {5, 100}, {3, 200}}) {
         changes.sessions.push_back(bareSession(number, Date{start}));
@@ -337,7 +340,7 @@ TEST_F(SqliteRecordingStoreTest, ListingOrdersByStartThenIdAndHonoursRangeAndPag
     };
     const struct {
         const char* name;
-        SessionQuery query;
+        recording::SessionQuery query;
         std::vector<Uuid> expected;
     } cases[] = {
         {"newest first", {}, ids({1, 9, 4, 3, 5})},
@@ -360,23 +363,24 @@ TEST_F(SqliteRecordingStoreTest, ListingOrdersByStartThenIdAndHonoursRangeAndPag
         auto listed = (*store)->listSessions(testCase.query);
         ASSERT_TRUE(listed.ok()) << listed.error().description;
         EXPECT_EQ(idsOf(*listed), testCase.expected);
-        for (const StudySession& session : *listed) {
+        for (const recording::StudySession& session : *listed) {
             EXPECT_TRUE(session.segments.empty());
         }
     }
     auto withChildren = (*store)->listSessions({.limit = 1, .includeChildren = true});
     ASSERT_TRUE(withChildren.ok());
     ASSERT_EQ(withChildren->size(), 1u);
-    EXPECT_EQ(withChildren->front().segments, std::vector<ActivitySegment>{changes.segments[1]});
+    EXPECT_EQ(withChildren->front().segments,
+              std::vector<recording::ActivitySegment>{changes.segments[1]});
 }
 
 TEST_F(SqliteRecordingStoreTest, LiveSessionsAreTheRunningAndPausedOnesWithTheirChildren) {
-    auto store = SqliteRecordingStore::openInMemory();
+    auto store = store::SqliteRecordingStore::openInMemory();
     ASSERT_TRUE(store.ok());
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     const char* statuses[] = {"completed", "paused", "interrupted", "running", "Running", "later"};
     for (std::uint8_t number = 0; number < 6; ++number) {
-        StudySession session = bareSession(number, Date{1000.0 - number});
+        recording::StudySession session = bareSession(number, Date{1000.0 - number});
         session.statusRawValue = statuses[number];
         changes.sessions.push_back(session);
     }
@@ -390,16 +394,16 @@ TEST_F(SqliteRecordingStoreTest, LiveSessionsAreTheRunningAndPausedOnesWithTheir
 }
 
 TEST_F(SqliteRecordingStoreTest, ClearingFilenameLabelsKeepsManualOnesAndClearsSegmentCopies) {
-    auto store = SqliteRecordingStore::openInMemory();
+    auto store = store::SqliteRecordingStore::openInMemory();
     ASSERT_TRUE(store.ok());
     const Uuid session = uuidNumbered(1);
-    StoreChangeSet changes;
+    recording::StoreChangeSet changes;
     changes.sessions = {bareSession(1, kDay)};
     changes.pdfIdentities = {pdfIdentity(30, session, kDay, "filename"),
                              pdfIdentity(31, std::nullopt, kDay.addingSeconds(1), "filename"),
                              pdfIdentity(32, session, kDay.addingSeconds(2), "manual"),
                              pdfIdentity(33, session, kDay.addingSeconds(3), std::nullopt)};
-    ActivitySegment manual = fullSegment(11, session, kDay.addingSeconds(60));
+    recording::ActivitySegment manual = fullSegment(11, session, kDay.addingSeconds(60));
     manual.pdfLabelSourceRawValue = "manual";
     changes.segments = {fullSegment(10, session, kDay), manual};
     apply(**store, changes);
@@ -427,4 +431,4 @@ TEST_F(SqliteRecordingStoreTest, ClearingFilenameLabelsKeepsManualOnesAndClearsS
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -13,7 +13,7 @@
 #include "store/store_schema.hpp"
 #include "store_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 namespace {
 
 using namespace lumenote::testing;
@@ -22,20 +22,20 @@ using namespace std::chrono_literals;
 const Date kDay = Date{800000000.0};
 
 // No waiting: a held lock fails the first attempt at once.
-const SqliteStoreOptions kImpatient{.busyTimeout = 0ms};
+const store::SqliteStoreOptions kImpatient{.busyTimeout = 0ms};
 
 class StoreErrorsTest : public TemporaryFolderTest {
   protected:
     // A second connection to `file`, as another process would hold it.
-    static std::unique_ptr<SqliteConnection> connect(const std::filesystem::path& file) {
+    static std::unique_ptr<store::SqliteConnection> connect(const std::filesystem::path& file) {
         std::filesystem::create_directories(file.parent_path());
-        auto connection = SqliteConnection::open(file.string());
+        auto connection = store::SqliteConnection::open(file.string());
         EXPECT_TRUE(connection.ok());
         return connection.ok() ? std::move(*connection) : nullptr;
     }
 
-    static StoreChangeSet oneSession(std::uint8_t number) {
-        StoreChangeSet changes;
+    static recording::StoreChangeSet oneSession(std::uint8_t number) {
+        recording::StoreChangeSet changes;
         changes.sessions = {bareSession(number, kDay.addingSeconds(number))};
         changes.segments = {bareSegment(static_cast<std::uint8_t>(100 + number),
                                         uuidNumbered(number), kDay.addingSeconds(number))};
@@ -76,10 +76,10 @@ TEST(StoreErrorKindTest, SqliteResultCodesMapToTheirKinds) {
     for (const auto& testCase : cases) {
         SCOPED_TRACE(sqlite3_errstr(testCase.code) + std::string(" errno ") +
                      std::to_string(testCase.systemErrno));
-        EXPECT_EQ(storeErrorKind(testCase.code, testCase.systemErrno), testCase.expected);
+        EXPECT_EQ(store::storeErrorKind(testCase.code, testCase.systemErrno), testCase.expected);
     }
-    EXPECT_EQ(storeErrorKindOfSystemError(ENOSPC), StoreErrorKind::full);
-    EXPECT_EQ(storeErrorKindOfSystemError(EACCES), StoreErrorKind::other);
+    EXPECT_EQ(store::storeErrorKindOfSystemError(ENOSPC), StoreErrorKind::full);
+    EXPECT_EQ(store::storeErrorKindOfSystemError(EACCES), StoreErrorKind::other);
 }
 
 // ---- busy -----------------------------------------------------------------
@@ -99,7 +99,7 @@ TEST_F(StoreErrorsTest, EveryWriteIsBusyWhileAnotherConnectionHoldsTheWriteLock)
         {"change set", [&] { return store->apply(oneSession(2)); }},
         {"durable change set",
          [&] {
-             StoreChangeSet changes = oneSession(2);
+             recording::StoreChangeSet changes = oneSession(2);
              changes.durable = true;
              return store->apply(changes);
          }},
@@ -131,10 +131,11 @@ TEST_F(StoreErrorsTest, EveryWriteIsBusyWhileAnotherConnectionHoldsTheWriteLock)
     ASSERT_TRUE(count.ok()) << count.error().description;
     EXPECT_EQ(*count, 1u);
     int visits = 0;
-    auto walked = store->forEachSession({.includeChildren = true}, [&](const StudySession&) {
-        ++visits;
-        return true;
-    });
+    auto walked =
+        store->forEachSession({.includeChildren = true}, [&](const recording::StudySession&) {
+            ++visits;
+            return true;
+        });
     ASSERT_TRUE(walked.ok()) << walked.error().description;
     EXPECT_EQ(visits, 1);
 
@@ -151,12 +152,12 @@ TEST_F(StoreErrorsTest, OpeningANewFileWhileAnotherConnectionWritesItIsBusy) {
     ASSERT_TRUE(other);
     ASSERT_TRUE(other->execute("BEGIN IMMEDIATE; CREATE TABLE unrelated (x)"));
 
-    auto refused = SqliteRecordingStore::open(storeFile(), kImpatient);
+    auto refused = store::SqliteRecordingStore::open(storeFile(), kImpatient);
     ASSERT_FALSE(refused.ok());
     EXPECT_EQ(refused.error().kind, StoreErrorKind::busy) << refused.error().description;
 
     ASSERT_TRUE(other->execute("ROLLBACK"));
-    auto opened = SqliteRecordingStore::open(storeFile(), kImpatient);
+    auto opened = store::SqliteRecordingStore::open(storeFile(), kImpatient);
     ASSERT_TRUE(opened.ok()) << opened.error().description;
 }
 
@@ -180,7 +181,7 @@ TEST_F(StoreErrorsTest, ADamagedTableIsCorruptWhenReadWhileTheRestStillReads) {
     {
         auto store = openStore();
         ASSERT_TRUE(store);
-        StoreChangeSet changes;
+        recording::StoreChangeSet changes;
         changes.sessions = {fullSession(1, kDay)};
         // Enough segments to fill several pages of their table.
         for (std::uint8_t number = 10; number < 250; ++number) {
@@ -219,7 +220,7 @@ TEST_F(StoreErrorsTest, ADamagedTableIsCorruptWhenReadWhileTheRestStillReads) {
 
     // Walks fail the same way, and only where they reach the damage.
     int visits = 0;
-    const auto countSession = [&](const StudySession&) {
+    const auto countSession = [&](const recording::StudySession&) {
         ++visits;
         return true;
     };
@@ -228,10 +229,11 @@ TEST_F(StoreErrorsTest, ADamagedTableIsCorruptWhenReadWhileTheRestStillReads) {
     auto withChildren = store->forEachSession({.includeChildren = true}, countSession);
     ASSERT_FALSE(withChildren.ok());
     EXPECT_EQ(withChildren.error().kind, StoreErrorKind::corrupt);
-    auto segments = store->forEachSegment({}, [&](const StudySession&, const ActivitySegment&) {
-        ++visits;
-        return true;
-    });
+    auto segments = store->forEachSegment(
+        {}, [&](const recording::StudySession&, const recording::ActivitySegment&) {
+            ++visits;
+            return true;
+        });
     ASSERT_FALSE(segments.ok());
     EXPECT_EQ(segments.error().kind, StoreErrorKind::corrupt) << segments.error().description;
     EXPECT_EQ(visits, 1);
@@ -249,7 +251,7 @@ TEST_F(StoreErrorsTest, AFileAtItsSizeLimitIsFullAndKeepsWhatItHad) {
         "INSERT INTO website_classifications VALUES ('small.org', 'focused', 0)"));
 
     {
-        auto transaction = SqliteTransaction::beginImmediate(*connection);
+        auto transaction = store::SqliteTransaction::beginImmediate(*connection);
         ASSERT_TRUE(transaction.ok());
         auto inserted = connection->execute(
             "INSERT INTO website_classifications VALUES (printf('%.20000c', 'x'), 'focused', 0)");
@@ -262,7 +264,9 @@ TEST_F(StoreErrorsTest, AFileAtItsSizeLimitIsFullAndKeepsWhatItHad) {
     ASSERT_TRUE(store);
     auto rules = store->websiteClassifications();
     ASSERT_TRUE(rules.ok());
-    EXPECT_EQ(*rules, (std::vector<WebsiteClassification>{{"small.org", "focused", Date{0}}}));
+    EXPECT_EQ(
+        *rules,
+        (std::vector<classification::WebsiteClassification>{{"small.org", "focused", Date{0}}}));
 }
 
 TEST_F(StoreErrorsTest, AMigrationThatRunsOutOfRoomIsFullAndRecordsNothing) {
@@ -271,13 +275,13 @@ TEST_F(StoreErrorsTest, AMigrationThatRunsOutOfRoomIsFullAndRecordsNothing) {
     // Room for the migration table, not for the layout.
     ASSERT_TRUE(connection->execute("PRAGMA page_size = 1024; PRAGMA max_page_count = 3"));
 
-    auto migrated = migrate(*connection, storeMigrations());
+    auto migrated = store::migrate(*connection, store::storeMigrations());
     ASSERT_FALSE(migrated.ok());
     EXPECT_EQ(migrated.error().kind, StoreErrorKind::full) << migrated.error().description;
     EXPECT_NE(migrated.error().description.find("schema migration 1 failed"), std::string::npos)
         << migrated.error().description;
-    EXPECT_EQ(*recordedSchemaVersion(*connection), 0);
+    EXPECT_EQ(*store::recordedSchemaVersion(*connection), 0);
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -8,7 +8,7 @@
 #include "store/store_files.hpp"
 #include "store_test_support.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 namespace {
 
 using namespace lumenote::testing;
@@ -20,13 +20,14 @@ std::string readBytes(const std::filesystem::path& path) {
 
 class StoreSchemaTest : public TemporaryFolderTest {
   protected:
-    std::unique_ptr<SqliteConnection> connect() {
-        auto connection = SqliteConnection::open((folder_ / "schema.sqlite").string());
+    std::unique_ptr<store::SqliteConnection> connect() {
+        auto connection = store::SqliteConnection::open((folder_ / "schema.sqlite").string());
         EXPECT_TRUE(connection.ok());
         return connection.ok() ? std::move(*connection) : nullptr;
     }
 
-    static std::vector<std::pair<long long, std::string>> recorded(SqliteConnection& connection) {
+    static std::vector<std::pair<long long, std::string>> recorded(
+        store::SqliteConnection& connection) {
         std::vector<std::pair<long long, std::string>> rows;
         auto statement = connection.cached(
             "SELECT version, description FROM schema_migrations ORDER BY version");
@@ -37,7 +38,7 @@ class StoreSchemaTest : public TemporaryFolderTest {
         return rows;
     }
 
-    static long long tableCount(SqliteConnection& connection, const std::string& name) {
+    static long long tableCount(store::SqliteConnection& connection, const std::string& name) {
         return connection
             .queryInteger("SELECT count(*) FROM sqlite_schema WHERE type = 'table' AND name = '" +
                           name + "'")
@@ -47,37 +48,37 @@ class StoreSchemaTest : public TemporaryFolderTest {
 
 TEST_F(StoreSchemaTest, ANewStoreRecordsEveryMigrationOfThisRelease) {
     ASSERT_TRUE(openStore());
-    auto connection = SqliteConnection::open(storeFile().string());
+    auto connection = store::SqliteConnection::open(storeFile().string());
     ASSERT_TRUE(connection.ok());
     std::vector<std::pair<long long, std::string>> expected;
-    for (const SchemaMigration& migration : storeMigrations()) {
+    for (const store::SchemaMigration& migration : store::storeMigrations()) {
         expected.emplace_back(migration.version, std::string(migration.description));
     }
     EXPECT_EQ(recorded(**connection), expected);
-    EXPECT_EQ(*recordedSchemaVersion(**connection), storeMigrations().back().version);
+    EXPECT_EQ(*store::recordedSchemaVersion(**connection), store::storeMigrations().back().version);
     // Opening an up-to-date store again runs nothing twice.
     ASSERT_TRUE(openStore());
 }
 
 TEST_F(StoreSchemaTest, OnlyMissingMigrationsRunAndAFailingOneLeavesTheFileAsItWas) {
-    const SchemaMigration first{1, "a", "CREATE TABLE a (x)"};
-    const SchemaMigration second{2, "b", "CREATE TABLE b (x); CREATE INDEX b_x ON b (x)"};
-    const SchemaMigration broken{3, "c", "CREATE TABLE c (x); CREATE TABLE d (x"};
-    const SchemaMigration fourth{4, "e", "CREATE TABLE e (x)"};
+    const store::SchemaMigration first{1, "a", "CREATE TABLE a (x)"};
+    const store::SchemaMigration second{2, "b", "CREATE TABLE b (x); CREATE INDEX b_x ON b (x)"};
+    const store::SchemaMigration broken{3, "c", "CREATE TABLE c (x); CREATE TABLE d (x"};
+    const store::SchemaMigration fourth{4, "e", "CREATE TABLE e (x)"};
     auto connection = connect();
     ASSERT_TRUE(connection);
-    ASSERT_TRUE(migrate(*connection, std::vector{first}));
+    ASSERT_TRUE(store::migrate(*connection, std::vector{first}));
     // Re-running migration 1 would fail: its table exists.
-    ASSERT_TRUE(migrate(*connection, std::vector{first, second}));
+    ASSERT_TRUE(store::migrate(*connection, std::vector{first, second}));
     EXPECT_EQ(tableCount(*connection, "b"), 1);
 
-    auto failed = migrate(*connection, std::vector{first, second, broken, fourth});
+    auto failed = store::migrate(*connection, std::vector{first, second, broken, fourth});
     ASSERT_FALSE(failed.ok());
     EXPECT_NE(failed.error().description.find("schema migration 3 failed"), std::string::npos)
         << failed.error().description;
     EXPECT_EQ(tableCount(*connection, "c"), 0);
     EXPECT_EQ(tableCount(*connection, "e"), 0);
-    EXPECT_EQ(*recordedSchemaVersion(*connection), 2);
+    EXPECT_EQ(*store::recordedSchemaVersion(*connection), 2);
     EXPECT_EQ(recorded(*connection),
               (std::vector<std::pair<long long, std::string>>{{1, "a"}, {2, "b"}}));
 }
@@ -88,9 +89,9 @@ TEST_F(StoreSchemaTest, AFileFromALaterReleaseIsRefusedAndLeftUntouched) {
         ASSERT_TRUE(store);
         ASSERT_TRUE(store->saveWebsiteClassification({"zoom.us", "neutral", Date{1}}));
     }
-    const long long later = storeMigrations().back().version + 1;
+    const long long later = store::storeMigrations().back().version + 1;
     {
-        auto connection = SqliteConnection::open(storeFile().string());
+        auto connection = store::SqliteConnection::open(storeFile().string());
         ASSERT_TRUE(connection.ok());
         ASSERT_TRUE((*connection)
                         ->execute("INSERT INTO schema_migrations VALUES (" + std::to_string(later) +
@@ -98,7 +99,7 @@ TEST_F(StoreSchemaTest, AFileFromALaterReleaseIsRefusedAndLeftUntouched) {
     }
     const std::string before = readBytes(storeFile());
 
-    auto refused = SqliteRecordingStore::open(storeFile());
+    auto refused = store::SqliteRecordingStore::open(storeFile());
     ASSERT_FALSE(refused.ok());
     const std::string expected =
         "the store was written by a newer version of Lumenote (schema version " +
@@ -106,7 +107,7 @@ TEST_F(StoreSchemaTest, AFileFromALaterReleaseIsRefusedAndLeftUntouched) {
     EXPECT_EQ(refused.error().description, expected);
     EXPECT_EQ(refused.error().kind, StoreErrorKind::newerSchema);
     EXPECT_EQ(
-        storageOpenFailureMessage(refused.error()),
+        store::storageOpenFailureMessage(refused.error()),
         "Local storage could not be opened (" + expected + "). No study activity was recorded.");
     EXPECT_EQ(readBytes(storeFile()), before);
 }
@@ -132,7 +133,7 @@ TEST_F(StoreSchemaTest, WhatIsNotAStoreIsRefusedWithItsReason) {
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.path);
-        auto store = SqliteRecordingStore::open(testCase.path);
+        auto store = store::SqliteRecordingStore::open(testCase.path);
         ASSERT_FALSE(store.ok());
         EXPECT_NE(store.error().description.find(testCase.reason), std::string::npos)
             << store.error().description;
@@ -143,9 +144,9 @@ TEST_F(StoreSchemaTest, WhatIsNotAStoreIsRefusedWithItsReason) {
 
 TEST(StoreFilesTest, TheStoreAndItsLockLiveInTheApplicationDataFolder) {
     UserPaths paths{"/home/ana/.local/share", "/home/ana/.config"};
-    EXPECT_EQ(storePath(paths), "/home/ana/.local/share/Lumenote/lumenote.sqlite");
-    EXPECT_EQ(recorderLockPath(paths), "/home/ana/.local/share/Lumenote/lumenote.lock");
+    EXPECT_EQ(store::storePath(paths), "/home/ana/.local/share/Lumenote/lumenote.sqlite");
+    EXPECT_EQ(store::recorderLockPath(paths), "/home/ana/.local/share/Lumenote/lumenote.lock");
 }
 
 }  // namespace
-}  // namespace lumenote
+}  // namespace lumenote::store

@@ -15,14 +15,14 @@
 #include "recording/session_records.hpp"
 #include "store/sqlite_recording_store.hpp"
 
-namespace lumenote {
+namespace lumenote::store {
 
 // Failure messages name the kind rather than its number.
 inline void PrintTo(StoreErrorKind kind, std::ostream* out) {
     *out << rawValue(kind);
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::store
 
 namespace lumenote::testing {
 
@@ -38,10 +38,10 @@ class TemporaryFolderTest : public ::testing::Test {
 
     std::filesystem::path storeFile() const { return folder_ / "Lumenote" / "lumenote.sqlite"; }
 
-    std::unique_ptr<SqliteRecordingStore> openStore() { return openStore(storeFile()); }
-    std::unique_ptr<SqliteRecordingStore> openStore(const std::filesystem::path& file,
-                                                    const SqliteStoreOptions& options = {}) {
-        auto store = SqliteRecordingStore::open(file, options);
+    std::unique_ptr<store::SqliteRecordingStore> openStore() { return openStore(storeFile()); }
+    std::unique_ptr<store::SqliteRecordingStore> openStore(
+        const std::filesystem::path& file, const store::SqliteStoreOptions& options = {}) {
+        auto store = store::SqliteRecordingStore::open(file, options);
         EXPECT_TRUE(store.ok()) << (store.ok() ? "" : store.error().description);
         return store.ok() ? std::move(*store) : nullptr;
     }
@@ -57,9 +57,9 @@ inline Uuid uuidNumbered(std::uint8_t number) {
 
 // A finished session with every optional column set; the ids are numbered so
 // that orderings by id are known.
-inline StudySession fullSession(std::uint8_t number, Date start) {
-    StudySession session(uuidNumbered(number), "Physik — Übungsblatt 3 · 日本語",
-                         "Kapitel 4 fertig", 2700.5, start);
+inline recording::StudySession fullSession(std::uint8_t number, Date start) {
+    recording::StudySession session(uuidNumbered(number), "Physik — Übungsblatt 3 · 日本語",
+                                    "Kapitel 4 fertig", 2700.5, start);
     session.setNotes("line one\nline two with \"quotes\" and 'apostrophes'");
     session.timingModeStorage = "open_ended";
     session.endDate = start.addingSeconds(2712.25);
@@ -75,7 +75,7 @@ inline StudySession fullSession(std::uint8_t number, Date start) {
     session.calculationVersionStorage = 3;
     session.originatingTemplateIDStorage = uuidNumbered(200);
     session.studyModeStorage = "mixedStudy";
-    session.schemaVersionStorage = kCurrentSessionSchemaVersion;
+    session.schemaVersionStorage = recording::kCurrentSessionSchemaVersion;
     session.passiveStudyDurationStorage = 60.0;
     session.confirmedBreakDurationStorage = 30.0;
     session.systemExcludedDurationStorage = 5.5;
@@ -83,8 +83,8 @@ inline StudySession fullSession(std::uint8_t number, Date start) {
 }
 
 // A session as the first layout wrote it: no optional column set.
-inline StudySession bareSession(std::uint8_t number, Date start) {
-    StudySession session;
+inline recording::StudySession bareSession(std::uint8_t number, Date start) {
+    recording::StudySession session;
     session.id = uuidNumbered(number);
     session.subject = "";
     session.goal = "";
@@ -93,10 +93,11 @@ inline StudySession bareSession(std::uint8_t number, Date start) {
     return session;
 }
 
-inline ActivitySegment fullSegment(std::uint8_t number, const Uuid& session, Date start) {
-    ActivitySegment segment(uuidNumbered(number), start, start.addingSeconds(61.5), 60.25,
-                            "Vivaldi – Überblick", "com.vivaldi.Vivaldi",
-                            ActivityClassification::focused, false);
+inline recording::ActivitySegment fullSegment(std::uint8_t number, const Uuid& session,
+                                              Date start) {
+    recording::ActivitySegment segment(uuidNumbered(number), start, start.addingSeconds(61.5),
+                                       60.25, "Vivaldi – Überblick", "com.vivaldi.Vivaldi",
+                                       classification::ActivityClassification::focused, false);
     segment.activitySourceRawValue = "localPDF";
     segment.browserBundleIdentifier = "com.vivaldi.Vivaldi";
     segment.hostname = "example.org";
@@ -109,24 +110,29 @@ inline ActivitySegment fullSegment(std::uint8_t number, const Uuid& session, Dat
     return segment;
 }
 
-inline ActivitySegment bareSegment(std::uint8_t number, const Uuid& session, Date start) {
-    ActivitySegment segment(uuidNumbered(number), start, start.addingSeconds(10), 10, "", "",
-                            ActivityClassification::unclassified, true);
+inline recording::ActivitySegment bareSegment(std::uint8_t number, const Uuid& session,
+                                              Date start) {
+    recording::ActivitySegment segment(uuidNumbered(number), start, start.addingSeconds(10), 10, "",
+                                       "", classification::ActivityClassification::unclassified,
+                                       true);
     segment.session = session;
     return segment;
 }
 
-inline ConfirmedNoInputInterval confirmation(std::uint8_t number, const Uuid& session, Date start) {
-    ConfirmedNoInputInterval interval(
-        uuidNumbered(number), start, start.addingSeconds(300), ConfirmedStudyState::passiveStudy,
-        ConfirmedStudyStateSource::returnPrompt, start.addingSeconds(400));
+inline recording::ConfirmedNoInputInterval confirmation(std::uint8_t number, const Uuid& session,
+                                                        Date start) {
+    recording::ConfirmedNoInputInterval interval(
+        uuidNumbered(number), start, start.addingSeconds(300),
+        recording::ConfirmedStudyState::passiveStudy,
+        recording::ConfirmedStudyStateSource::returnPrompt, start.addingSeconds(400));
     interval.session = session;
     return interval;
 }
 
-inline LocalPDFIdentity pdfIdentity(std::uint8_t number, std::optional<Uuid> session,
-                                    Date createdAt, std::optional<std::string> labelSource) {
-    LocalPDFIdentity identity;
+inline classification::LocalPDFIdentity pdfIdentity(std::uint8_t number,
+                                                    std::optional<Uuid> session, Date createdAt,
+                                                    std::optional<std::string> labelSource) {
+    classification::LocalPDFIdentity identity;
     identity.id = uuidNumbered(number);
     identity.browserBundleIdentifier = "org.mozilla.firefox";
     identity.displayLabelStorage = "Skript Ölquellen.pdf";

@@ -7,8 +7,8 @@
 namespace lumenote::terminal {
 namespace {
 
-NoInputClassificationPrompt promptOf(double seconds) {
-    NoInputClassificationPrompt prompt;
+recording::NoInputClassificationPrompt promptOf(double seconds) {
+    recording::NoInputClassificationPrompt prompt;
     prompt.startDate = *parseIso8601("2026-11-16T09:50:00Z");
     prompt.endDate = prompt.startDate.addingSeconds(seconds);
     return prompt;
@@ -36,14 +36,14 @@ TEST(RecordView, KeysAndLiveLineNameTheAwayState) {
     EXPECT_EQ(keyHelp(true, true), "[p] resume  [a] Back to Computer Study  [e] end  [q] quit");
     RecordingSnapshot snapshot;
     snapshot.subject = "Biology";
-    snapshot.timingMode = SessionTimingMode::openEnded;
+    snapshot.timingMode = recording::SessionTimingMode::openEnded;
     snapshot.timerValue = 1500;
-    snapshot.liveState = LiveStudyState::passiveStudy;
+    snapshot.liveState = recording::LiveStudyState::passiveStudy;
     EXPECT_EQ(statusLine(snapshot), "Biology · 0:25:00 · Studying away from Mac");
 }
 
 TEST(RecordView, SummaryListsAwayStudyUnderItsName) {
-    StudySession session(Uuid::generate(), "Biology", "", 1500, Date{0});
+    recording::StudySession session(Uuid::generate(), "Biology", "", 1500, Date{0});
     session.timerDuration = 1500;
     session.focusedDuration = 1200;
     session.setPassiveStudyDuration(300);

@@ -14,7 +14,7 @@
 #include "recording/session_manager.hpp"
 #include "recording/time_providers.hpp"
 
-namespace lumenote::fake {
+namespace lumenote::platform::fake {
 
 // Both clocks of a simulated machine. The monotonic clock advances with
 // advance(); the wall clock follows it and can also be set or jumped on its
@@ -25,8 +25,8 @@ class FakeClock {
     FakeClock(const FakeClock&) = delete;
     FakeClock& operator=(const FakeClock&) = delete;
 
-    MonotonicTimeProvider& monotonic() { return monotonicView_; }
-    WallClock& wall() { return wallView_; }
+    recording::MonotonicTimeProvider& monotonic() { return monotonicView_; }
+    recording::WallClock& wall() { return wallView_; }
     double monotonicNow() const { return monotonicNow_; }
     Date wallNow() const { return wallNow_; }
 
@@ -38,12 +38,12 @@ class FakeClock {
     void setWallClock(Date date) { wallNow_ = date; }
 
   private:
-    struct MonotonicView final : MonotonicTimeProvider {
+    struct MonotonicView final : recording::MonotonicTimeProvider {
         explicit MonotonicView(FakeClock& owner) : clock(owner) {}
         double now() override { return clock.monotonicNow_; }
         FakeClock& clock;
     };
-    struct WallView final : WallClock {
+    struct WallView final : recording::WallClock {
         explicit WallView(FakeClock& owner) : clock(owner) {}
         Date now() override { return clock.wallNow_; }
         FakeClock& clock;
@@ -56,7 +56,7 @@ class FakeClock {
 };
 
 // Idle seconds follow the clock from the moment input stops.
-class FakeIdle final : public IdleTimeProvider {
+class FakeIdle final : public recording::IdleTimeProvider {
   public:
     explicit FakeIdle(FakeClock& clock) : clock_(clock) {}
     double idleSeconds() override {
@@ -73,35 +73,39 @@ class FakeIdle final : public IdleTimeProvider {
     std::optional<double> lastInput_;
 };
 
-class FakeFrontmost final : public FrontmostApplicationSource {
+class FakeFrontmost final : public recording::FrontmostApplicationSource {
   public:
-    std::optional<FrontmostApplication> frontmostApplication() override { return current; }
-    std::optional<FrontmostApplication> current;
+    std::optional<recording::FrontmostApplication> frontmostApplication() override {
+        return current;
+    }
+    std::optional<recording::FrontmostApplication> current;
 };
 
-class FakeNotifications final : public NotificationService {
+class FakeNotifications final : public recording::NotificationService {
   public:
     void post(const std::string& title, const std::string& body) override {
         posted.emplace_back(title, body);
     }
-    NotificationAuthorization authorization() override { return state; }
+    recording::NotificationAuthorization authorization() override { return state; }
 
     std::vector<std::pair<std::string, std::string>> posted;
-    NotificationAuthorization state = NotificationAuthorization::authorized;
+    recording::NotificationAuthorization state = recording::NotificationAuthorization::authorized;
 };
 
 // A browser whose resolution per bundle identifier is set by the test.
-class FakeBrowser final : public BrowserTrackingCoordinator {
+class FakeBrowser final : public recording::BrowserTrackingCoordinator {
   public:
-    std::optional<BrowserResolution> resolution(const std::string& bundle, Date) override {
+    std::optional<recording::BrowserResolution> resolution(const std::string& bundle,
+                                                           Date) override {
         const auto found = resolutions.find(bundle);
-        return found == resolutions.end() ? std::nullopt
-                                          : std::optional<BrowserResolution>(found->second);
+        return found == resolutions.end()
+                   ? std::nullopt
+                   : std::optional<recording::BrowserResolution>(found->second);
     }
     void setRunningSession(const std::optional<Uuid>& id) override { runningSession = id; }
     void setFrontmostBundleIdentifier(const std::string& bundle) override { frontmost = bundle; }
 
-    std::map<std::string, BrowserResolution> resolutions;
+    std::map<std::string, recording::BrowserResolution> resolutions;
     std::optional<Uuid> runningSession;
     std::string frontmost;
 };
@@ -116,28 +120,27 @@ struct FakeMachine {
     // The session manager's dependencies on this machine; the store, the
     // preferences, the checkpoint store, the rules and the history must
     // outlive the manager.
-    SessionManagerDependencies dependencies(RecordingStore& store,
-                                            RecordingPreferences& preferences,
-                                            SessionCheckpointStore& checkpoints,
-                                            ClassificationRules& rules, SessionHistory& history,
-                                            StoreSaveOperation save = {}) {
-        return SessionManagerDependencies{
+    recording::SessionManagerDependencies dependencies(
+        recording::RecordingStore& store, recording::RecordingPreferences& preferences,
+        recording::SessionCheckpointStore& checkpoints, classification::ClassificationRules& rules,
+        recording::SessionHistory& history, recording::StoreSaveOperation save = {}) {
+        return recording::SessionManagerDependencies{
             store,        preferences, idle,          clock.monotonic(),
             clock.wall(), frontmost,   notifications, browser,
             checkpoints,  rules,       history,       std::move(save)};
     }
     // The history over `store` on this machine's clocks.
-    SessionHistoryDependencies historyDependencies(RecordingStore& store,
-                                                   ClassificationRules& rules,
-                                                   RecordingPreferences& preferences,
-                                                   StoreSaveOperation save = {}) {
-        return SessionHistoryDependencies{
+    recording::SessionHistoryDependencies historyDependencies(
+        recording::RecordingStore& store, classification::ClassificationRules& rules,
+        recording::RecordingPreferences& preferences, recording::StoreSaveOperation save = {}) {
+        return recording::SessionHistoryDependencies{
             store, rules, preferences, clock.monotonic(), clock.wall(), std::move(save)};
     }
     // Rules over `store` stamped with this machine's wall clock.
-    ClassificationRules rulesFor(ClassificationRuleStore& store,
-                                 std::string ownBundleIdentifier = kOwnBundleIdentifier) {
-        return ClassificationRules(
+    classification::ClassificationRules rulesFor(
+        classification::ClassificationRuleStore& store,
+        std::string ownBundleIdentifier = recording::kOwnBundleIdentifier) {
+        return classification::ClassificationRules(
             store, [this] { return clock.wallNow(); }, std::move(ownBundleIdentifier));
     }
 
@@ -148,4 +151,4 @@ struct FakeMachine {
     FakeBrowser browser;
 };
 
-}  // namespace lumenote::fake
+}  // namespace lumenote::platform::fake

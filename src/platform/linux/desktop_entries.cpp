@@ -9,7 +9,7 @@
 
 #include "foundation/text.hpp"
 
-namespace lumenote::desktop {
+namespace lumenote::platform::linux_desktop {
 
 namespace {
 
@@ -300,8 +300,8 @@ std::optional<KnownBrowser> knownBrowser(std::string_view identity) {
     return std::nullopt;
 }
 
-std::optional<FrontmostApplication> resolveApplication(const DesktopEntryIndex& entries,
-                                                       const WindowClassHints& hints) {
+std::optional<recording::FrontmostApplication> resolveApplication(const DesktopEntryIndex& entries,
+                                                                  const WindowClassHints& hints) {
     const DesktopEntry* entry =
         hints.gtkApplicationId.empty() ? nullptr : entries.find(hints.gtkApplicationId);
     const std::array<const std::string*, 2> classes{&hints.className, &hints.instanceName};
@@ -335,7 +335,7 @@ std::optional<FrontmostApplication> resolveApplication(const DesktopEntryIndex& 
     if (identity.empty()) {
         return std::nullopt;
     }
-    FrontmostApplication application{entry ? entry->name : std::string(), identity};
+    recording::FrontmostApplication application{entry ? entry->name : std::string(), identity};
     const auto browser = knownBrowser(identity);
     if (browser) {
         application.bundleIdentifier = browser->bundleIdentifier;
@@ -348,4 +348,4 @@ std::optional<FrontmostApplication> resolveApplication(const DesktopEntryIndex& 
     return application;
 }
 
-}  // namespace lumenote::desktop
+}  // namespace lumenote::platform::linux_desktop

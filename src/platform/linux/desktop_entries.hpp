@@ -17,7 +17,7 @@
 #include "foundation/user_paths.hpp"
 #include "recording/platform_services.hpp"
 
-namespace lumenote::desktop {
+namespace lumenote::platform::linux_desktop {
 
 struct DesktopEntry {
     std::string id;              // desktop-file id without ".desktop", e.g. "org.gnome.Calculator"
@@ -95,8 +95,8 @@ struct WindowClassHints {
 // the entry's `Name`, else the browser's name for a known browser, else the
 // identity found. Known browsers then get their canonical identifier. nullopt
 // when the window gives nothing to go by.
-std::optional<FrontmostApplication> resolveApplication(const DesktopEntryIndex& entries,
-                                                       const WindowClassHints& hints);
+std::optional<recording::FrontmostApplication> resolveApplication(const DesktopEntryIndex& entries,
+                                                                  const WindowClassHints& hints);
 
 // A browser's canonical identifier and name for a Linux application identity
 // ("google-chrome", "firefox-esr", "org.chromium.Chromium", compared ignoring
@@ -107,4 +107,4 @@ struct KnownBrowser {
 };
 std::optional<KnownBrowser> knownBrowser(std::string_view identity);
 
-}  // namespace lumenote::desktop
+}  // namespace lumenote::platform::linux_desktop

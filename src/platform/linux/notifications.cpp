@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <QVariantMap>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 namespace {
 
@@ -24,7 +24,7 @@ FreedesktopNotificationService::FreedesktopNotificationService(QDBusConnection s
                                                                QObject* parent)
     : QObject(parent), bus_(std::move(sessionBus)), timeoutMilliseconds_(timeoutMilliseconds) {
     if (!bus_.isConnected()) {
-        known_ = NotificationAuthorization::unavailable;
+        known_ = recording::NotificationAuthorization::unavailable;
         return;
     }
     auto* watcher =
@@ -45,22 +45,23 @@ void FreedesktopNotificationService::post(const std::string& title, const std::s
         new QDBusPendingCallWatcher(bus_.asyncCall(message, timeoutMilliseconds_), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [this](QDBusPendingCallWatcher* finished) {
-                known_ = finished->isError() ? NotificationAuthorization::unavailable
-                                             : NotificationAuthorization::authorized;
+                known_ = finished->isError() ? recording::NotificationAuthorization::unavailable
+                                             : recording::NotificationAuthorization::authorized;
                 finished->deleteLater();
             });
 }
 
-NotificationAuthorization FreedesktopNotificationService::authorization() {
+recording::NotificationAuthorization FreedesktopNotificationService::authorization() {
     if (known_) {
         return *known_;
     }
     const QDBusMessage message = QDBusMessage::createMethodCall(
         kService, kPath, kInterface, QStringLiteral("GetServerInformation"));
     const QDBusMessage reply = bus_.call(message, QDBus::Block, timeoutMilliseconds_);
-    known_ = reply.type() == QDBusMessage::ReplyMessage ? NotificationAuthorization::authorized
-                                                        : NotificationAuthorization::unavailable;
+    known_ = reply.type() == QDBusMessage::ReplyMessage
+                 ? recording::NotificationAuthorization::authorized
+                 : recording::NotificationAuthorization::unavailable;
     return *known_;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

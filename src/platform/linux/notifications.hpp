@@ -11,12 +11,12 @@
 
 #include "recording/platform_services.hpp"
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 // Linux has no per-application permission for notifications: the state is
 // `authorized` when a notification server answers and `unavailable` when none
 // does; `denied` never occurs.
-class FreedesktopNotificationService final : public QObject, public NotificationService {
+class FreedesktopNotificationService final : public QObject, public recording::NotificationService {
     Q_OBJECT
 
   public:
@@ -31,12 +31,12 @@ class FreedesktopNotificationService final : public QObject, public Notification
     // Asks the server for its information the first time and after a server
     // came or went, blocking for at most the timeout; otherwise answers from
     // what it last learnt.
-    NotificationAuthorization authorization() override;
+    recording::NotificationAuthorization authorization() override;
 
   private:
     QDBusConnection bus_;
     int timeoutMilliseconds_;
-    std::optional<NotificationAuthorization> known_;
+    std::optional<recording::NotificationAuthorization> known_;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

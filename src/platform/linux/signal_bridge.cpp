@@ -10,7 +10,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 namespace {
 
@@ -126,4 +126,4 @@ void SignalBridge::uninstall() {
     readEnd_ = writeEnd_ = -1;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -11,7 +11,7 @@
 
 class QSocketNotifier;
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 enum class SignalBridgeFailure { alreadyInstalled, pipeFailed, handlerFailed };
 std::string signalBridgeFailureMessage(SignalBridgeFailure failure);
@@ -46,4 +46,4 @@ class SignalBridge : public QObject {
 // The name of a signal the bridge handles ("SIGTERM"); "signal N" otherwise.
 std::string signalName(int signal);
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

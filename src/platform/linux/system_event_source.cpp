@@ -10,7 +10,7 @@
 
 #include <unistd.h>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 namespace {
 
@@ -398,4 +398,4 @@ void LinuxSystemEventSource::publishStatus() {
     }
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -35,7 +35,7 @@
 
 class QDBusServiceWatcher;
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 // Which notice led to a callback; for logs and tests, the recorder treats all
 // sleep causes alike.
@@ -180,4 +180,4 @@ class LinuxSystemEventSource : public QObject {
     bool sleepInProgress_ = false;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <vector>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 namespace {
 
@@ -122,4 +122,4 @@ void X11Connection::markLost(Display*, void* connection) {
     static_cast<X11Connection*>(connection)->lost_ = true;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

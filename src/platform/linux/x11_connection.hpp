@@ -14,7 +14,7 @@
 // (None, Bool, Status...) break Qt and other headers included after them.
 struct _XDisplay;
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 enum class X11ConnectionError {
     noDisplay,    // DISPLAY is not set and no Wayland display is either
@@ -53,4 +53,4 @@ class X11Connection {
     bool lost_ = false;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 // The header spells Xlib's Window and Atom as their underlying type.
 static_assert(std::is_same_v<Window, unsigned long> && std::is_same_v<Atom, unsigned long>);
@@ -92,13 +92,12 @@ X11FrontmostApplicationSource::open(const EnvironmentLookup& environment) {
         return fail(connection.error());
     }
     return std::make_unique<X11FrontmostApplicationSource>(
-        std::move(connection).value(),
-        desktop::DesktopEntryIndex::load(desktop::applicationFolders(environment)),
+        std::move(connection).value(), DesktopEntryIndex::load(applicationFolders(environment)),
         readProcessName);
 }
 
 X11FrontmostApplicationSource::X11FrontmostApplicationSource(
-    std::shared_ptr<X11Connection> connection, desktop::DesktopEntryIndex entries,
+    std::shared_ptr<X11Connection> connection, DesktopEntryIndex entries,
     ProcessNameReader processName)
     : connection_(std::move(connection)),
       entries_(std::move(entries)),
@@ -115,7 +114,8 @@ X11FrontmostApplicationSource::X11FrontmostApplicationSource(
     XFlush(display);
 }
 
-std::optional<FrontmostApplication> X11FrontmostApplicationSource::frontmostApplication() {
+std::optional<recording::FrontmostApplication>
+X11FrontmostApplicationSource::frontmostApplication() {
     if (connection_->lost()) {
         return std::nullopt;
     }
@@ -156,7 +156,8 @@ std::optional<unsigned long> X11FrontmostApplicationSource::activeWindow() {
     return *window;
 }
 
-std::optional<FrontmostApplication> X11FrontmostApplicationSource::resolve(unsigned long window) {
+std::optional<recording::FrontmostApplication> X11FrontmostApplicationSource::resolve(
+    unsigned long window) {
     Display* display = connection_->display();
     // Selected before reading, so that a change or destruction after the
     // reads below always reaches handle() and evicts the cached answer.
@@ -167,7 +168,7 @@ std::optional<FrontmostApplication> X11FrontmostApplicationSource::resolve(unsig
     if (!gtkApplicationId || !windowClass) {
         return std::nullopt;
     }
-    desktop::WindowClassHints hints;
+    WindowClassHints hints;
     hints.gtkApplicationId = *gtkApplicationId;
     // WM_CLASS is the instance name and the class name, each ended by a NUL.
     const auto separator = windowClass->find('\0');
@@ -182,7 +183,7 @@ std::optional<FrontmostApplication> X11FrontmostApplicationSource::resolve(unsig
             hints.processName = processName_(*process);
         }
     }
-    auto application = desktop::resolveApplication(entries_, hints);
+    auto application = resolveApplication(entries_, hints);
     cache_.emplace(window, application);
     return application;
 }
@@ -232,4 +233,4 @@ void X11FrontmostApplicationSource::handle(const XEvent& event) {
     }
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

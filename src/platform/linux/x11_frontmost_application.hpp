@@ -17,7 +17,7 @@
 
 union _XEvent;
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 // Reads `_NET_ACTIVE_WINDOW` from the root window and resolves the window's
 // `_GTK_APPLICATION_ID` and `WM_CLASS` (and, when it has neither, its
@@ -32,7 +32,7 @@ namespace lumenote {
 // while answering another request (a sample, an idle query), leaving them
 // queued without the socket being readable: call processEvents() after each
 // sample as well. Not thread-safe; use it from one thread.
-class X11FrontmostApplicationSource final : public FrontmostApplicationSource {
+class X11FrontmostApplicationSource final : public recording::FrontmostApplicationSource {
   public:
     // The executable name of a local process, "" when it cannot be read.
     using ProcessNameReader = std::function<std::string(long processID)>;
@@ -43,13 +43,12 @@ class X11FrontmostApplicationSource final : public FrontmostApplicationSource {
         const EnvironmentLookup& environment);
 
     X11FrontmostApplicationSource(std::shared_ptr<X11Connection> connection,
-                                  desktop::DesktopEntryIndex entries,
-                                  ProcessNameReader processName);
+                                  DesktopEntryIndex entries, ProcessNameReader processName);
 
     // nullopt when no window is active, when the active window vanished while
     // being read, when it carries nothing to name it by, or once the
     // connection is lost.
-    std::optional<FrontmostApplication> frontmostApplication() override;
+    std::optional<recording::FrontmostApplication> frontmostApplication() override;
 
     int fileDescriptor() const { return connection_->fileDescriptor(); }
     // Handles every queued event without blocking; true when the window
@@ -70,21 +69,21 @@ class X11FrontmostApplicationSource final : public FrontmostApplicationSource {
     };
 
     std::optional<unsigned long> activeWindow();
-    std::optional<FrontmostApplication> resolve(unsigned long window);
+    std::optional<recording::FrontmostApplication> resolve(unsigned long window);
     std::optional<long> processID(unsigned long window);
     void handle(const _XEvent& event);
 
     std::shared_ptr<X11Connection> connection_;
-    desktop::DesktopEntryIndex entries_;
+    DesktopEntryIndex entries_;
     ProcessNameReader processName_;
     Atoms atoms_{};
     bool hasXRes_ = false;
     bool activeWindowChanged_ = false;
     // nullopt caches a window that carries nothing to name it by.
-    std::unordered_map<unsigned long, std::optional<FrontmostApplication>> cache_;
+    std::unordered_map<unsigned long, std::optional<recording::FrontmostApplication>> cache_;
 };
 
 // Reads /proc/<id>/comm.
 std::string readProcessName(long processID);
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -5,7 +5,7 @@
 
 #include <utility>
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 XScreenSaverIdleTimeProvider::XScreenSaverIdleTimeProvider(
     std::shared_ptr<X11Connection> connection)
@@ -29,4 +29,4 @@ double XScreenSaverIdleTimeProvider::idleSeconds() {
     return static_cast<double>(info.idle) / 1000.0;
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

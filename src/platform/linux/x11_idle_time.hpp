@@ -7,7 +7,7 @@
 #include "platform/linux/x11_connection.hpp"
 #include "recording/time_providers.hpp"
 
-namespace lumenote {
+namespace lumenote::platform::linux_desktop {
 
 // One round trip a reading. Synthetic events sent to a window (as
 // `xdotool key --window` does) do not count as input; real and XTEST input
@@ -15,7 +15,7 @@ namespace lumenote {
 // every reading is 0 (the user counts as present), so that a missing idle
 // source never turns study into time away; extensionAvailable() tells the
 // setup check.
-class XScreenSaverIdleTimeProvider final : public IdleTimeProvider {
+class XScreenSaverIdleTimeProvider final : public recording::IdleTimeProvider {
   public:
     explicit XScreenSaverIdleTimeProvider(std::shared_ptr<X11Connection> connection);
 
@@ -27,4 +27,4 @@ class XScreenSaverIdleTimeProvider final : public IdleTimeProvider {
     bool extensionAvailable_ = false;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::linux_desktop

@@ -9,27 +9,29 @@
 #include "platform/system/system_clocks.hpp"
 #include "recording/platform_services.hpp"
 
-namespace lumenote {
+namespace lumenote::platform::system {
 
 // No application is ever frontmost.
-class NoFrontmostApplication final : public FrontmostApplicationSource {
+class NoFrontmostApplication final : public recording::FrontmostApplicationSource {
   public:
-    std::optional<FrontmostApplication> frontmostApplication() override { return std::nullopt; }
+    std::optional<recording::FrontmostApplication> frontmostApplication() override {
+        return std::nullopt;
+    }
 };
 
 // Input is always fresh: the idle time is 0 seconds.
-class NoIdleTime final : public IdleTimeProvider {
+class NoIdleTime final : public recording::IdleTimeProvider {
   public:
     double idleSeconds() override { return 0.0; }
 };
 
 // Notifications cannot be shown: posts are dropped, as a desktop without a
 // notification server would drop them.
-class UnavailableNotifications final : public NotificationService {
+class UnavailableNotifications final : public recording::NotificationService {
   public:
     void post(const std::string&, const std::string&) override {}
-    NotificationAuthorization authorization() override {
-        return NotificationAuthorization::unavailable;
+    recording::NotificationAuthorization authorization() override {
+        return recording::NotificationAuthorization::unavailable;
     }
 };
 
@@ -43,9 +45,9 @@ struct HeadlessPlatform {
     NoFrontmostApplication frontmostApplication;
     NoIdleTime idleTime;
     UnavailableNotifications notifications;
-    NoBrowserTracking browserTracking;
+    recording::NoBrowserTracking browserTracking;
     SystemMonotonicTimeProvider monotonicClock;
     SystemWallClock wallClock;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::system

@@ -3,7 +3,7 @@
 #include <cassert>
 #include <chrono>
 
-namespace lumenote {
+namespace lumenote::platform::system {
 
 namespace {
 
@@ -31,4 +31,4 @@ Date SystemWallClock::now() {
     return Date::fromSystemClock(std::chrono::system_clock::now());
 }
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::system

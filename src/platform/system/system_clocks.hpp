@@ -5,12 +5,12 @@
 
 #include "recording/time_providers.hpp"
 
-namespace lumenote {
+namespace lumenote::platform::system {
 
 // CLOCK_BOOTTIME, which (unlike CLOCK_MONOTONIC and std::chrono::steady_clock
 // on Linux) keeps counting through suspend. Readings are seconds since the
 // provider was made.
-class SystemMonotonicTimeProvider final : public MonotonicTimeProvider {
+class SystemMonotonicTimeProvider final : public recording::MonotonicTimeProvider {
   public:
     SystemMonotonicTimeProvider();
     double now() override;
@@ -19,9 +19,9 @@ class SystemMonotonicTimeProvider final : public MonotonicTimeProvider {
     timespec origin_{};
 };
 
-class SystemWallClock final : public WallClock {
+class SystemWallClock final : public recording::WallClock {
   public:
     Date now() override;
 };
 
-}  // namespace lumenote
+}  // namespace lumenote::platform::system
