@@ -8,7 +8,8 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 namespace {
 
@@ -282,4 +283,5 @@ std::string LocalCalendar::formatIso8601(Date date, bool fractionalSeconds) cons
     return lumenote::formatIso8601(date, {fractionalSeconds, utcOffsetSeconds(date)});
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

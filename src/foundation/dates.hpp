@@ -12,7 +12,8 @@ namespace date {
 class time_zone;
 }
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 // Seconds between 1970-01-01 and the reference epoch 2001-01-01 (UTC).
 inline constexpr double kReferenceEpochUnixSeconds = 978307200.0;
@@ -93,4 +94,5 @@ class LocalCalendar {
     const date::time_zone* zone_;  // owned by the date library's database
 };
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

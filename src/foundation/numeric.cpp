@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 double roundHalfAwayFromZero(double value) {
     return std::round(value);
@@ -27,4 +28,5 @@ double percentRatio(double numerator, double denominator) {
     return std::clamp(numerator / denominator * 100.0, 0.0, 100.0);
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

@@ -1,7 +1,8 @@
 // Numeric rules shared by every total: rounding, the duration clamp and percentages.
 #pragma once
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 // One hundred years of 365.25 days, in seconds: the upper bound of every total.
 inline constexpr double kMaximumDurationSeconds = 3155760000.0;
@@ -19,4 +20,5 @@ double addClampedDuration(double sum, double seconds);
 // below one second or either operand is not finite.
 double percentRatio(double numerator, double denominator);
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 template <typename... Arguments>
 class ObserverList {
@@ -40,4 +41,5 @@ class ObserverList {
     Token lastToken_ = 0;
 };
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

@@ -16,7 +16,8 @@
 
 #include <nlohmann/json.hpp>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 namespace {
 
@@ -426,4 +427,5 @@ VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size
     return load;
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

@@ -13,7 +13,8 @@
 #include "foundation/dates.hpp"
 #include "foundation/result.hpp"
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 enum class PrivateFileError {
     missing,          // no file at the path
@@ -123,4 +124,5 @@ VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size
                                     long long supportedVersion, std::string_view versionKey,
                                     Date now);
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

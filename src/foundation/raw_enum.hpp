@@ -6,7 +6,8 @@
 #include <string_view>
 #include <utility>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 // Specialise with `static constexpr std::array<std::pair<E, std::string_view>, N> entries`
 // listing every case in declaration order with its stored text.
@@ -46,4 +47,5 @@ constexpr auto allCases() {
     return cases;
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

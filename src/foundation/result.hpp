@@ -6,7 +6,8 @@
 #include <utility>
 #include <variant>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 // Wraps an error so that Result's constructors can tell it from a value even
 // when T and E are the same type.
@@ -80,4 +81,5 @@ class [[nodiscard]] Result<void, E> {
     bool failed_ = false;
 };
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

@@ -1,6 +1,7 @@
 #include "foundation/store_error.hpp"
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 std::string_view describe(StoreErrorKind kind) {
     switch (kind) {
@@ -18,4 +19,5 @@ std::string_view describe(StoreErrorKind kind) {
     return "Local storage could not be used.";
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

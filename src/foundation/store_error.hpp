@@ -8,7 +8,8 @@
 
 #include "foundation/raw_enum.hpp"
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 // What kind of failure a store met, for callers that react differently to
 // each (wait and retry when busy, offer a backup when corrupt, ask for disk
@@ -43,4 +44,5 @@ struct RawValues<StoreErrorKind> {
     }};
 };
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

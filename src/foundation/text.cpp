@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <vector>
 
-namespace lumenote::inline foundation::text {
+namespace lumenote {
+inline namespace foundation {
+namespace text {
 
 namespace {
 
@@ -174,4 +176,6 @@ std::string caseFolded(std::string_view text) {
     return result;
 }
 
-}  // namespace lumenote::inline foundation::text
+}  // namespace text
+}  // namespace foundation
+}  // namespace lumenote

@@ -12,7 +12,9 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote::inline foundation::text {
+namespace lumenote {
+inline namespace foundation {
+namespace text {
 
 // Removes white space and line breaks at both ends.
 std::string trimmed(std::string_view text);
@@ -32,4 +34,6 @@ std::string prefixCharacters(std::string_view text, std::size_t count);
 // small letters. Other characters are kept as they are.
 std::string caseFolded(std::string_view text);
 
-}  // namespace lumenote::inline foundation::text
+}  // namespace text
+}  // namespace foundation
+}  // namespace lumenote

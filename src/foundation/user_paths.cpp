@@ -2,7 +2,8 @@
 
 #include <cstdlib>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 namespace {
 
@@ -37,4 +38,5 @@ UserPaths UserPaths::fromProcessEnvironment() {
     return fromEnvironment([](const char* name) { return std::getenv(name); });
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

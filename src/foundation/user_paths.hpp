@@ -5,7 +5,8 @@
 #include <filesystem>
 #include <functional>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 // Looks up an environment variable; nullptr when unset.
 using EnvironmentLookup = std::function<const char*(const char*)>;
@@ -25,4 +26,5 @@ struct UserPaths {
     std::filesystem::path applicationConfig() const { return configHome / "Lumenote"; }
 };
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote

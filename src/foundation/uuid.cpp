@@ -4,7 +4,8 @@
 
 #include <cstring>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 Uuid Uuid::generate() {
     Bytes bytes;
@@ -52,7 +53,8 @@ bool Uuid::isNil() const {
     return uuid_is_null(bytes_.data()) != 0;
 }
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote
 
 std::size_t std::hash<lumenote::Uuid>::operator()(const lumenote::Uuid& uuid) const noexcept {
     std::uint64_t high;

@@ -8,7 +8,8 @@
 #include <string>
 #include <string_view>
 
-namespace lumenote::inline foundation {
+namespace lumenote {
+inline namespace foundation {
 
 class Uuid {
   public:
@@ -38,7 +39,8 @@ class Uuid {
     Bytes bytes_{};
 };
 
-}  // namespace lumenote::inline foundation
+}  // namespace foundation
+}  // namespace lumenote
 
 template <>
 struct std::hash<lumenote::Uuid> {
