@@ -3,14 +3,19 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "cli/commands.hpp"
 #include "cli/duration_argument.hpp"
+#include "cli/history_environment.hpp"
+#include "cli/recovery_state.hpp"
 #include "platform/system/system_clocks.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "runtime/recorder_control.hpp"
 #include "runtime/setup_check.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
+#include "store/store_files.hpp"
 #include "terminal/run_terminal_recorder.hpp"
 
 namespace lumenote::cli {
@@ -24,6 +29,7 @@ struct RecordArguments {
     bool openEnded = false;
     std::string mode;
     std::string templateName;
+    std::string recovery;
 };
 
 const std::map<std::string, recording::StudySessionMode> kModes{
@@ -66,11 +72,42 @@ void runRecord(CliContext& context, const RecordArguments& arguments) {
     if (!arguments.templateName.empty()) {
         options.templateName = arguments.templateName;
     }
+    if (arguments.recovery == "continue") {
+        options.recovery = terminal::RecoveryChoice::continueSession;
+    } else if (arguments.recovery == "end") {
+        options.recovery = terminal::RecoveryChoice::endSession;
+    }
     context.exitCode = terminal::runRecorder(options, context.paths, context.out, context.err);
+}
+
+// When nothing records, `status` also tells of a session left waiting for
+// recovery by a recorder that stopped early.
+std::string withRecoveryHints(CliContext& context, std::string text) {
+    // Nothing was ever recorded without a store: none is created to find out.
+    if (!std::filesystem::exists(store::storePath(context.paths))) {
+        return text;
+    }
+    auto environment = HistoryEnvironment::open(context.paths);
+    if (!environment.ok()) {
+        return text;
+    }
+    for (const auto& session : sessionsAwaitingRecovery(**environment, context.paths)) {
+        text += "\n" + recoveryHint(session, (*environment)->calendar());
+    }
+    return text;
 }
 
 void runControl(CliContext& context, runtime::RecorderControl control) {
     auto answer = runtime::controlRecorder(control);
+    const bool idle = !answer.ok() || *answer == "No study session is active.";
+    if (control == runtime::RecorderControl::status && idle) {
+        if (!answer.ok()) {
+            context.refuse(withRecoveryHints(context, answer.error()));
+        } else {
+            context.out << withRecoveryHints(context, *answer) << '\n';
+        }
+        return;
+    }
     if (!answer.ok()) {
         context.refuse(answer.error());
         return;
@@ -99,6 +136,12 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
                      "computer, mixed (no-input time may be study away from the computer) or "
                      "offline (no-input time is study)")
         ->check(CLI::IsMember({"computer", "mixed", "offline"}));
+    record
+        ->add_option("--recovery", arguments->recovery,
+                     "What to do with a session left unfinished by a recorder that stopped "
+                     "early: continue it, or end it as interrupted and start this one (asked "
+                     "on a terminal; without one, nothing starts until you choose)")
+        ->check(CLI::IsMember({"continue", "end"}));
     record->add_option("--template,-t", arguments->templateName,
                        "Start from a session template (its name or id)");
     record->footer(

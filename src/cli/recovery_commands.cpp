@@ -10,7 +10,6 @@
 #include "recording/study_state_edit.hpp"
 #include "store/recorder_lock.hpp"
 #include "store/store_files.hpp"
-#include "terminal/record_view.hpp"
 
 namespace lumenote::cli {
 
@@ -43,10 +42,7 @@ void runRecovery(CliContext& context, bool endIt) {
         return;
     }
     if (!endIt) {
-        context.out << terminal::recoveryOffer(*summary, session->subject, environment->calendar())
-                    << '\n';
-        context.out << "Run `lumenote-cli recovery end` to end it, or `lumenote-cli record` to "
-                       "be offered to continue it.\n";
+        context.out << recoveryStatusText(*summary, session->subject, environment->calendar());
         return;
     }
     const std::string subject = session->subject;

@@ -10,6 +10,7 @@
 #include "recording/focus_runs.hpp"
 #include "recording/focus_score_text.hpp"
 #include "recording/no_input_prompt.hpp"
+#include "recording/study_time.hpp"
 #include "recording/tracking_calculation.hpp"
 
 namespace lumenote::cli {
@@ -76,39 +77,69 @@ std::string countText(std::size_t count, std::string_view singular, std::string_
 }
 
 std::string sessionTableText(const std::vector<recording::StudySession>& sessions,
-                             const LocalCalendar& calendar) {
+                             const LocalCalendar& calendar,
+                             const std::vector<Uuid>& awaitingRecovery) {
     if (sessions.empty()) {
         return "No sessions recorded yet.\n";
     }
     struct Row {
-        std::string started, subject, status, timer, score, id;
+        std::string started, subject, status, timer, study, score, id;
     };
-    std::vector<Row> rows{{"Started", "Subject", "Status", "Timer", "Focus", "Id"}};
+    std::vector<Row> rows{{"Started", "Subject", "Status", "Timer", "Study", "Focus", "Id"}};
     for (const recording::StudySession& session : sessions) {
         rows.push_back({localDateTime(session.startDate, calendar),
                         cellText(session.subject, kSubjectColumnLimit),
-                        std::string(rawValue(session.status())),
+                        std::find(awaitingRecovery.begin(), awaitingRecovery.end(), session.id) !=
+                                awaitingRecovery.end()
+                            ? std::string("waits for recovery")
+                            : std::string(rawValue(session.status())),
                         recording::clockDurationText(session.timerDuration),
+                        recording::clockDurationText(recording::studyTime(session)),
                         Tracking::formatFocusScore(displayedScore(session)),
                         session.id.upperString()});
     }
     std::size_t subjectWidth = 0;
     std::size_t statusWidth = 0;
     std::size_t timerWidth = 0;
+    std::size_t studyWidth = 0;
     std::size_t scoreWidth = 0;
     for (const Row& row : rows) {
         subjectWidth = std::max(subjectWidth, text::characterCount(row.subject));
         statusWidth = std::max(statusWidth, row.status.size());
         timerWidth = std::max(timerWidth, row.timer.size());
+        studyWidth = std::max(studyWidth, row.study.size());
         scoreWidth = std::max(scoreWidth, text::characterCount(row.score));
     }
     std::string table;
     for (const Row& row : rows) {
-        table += fmt::format("{}  {}  {}  {}  {}  {}\n", padded(row.started, 19),
+        table += fmt::format("{}  {}  {}  {}  {}  {}  {}\n", padded(row.started, 19),
                              padded(row.subject, subjectWidth), padded(row.status, statusWidth),
-                             padded(row.timer, timerWidth), padded(row.score, scoreWidth), row.id);
+                             padded(row.timer, timerWidth), padded(row.study, studyWidth),
+                             padded(row.score, scoreWidth), row.id);
     }
     return table;
+}
+
+std::string recoveryStatusText(const recording::ActiveSessionRecoverySummary& summary,
+                               const std::string& subject, const LocalCalendar& calendar) {
+    std::string text =
+        fmt::format("{}\n{}\n", recording::kRecoveryPromptTitle, recording::kRecoveryPromptDetail);
+    auto line = [&text](std::string_view label, std::string_view value) {
+        text += fmt::format("{:<14}{}\n", label, value);
+    };
+    line("Subject:", subject);
+    line("Started:", localDateTime(summary.startTime, calendar));
+    line("Confirmed:",
+         fmt::format("{} up to {}, kept", recording::clockDurationText(summary.confirmedDuration),
+                     localDateTime(summary.lastConfirmedActivityAt, calendar)));
+    // The recorder confirms its time at every save, about once a minute, so
+    // what is uncertain is the stretch from that moment until it stopped.
+    line("Uncertain:",
+         "what followed until the recorder stopped (it saves about once a minute), left out");
+    text +=
+        "Run `lumenote-cli recovery end` to end it as interrupted, or `lumenote-cli record "
+        "--recovery continue` to go on with it from now.\n";
+    return text;
 }
 
 std::string sessionDetailText(const recording::StudySession& session, const LocalCalendar& calendar,
@@ -149,42 +180,15 @@ std::string sessionDetailText(const recording::StudySession& session, const Loca
     }
 
     detail += "Totals\n";
-    // Confirmed and excluded time is explained in the words of its state
-    // whenever the session has some.
-    struct Total {
-        std::string_view name;
-        double seconds;
-        std::string_view explanation;
-    };
-    const Total totals[] = {
-        {"Focused", session.focusedDuration, {}},
-        {"Distracted", session.distractedDuration, {}},
-        {"Neutral", session.neutralDuration, {}},
-        {"Unclassified", session.unclassifiedDuration(), {}},
-        {"Ignored", session.ignoredDuration(), {}},
-        {"No input", session.inactiveDuration, {}},
-        {recording::kStudyingAwayFromMac, session.passiveStudyDuration(),
-         recording::kPassiveStudyStateDescription},
-        {recording::kBreakAnswer, session.confirmedBreakDuration(),
-         recording::kConfirmedBreakStateDescription},
-        {"System excluded", session.systemExcludedDuration(),
-         recording::kSystemExcludedExplanation},
-    };
-    for (const Total& total : totals) {
-        detail +=
-            fmt::format("  {:<24}{:>9}\n", total.name, recording::clockDurationText(total.seconds));
-        if (!total.explanation.empty() && total.seconds >= 0.5) {
-            detail += fmt::format("    {}\n", total.explanation);
-        }
-    }
+    detail += recording::totalsBreakdownText(session, {.explain = true, .indent = 2});
     // Runs are read from the session's own calculation, as every figure is.
     const auto calculated = Tracking::calculateSessionTotals(
         session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
         Tracking::effectiveCalculationVersion(session));
     detail += fmt::format(
-        "  {:<24}{:>9}\n", "Longest Focused run",
+        "  {:<{}}{:>9}\n", "Longest Focused run", recording::kTotalsNameColumn,
         recording::clockDurationText(Tracking::longestFocusedRun(calculated.contributions)));
-    detail += fmt::format("  {:<24}{:>9}\n", "Interruptions",
+    detail += fmt::format("  {:<{}}{:>9}\n", "Interruptions", recording::kTotalsNameColumn,
                           Tracking::meaningfulInterruptionCount(calculated.contributions));
     const auto version = session.calculationVersion();
     const auto explanation = version ? recording::explanationText(*version) : std::nullopt;

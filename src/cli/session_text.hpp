@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "foundation/dates.hpp"
+#include "recording/active_session_checkpoint.hpp"
 #include "recording/session_figures.hpp"
 #include "recording/session_records.hpp"
 
@@ -18,10 +19,19 @@ namespace lumenote::cli {
 std::string countText(std::size_t count, std::string_view singular, std::string_view plural);
 
 // One line per session in the order given, under a header line: local start
-// time, subject (cut to 40 characters), status, timer, focus score ("—" when
-// there is none to show) and id. "No sessions recorded yet." when empty.
+// time, subject (cut to 40 characters), status, timer, study time, focus
+// score ("—" when there is none to show) and id. "No sessions recorded yet." when empty.
+// The sessions named in `awaitingRecovery` show "waits for recovery" as their
+// status.
 std::string sessionTableText(const std::vector<recording::StudySession>& sessions,
-                             const LocalCalendar& calendar);
+                             const LocalCalendar& calendar,
+                             const std::vector<Uuid>& awaitingRecovery = {});
+
+// The unfinished session a recorder left, as `recovery status` prints it:
+// the confirmed time kept, the uncertain time left out (named, not counted:
+// a count would grow with the clock), and the commands that settle it.
+std::string recoveryStatusText(const recording::ActiveSessionRecoverySummary& summary,
+                               const std::string& subject, const LocalCalendar& calendar);
 
 // The thresholds that decide which gaps without input were too short to be asked about.
 struct NoInputThresholds {

@@ -14,6 +14,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
+#include "cli/recovery_state.hpp"
 #include "cli/session_text.hpp"
 #include "platform/system/system_clocks.hpp"
 #include "recording/session_json.hpp"
@@ -92,7 +93,15 @@ void installList(CLI::App& app, CliContext& context) {
             printJson(context, array);
             return;
         }
-        context.out << sessionTableText(*sessions, environment->calendar());
+        const auto awaiting = sessionsAwaitingRecovery(*environment, context.paths);
+        std::vector<Uuid> awaitingIds;
+        for (const recording::StudySession& session : awaiting) {
+            awaitingIds.push_back(session.id);
+        }
+        context.out << sessionTableText(*sessions, environment->calendar(), awaitingIds);
+        for (const recording::StudySession& session : awaiting) {
+            context.out << recoveryHint(session, environment->calendar()) << '\n';
+        }
     });
 }
 

@@ -60,6 +60,22 @@ void SessionManager::clearPendingPostSession() {
     }
 }
 
+Result<void, SessionError> SessionManager::checkStartRequest(const SessionStartRequest& request) {
+    const std::string subject = text::trimmed(request.subject);
+    if (subject.empty()) {
+        return fail(SessionFailure::subjectMissing);
+    }
+    if (text::characterCount(subject) > kSubjectCharacterLimit) {
+        return fail(
+            SessionError(SessionFailure::subjectTooLong, std::to_string(kSubjectCharacterLimit)));
+    }
+    const double planned = request.plannedDuration;
+    if (!std::isfinite(planned) || planned <= 0.0 || planned > kMaximumPlannedDuration) {
+        return fail(SessionFailure::invalidDuration);
+    }
+    return {};
+}
+
 Result<void, SessionError> SessionManager::start(const SessionStartRequest& request) {
     auto refuse = [](SessionFailure failure) -> Result<void, SessionError> {
         return fail(failure);
@@ -72,14 +88,11 @@ Result<void, SessionError> SessionManager::start(const SessionStartRequest& requ
         // checkpoint: the question is settled first.
         return refuse(SessionFailure::recoveryPending);
     }
+    if (auto refused = checkStartRequest(request); !refused.ok()) {
+        return refused;
+    }
     const std::string subject = text::trimmed(request.subject);
-    if (subject.empty()) {
-        return refuse(SessionFailure::subjectMissing);
-    }
     const double planned = request.plannedDuration;
-    if (!std::isfinite(planned) || planned <= 0.0 || planned > kMaximumPlannedDuration) {
-        return refuse(SessionFailure::invalidDuration);
-    }
 
     const TrackingInstant instant = nowInstant();
     StudySession session(Uuid::generate(), subject, text::trimmed(request.goal), planned,

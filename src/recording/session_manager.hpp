@@ -133,7 +133,13 @@ class SessionManager {
     Result<void, SessionError> endRecoveredSession();
 
     // ---- lifecycle ----
-    // Refused while another session is active or a recovery offer waits.
+    // The checks of a request that need no session: a subject (trimmed, at
+    // most kSubjectCharacterLimit characters) and a planned duration of more
+    // than 0 and at most kMaximumPlannedDuration seconds. A front end calls
+    // it before it acts on anything else, such as a pending recovery.
+    static Result<void, SessionError> checkStartRequest(const SessionStartRequest& request);
+    // Refused while another session is active or a recovery offer waits, and
+    // when checkStartRequest refuses the request.
     Result<void, SessionError> start(const SessionStartRequest& request);
     Result<void, SessionError> pause();
     Result<void, SessionError> resume();

@@ -1,6 +1,7 @@
 #include "store/recorder_lock.hpp"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -80,6 +81,19 @@ Result<RecorderLock, RecorderLockError> RecorderLock::acquire(const std::filesys
         return fail(unusable(path.string() + ": " + std::strerror(errno)));
     }
     return lock;
+}
+
+std::optional<long long> RecorderLock::runningHolder(const std::filesystem::path& path) {
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (descriptor < 0) {
+        return std::nullopt;
+    }
+    const std::optional<long long> holder = readProcessId(descriptor);
+    ::close(descriptor);
+    if (!holder || (::kill(static_cast<pid_t>(*holder), 0) != 0 && errno != EPERM)) {
+        return std::nullopt;
+    }
+    return holder;
 }
 
 RecorderLock::~RecorderLock() {

@@ -38,6 +38,13 @@ class RecorderLock {
     // into it. Two RecorderLock objects in one process exclude each other
     // as two processes do.
     static Result<RecorderLock, RecorderLockError> acquire(const std::filesystem::path& path);
+    // The process id of a running holder of the lock at `path`, found without
+    // touching the lock (so that a recorder starting meanwhile is never
+    // refused): the id the holder wrote, when that process is alive. A lock
+    // released in order has an empty file; one left by a crash names a dead
+    // process. Should that id have been reused by an unrelated process, the
+    // lock reads as held.
+    static std::optional<long long> runningHolder(const std::filesystem::path& path);
 
     RecorderLock(RecorderLock&& other) noexcept : descriptor_(other.descriptor_) {
         other.descriptor_ = -1;

@@ -4,8 +4,10 @@
 
 #include <cmath>
 
+#include "foundation/text.hpp"
 #include "recording/focus_score_text.hpp"
 #include "recording/session_figures.hpp"
+#include "recording/study_time.hpp"
 
 namespace lumenote::terminal {
 
@@ -14,15 +16,15 @@ namespace {
 std::string classificationName(classification::ActivityClassification classification) {
     switch (classification) {
         case classification::ActivityClassification::focused:
-            return "Focused";
+            return std::string(recording::kFocusedName);
         case classification::ActivityClassification::distracting:
-            return "Distracting";
+            return std::string(recording::kDistractingName);
         case classification::ActivityClassification::neutral:
-            return "Neutral";
+            return std::string(recording::kNeutralName);
         case classification::ActivityClassification::unclassified:
-            return "Unclassified";
+            return std::string(recording::kUnclassifiedName);
         case classification::ActivityClassification::ignored:
-            return "Ignored";
+            return std::string(recording::kIgnoredName);
     }
     return {};
 }
@@ -44,7 +46,24 @@ std::string localMinuteText(Date date, const LocalCalendar& calendar) {
 
 }  // namespace
 
-std::string statusLine(const RecordingSnapshot& snapshot) {
+namespace {
+
+constexpr std::string_view kEllipsis = "…";
+constexpr std::size_t kShortestActivityName = 12;
+
+// `text` cut to `width` characters, the last of them an ellipsis.
+std::string cutToWidth(const std::string& text, std::size_t width) {
+    if (text::characterCount(text) <= width) {
+        return text;
+    }
+    if (width == 0) {
+        return {};
+    }
+    return text::prefixCharacters(text, width - 1) + std::string(kEllipsis);
+}
+
+// The line without its goal, the activity named as `activityName`.
+std::string lineWithout(const RecordingSnapshot& snapshot, const std::string& activityName) {
     std::string line = snapshot.subject + " · ";
     if (snapshot.status == recording::StudySessionStatus::paused) {
         return line + fmt::format("Paused {} · {} done",
@@ -59,11 +78,33 @@ std::string statusLine(const RecordingSnapshot& snapshot) {
         case recording::LiveStudyState::passiveStudy:
             return line + std::string(recording::kStudyingAwayFromMac);
         case recording::LiveStudyState::unconfirmedNoInput:
-            return line + "No input · " + snapshot.activityName;
+            return line + "No input · " + activityName;
         case recording::LiveStudyState::computerActivity:
             break;
     }
-    return line + snapshot.activityName + " · " + classificationName(snapshot.classification);
+    return line + activityName + " · " + classificationName(snapshot.classification);
+}
+
+}  // namespace
+
+std::string statusLine(const RecordingSnapshot& snapshot, std::size_t width) {
+    std::string line = lineWithout(snapshot, snapshot.activityName);
+    const std::string withGoal =
+        snapshot.goal.empty() ? line
+                              : line + " · Goal: " + text::collapsingWhiteSpace(snapshot.goal);
+    if (width == 0 || text::characterCount(withGoal) <= width) {
+        return withGoal;
+    }
+    if (text::characterCount(line) > width) {
+        const std::size_t excess = text::characterCount(line) - width;
+        const std::size_t nameLength = text::characterCount(snapshot.activityName);
+        if (nameLength > kShortestActivityName) {
+            const std::size_t kept =
+                std::max(kShortestActivityName, excess < nameLength ? nameLength - excess : 0);
+            line = lineWithout(snapshot, cutToWidth(snapshot.activityName, kept));
+        }
+    }
+    return cutToWidth(line, width);
 }
 
 std::string keyHelp(bool paused, bool away) {
@@ -106,22 +147,7 @@ std::string sessionSummary(const recording::StudySession& session) {
     using namespace recording::TrackingCalculationService;
     std::string text = fmt::format("{} — {} after {}\n", session.subject, session.statusRawValue,
                                    recording::clockDurationText(session.timerDuration));
-    const std::pair<std::string_view, double> totals[] = {
-        {"Focused", session.focusedDuration},
-        {"Distracting", session.distractedDuration},
-        {"Neutral", session.neutralDuration},
-        {"Unclassified", session.unclassifiedDuration()},
-        {"No input", session.inactiveDuration},
-        {"Ignored", session.ignoredDuration()},
-        {recording::kStudyingAwayFromMac, session.passiveStudyDuration()},
-        {"Break", session.confirmedBreakDuration()},
-        {"Computer asleep or locked", session.systemExcludedDuration()},
-    };
-    for (const auto& [name, seconds] : totals) {
-        if (seconds >= 0.5) {
-            text += fmt::format("  {:<32}{}\n", name, recording::clockDurationText(seconds));
-        }
-    }
+    text += recording::totalsBreakdownText(session, {.skipEmpty = true, .indent = 2});
     const double evidence = session.focusedDuration + session.distractedDuration;
     const auto score = displayableFocusScore(session.focusScore, evidence);
     if (score) {

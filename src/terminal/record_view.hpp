@@ -16,6 +16,7 @@ namespace lumenote::terminal {
 // What the live line is drawn from.
 struct RecordingSnapshot {
     std::string subject;
+    std::string goal;  // empty when the session has none
     recording::StudySessionStatus status = recording::StudySessionStatus::running;
     recording::SessionTimingMode timingMode = recording::SessionTimingMode::timer;
     double plannedDuration = 0.0;  // seconds
@@ -28,10 +29,16 @@ struct RecordingSnapshot {
     bool sleeping = false;
 };
 
-// "Biology · 12:34 left · Text Editor · Focused", "Biology · Paused 3:02 ·
-// 10:00 done", "Biology · 25:00 · Studying away from Mac" ... The
-// timer reads as time left in timer mode and time elapsed when open-ended.
-std::string statusLine(const RecordingSnapshot& snapshot);
+// "Biology · 12:34 left · Text Editor · Focused · Goal: chapter 3",
+// "Biology · Paused 3:02 · 10:00 done", "Biology · 25:00 · Studying away from
+// Mac" ... The timer reads as time left in timer mode and time elapsed when
+// open-ended.
+//
+// A line wider than `width` characters (0: no limit) is fitted, so that a
+// narrow terminal never wraps it: the goal goes first, then the activity
+// name is shortened (to no less than 12 characters, with an ellipsis), and
+// what is still too wide is cut with an ellipsis.
+std::string statusLine(const RecordingSnapshot& snapshot, std::size_t width = 0);
 
 // The keys offered on a terminal, for the line under the status.
 std::string keyHelp(bool paused, bool away);

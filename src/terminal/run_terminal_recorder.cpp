@@ -93,6 +93,7 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
     settings::PreferencesStore& preferences = (*services)->preferences();
     TerminalRecorder::Setup setup{out, options.interactive};
     setup.startRequest = request;
+    setup.recovery = options.recovery;
     setup.sessionStarted = [&paths](const recording::StudySession& session) {
         if (const auto templateID = session.originatingTemplateID()) {
             (void)withTemplates(paths, [&](settings::SessionTemplateStore& templates) {

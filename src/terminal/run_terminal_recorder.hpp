@@ -13,6 +13,10 @@
 
 namespace lumenote::terminal {
 
+// What to do with a session left unfinished by a recorder that stopped
+// early, when the command says.
+enum class RecoveryChoice { continueSession, endSession };
+
 struct RecorderOptions {
     recording::SessionStartRequest request;  // an empty subject is asked for on a terminal
     // A template's name or id: its subject, goal, duration and timing apply
@@ -23,6 +27,9 @@ struct RecorderOptions {
     // Standard input and output are terminals: a live status line, keys and
     // questions. Otherwise plain lines, no questions, and a clean end on SIGTERM.
     bool interactive = false;
+    // Without a choice a terminal asks; without a terminal the recorder
+    // leaves the unfinished session as it is and starts nothing.
+    std::optional<RecoveryChoice> recovery;
 };
 
 // Records one session until it ends, the user quits or a signal arrives, then

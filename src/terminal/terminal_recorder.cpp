@@ -1,6 +1,7 @@
 #include "terminal/terminal_recorder.hpp"
 
 #include <fmt/format.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -29,58 +30,99 @@ TerminalRecorder::TerminalRecorder(Setup setup, runtime::RecorderServices& servi
 TerminalRecorder::~TerminalRecorder() = default;
 
 bool TerminalRecorder::begin() {
-    if (const auto& summary = manager().pendingRecoverySummary()) {
-        const std::string subject = manager().pendingRecoverySession()->subject;
-        if (setup_.interactive) {
-            ask(Question::recovery, recoveryOffer(*summary, subject, calendar_));
-            return true;
-        }
-        // Without a terminal nobody can be asked: the unfinished session is
-        // closed at its last confirmed moment, which keeps everything
-        // confirmed and counts nothing uncertain.
-        if (runtime_.endRecoveredSession().ok()) {
-            say(fmt::format("The unfinished session \"{}\" was ended as interrupted.", subject));
+    // A subject still to be asked for is checked once it is typed.
+    const bool subjectAsked =
+        setup_.interactive && text::trimmed(setup_.startRequest.subject).empty();
+    if (!subjectAsked && setup_.recovery != RecoveryChoice::continueSession) {
+        if (auto refused = recording::SessionManager::checkStartRequest(setup_.startRequest);
+            !refused.ok()) {
+            showError(refused.error().message());
+            return false;
         }
     }
-    return startOrAskSubject();
+    const auto& summary = manager().pendingRecoverySummary();
+    if (!summary) {
+        return startOrAskSubject();
+    }
+    const std::string subject = manager().pendingRecoverySession()->subject;
+    if (setup_.recovery == RecoveryChoice::continueSession) {
+        if (!runtime_.continueRecoveredSession().ok()) {
+            return false;
+        }
+        say(
+            fmt::format("Continuing \"{}\" from now; the time since the last confirmed moment is "
+                        "left out.",
+                        subject));
+        if (setup_.interactive) {
+            say(keyHelp(false, false));
+        }
+        return true;
+    }
+    if (setup_.recovery == RecoveryChoice::endSession) {
+        if (!runtime_.endRecoveredSession().ok()) {
+            return false;
+        }
+        say(fmt::format("The unfinished session \"{}\" was ended as interrupted.", subject));
+        return startOrAskSubject();
+    }
+    if (setup_.interactive) {
+        ask(Question::recovery, recoveryOffer(*summary, subject, calendar_));
+        return true;
+    }
+    // Nobody can be asked: the unfinished session stays as it is until the
+    // user says what to do with it.
+    showError(fmt::format(
+        "The unfinished session \"{}\" waits for recovery, so nothing was started. Run "
+        "`lumenote-cli record --recovery continue` to go on with it, or add `--recovery end` "
+        "to end it as interrupted and start this one.",
+        subject));
+    return false;
 }
+
+namespace {
+
+constexpr std::string_view kSubjectPrompt = "Subject: ";
+
+}  // namespace
 
 bool TerminalRecorder::startOrAskSubject() {
     if (setup_.interactive && text::trimmed(setup_.startRequest.subject).empty()) {
-        typedSubject_.clear();
+        subjectEditor_.clear();
         question_ = Question::subject;
-        setup_.out << "\r\033[2KSubject: " << std::flush;
+        setup_.out << subjectEditor_.render(kSubjectPrompt) << std::flush;
         return true;
     }
     return startSession();
 }
 
+// An empty subject is asked for again; Ctrl-D on an empty line leaves
+// without starting anything, as a shell does.
 void TerminalRecorder::answerSubject(char key) {
-    if (key == '\n' || key == '\r') {
-        setup_.out << '\n';
-        question_ = Question::none;
-        setup_.startRequest.subject = typedSubject_;
-        if (!startSession()) {
-            runtime_.stop(1);
-        }
+    switch (subjectEditor_.feed(key)) {
+        case LineEditor::Outcome::editing:
+            setup_.out << subjectEditor_.render(kSubjectPrompt) << std::flush;
+            return;
+        case LineEditor::Outcome::abandoned:
+            setup_.out << '\n';
+            question_ = Question::none;
+            say("No session was started.");
+            runtime_.stop(0);
+            return;
+        case LineEditor::Outcome::submitted:
+            break;
+    }
+    setup_.out << '\n';
+    setup_.startRequest.subject = subjectEditor_.text();
+    if (text::trimmed(setup_.startRequest.subject).empty()) {
+        setup_.out << recording::sessionFailureMessage(recording::SessionFailure::subjectMissing)
+                   << '\n';
+        subjectEditor_.clear();
+        setup_.out << subjectEditor_.render(kSubjectPrompt) << std::flush;
         return;
     }
-    if (key == 0x7f || key == '\b') {
-        // Backspace removes the last character, and all bytes of one that is
-        // longer than a byte.
-        while (!typedSubject_.empty()) {
-            const auto byte = static_cast<unsigned char>(typedSubject_.back());
-            typedSubject_.pop_back();
-            if ((byte & 0xC0) != 0x80) {
-                break;
-            }
-        }
-        setup_.out << "\r\033[2KSubject: " << typedSubject_ << std::flush;
-        return;
-    }
-    if (static_cast<unsigned char>(key) >= 0x20) {
-        typedSubject_ += key;
-        setup_.out << key << std::flush;
+    question_ = Question::none;
+    if (!startSession()) {
+        runtime_.stop(1);
     }
 }
 
@@ -168,9 +210,10 @@ void TerminalRecorder::sessionEnded(const std::optional<recording::StudySession>
 }
 
 void TerminalRecorder::terminated(const std::string& reason) {
+    // The live line is not drawn again behind the last message.
+    ended_ = true;
     say(fmt::format("{}: the session was saved and will be offered for recovery next time.",
                     reason));
-    ended_ = true;
 }
 
 void TerminalRecorder::onKey() {
@@ -303,6 +346,7 @@ void TerminalRecorder::draw() {
     }
     RecordingSnapshot snapshot;
     snapshot.subject = session->subject;
+    snapshot.goal = session->goal;
     snapshot.status = session->status();
     snapshot.timingMode = session->timingMode();
     snapshot.plannedDuration = session->plannedDuration;
@@ -314,7 +358,7 @@ void TerminalRecorder::draw() {
     snapshot.sleeping = manager().isSleeping();
     if (setup_.interactive) {
         if (question_ == Question::none) {
-            setup_.out << "\r\033[2K" << statusLine(snapshot) << std::flush;
+            setup_.out << "\r\033[2K" << statusLine(snapshot, lineWidth()) << std::flush;
         }
         return;
     }
@@ -328,6 +372,14 @@ void TerminalRecorder::draw() {
         lastPlainLine_ = unchanging;
         setup_.out << timestamp() << statusLine(snapshot) << '\n' << std::flush;
     }
+}
+
+std::size_t TerminalRecorder::lineWidth() const {
+    winsize size{};
+    if (::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col < 2) {
+        return 0;
+    }
+    return static_cast<std::size_t>(size.ws_col) - 1;
 }
 
 std::string TerminalRecorder::timestamp() const {

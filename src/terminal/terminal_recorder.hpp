@@ -13,6 +13,8 @@
 
 #include "foundation/dates.hpp"
 #include "runtime/recorder_runtime.hpp"
+#include "terminal/line_editor.hpp"
+#include "terminal/run_terminal_recorder.hpp"
 
 namespace lumenote::terminal {
 
@@ -26,6 +28,9 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
         // The session to start once a pending recovery is settled; nullopt
         // when a recovered session was continued instead.
         recording::SessionStartRequest startRequest;
+        // What to do with an unfinished session; empty to ask (on a
+        // terminal) or to leave it pending (without one).
+        std::optional<RecoveryChoice> recovery;
         // Called once the session of `startRequest` exists; may be empty.
         std::function<void(const recording::StudySession&)> sessionStarted;
         // True once, on the first use of studying away from the computer,
@@ -40,9 +45,11 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
 
     runtime::RecorderRuntime& recorder() { return runtime_; }
 
-    // Offers a pending recovery (or settles it without a terminal) and starts
-    // the session, first asking for a subject when it has none. Returns false
-    // when the session could not start; the reason has been printed.
+    // Settles a pending recovery as the setup says, or offers it on a
+    // terminal, and starts the session, first asking for a subject when it
+    // has none. The request's own checks come first: a refused request
+    // leaves an unfinished session untouched. Returns false when recording
+    // could not start; the reason has been printed.
     bool begin();
 
     // What the runtime tells its front end.
@@ -70,6 +77,9 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
     void draw();
     // "[09:41:02] ": the local time, for lines printed without a terminal.
     std::string timestamp() const;
+    // The terminal's width in characters, less one so that a full line never
+    // wraps; 0 when it cannot be read.
+    std::size_t lineWidth() const;
 
     Setup setup_;
     LocalCalendar calendar_;
@@ -78,7 +88,7 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
     Question question_ = Question::none;
     bool ended_ = false;
     std::string lastPlainLine_;
-    std::string typedSubject_;
+    LineEditor subjectEditor_;
 };
 
 }  // namespace lumenote::terminal

@@ -24,7 +24,7 @@ TEST_F(RecoveryCommandTest, StatusShowsTheOfferAndEndClosesTheSessionAsInterrupt
     const CliRun status = run({"recovery", "status"});
     EXPECT_EQ(status.status, 0);
     EXPECT_TRUE(contains(status.out, "Lumenote found an unfinished session."));
-    EXPECT_TRUE(contains(status.out, "\"Crashed\""));
+    EXPECT_TRUE(contains(status.out, "Subject:      Crashed\n")) << status.out;
 
     const CliRun ended = run({"recovery", "end"});
     EXPECT_EQ(ended.status, 0) << ended.err;
@@ -38,6 +38,36 @@ TEST_F(RecoveryCommandTest, StatusShowsTheOfferAndEndClosesTheSessionAsInterrupt
     EXPECT_DOUBLE_EQ(session.timerDuration, 420.0);
     EXPECT_DOUBLE_EQ(session.inactiveDuration, 210.0);
     EXPECT_TRUE(contains(run({"recovery"}).out, "No unfinished session was found."));
+}
+
+// A crash is told the same way everywhere: recovery status in plain text
+// (no keys to press, no figure that grows with the clock), and sessions with
+// the session waiting and what to run.
+TEST_F(RecoveryCommandTest, EveryCommandTellsOfTheSessionWaitingForRecovery) {
+    record(kCrashedRecording);
+    const CliRun status = run({"recovery", "status"});
+    EXPECT_EQ(status.status, 0);
+    EXPECT_FALSE(contains(status.out, "[c]")) << status.out;
+    EXPECT_TRUE(contains(status.out, "Confirmed:    0:07:00 up to ")) << status.out;
+    EXPECT_TRUE(contains(status.out, "Uncertain:    what followed until the recorder stopped"))
+        << status.out;
+    EXPECT_TRUE(contains(status.out, "`lumenote-cli record --recovery continue`")) << status.out;
+
+    const CliRun listed = run({"sessions"});
+    EXPECT_EQ(listed.status, 0);
+    EXPECT_TRUE(contains(listed.out, "waits for recovery")) << listed.out;
+    EXPECT_TRUE(contains(listed.out, "\"Crashed\" (started ")) << listed.out;
+
+    // While a recorder runs, its session is simply being recorded.
+    {
+        auto lock = store::RecorderLock::acquire(store::recorderLockPath(home_.paths()));
+        ASSERT_TRUE(lock.ok());
+        const CliRun running = run({"sessions"});
+        EXPECT_FALSE(contains(running.out, "waits for recovery")) << running.out;
+    }
+
+    ASSERT_EQ(run({"recovery", "end"}).status, 0);
+    EXPECT_FALSE(contains(run({"sessions"}).out, "waits for recovery"));
 }
 
 TEST_F(RecoveryCommandTest, IsRefusedWhileARecorderHoldsTheLock) {

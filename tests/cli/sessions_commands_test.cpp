@@ -154,16 +154,40 @@ TEST_F(SessionsCommandTest, ShowExplainsSystemTimeAwayStudyAndFocusRuns) {
     const CliRun shown = run({"show", recorded[0]["id"]});
     ASSERT_EQ(shown.status, 0) << shown.err;
     for (const char* part :
-         {"  System excluded           0:01:40\n"
-          "    Your Mac was asleep, locked, or switched to another user, so nothing could be "
+         {"    Computer asleep or locked   0:01:40\n"
+          "      Your Mac was asleep, locked, or switched to another user, so nothing could be "
           "observed.\n",
-          "  Studying away from Mac    0:05:00\n"
-          "    Studying away from your Mac while the session continues.\n",
-          "  Longest Focused run       0:10:40\n", "  Interruptions                   1\n"}) {
+          "    Studying away from Mac      0:05:00\n"
+          "      Studying away from your Mac while the session continues.\n",
+          "  Longest Focused run           0:10:40\n",
+          "  Interruptions                       1\n"}) {
         EXPECT_TRUE(contains(shown.out, part)) << part << "\n" << shown.out;
     }
     // Totals without time are not explained.
     EXPECT_FALSE(contains(shown.out, "Time you intentionally were not studying.")) << shown.out;
+}
+
+// One study time leads: computer study plus confirmed away study, never the
+// unconfirmed or Break time, which are listed apart as not counted.
+TEST_F(SessionsCommandTest, StudyTimeComesFirstAndCountsNothingUnconfirmed) {
+    const json recorded = record(
+        R"({"at":0,"do":"classifyApp","bundle":"org.gnome.Notes","name":"Notes","classification":"focused"}
+{"at":0,"do":"frontmost","bundle":"org.gnome.Notes","name":"Notes"}
+{"at":0,"do":"start","subject":"Physics","duration":86400}
+{"at":600,"do":"noInput"}
+{"at":1800,"do":"input"}
+{"at":2400,"do":"end"}
+)");
+    const CliRun shown = run({"show", recorded[0]["id"]});
+    ASSERT_EQ(shown.status, 0) << shown.err;
+    const auto study = shown.out.find("  Study time ");
+    ASSERT_NE(study, std::string::npos) << shown.out;
+    EXPECT_LT(study, shown.out.find("Focused")) << shown.out;
+    EXPECT_TRUE(contains(shown.out, "    No input, unconfirmed       0:18:30\n")) << shown.out;
+    EXPECT_FALSE(contains(shown.out, "\n  No input ")) << shown.out;
+
+    const CliRun listed = run({"sessions"});
+    EXPECT_TRUE(contains(listed.out, "  Study  ")) << listed.out;
 }
 
 TEST_F(SessionsCommandTest, IdsThatAreAmbiguousUnknownOrMalformedAreRefused) {

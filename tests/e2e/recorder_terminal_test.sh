@@ -5,7 +5,8 @@
 # interrupted), and at the next start offers the unfinished session left by
 # a SIGKILL before asking anything else, continuing it on `c` and ending it
 # with `e`; a third start ends such a session on `e` and then asks for the
-# subject of a new one.
+# subject of a new one. The subject prompt takes editing keys, asks again
+# for an empty subject and leaves on Ctrl-D.
 #
 # Usage: recorder_terminal_test.sh BIN_DIR
 set -euo pipefail
@@ -30,9 +31,14 @@ drive() {
         fail "the terminal session $name did not go as expected"
 }
 
+# The subject prompt edits like a shell: an empty line asks again, arrows
+# move, Backspace deletes before the cursor, Up is ignored.
 drive first <<'STEPS'
 expect Subject:
-send Chemistry\n
+send \n
+expect Add a subject.
+expect Subject:
+send Chemxistry\x1b[D\x1b[D\x1b[D\x1b[D\x1b[D\x7f\x1b[F\x1b[A\n
 expect Recording "Chemistry" for 0:10:00.
 expect [p] pause
 send p
@@ -102,4 +108,12 @@ STEPS
 summary=$("$cli" sessions)
 [[ "$summary" == *Geology*interrupted* && "$summary" == *History*completed* ]] ||
     fail "ending the offered session and starting a new one went wrong: $summary"
+# Ctrl-D at an empty prompt leaves without starting anything.
+drive abandon <<'STEPS'
+expect Subject:
+send \x04
+expect No session was started.
+exit 0
+STEPS
+[[ "$("$cli" sessions)" != *"waits for recovery"* ]] || fail "leaving the prompt left a session"
 echo "recorder terminal test passed"

@@ -131,7 +131,25 @@ killed_at=$(elapsed)
 kill -9 "$recorder_pid"
 wait "$crashed_job" 2>/dev/null || true
 
+# Until it is settled, every command tells of the waiting session, and a
+# recorder without a terminal leaves it alone: with a bad request first of all.
+status_err=$("$cli" status 2>&1 >/dev/null) && fail "status answered with nothing recording"
+[[ "$status_err" == *'"Crashed"'*"waits for recovery"* ]] ||
+    fail "status did not tell of the session waiting for recovery: $status_err"
+listed=$("$cli" sessions)
+[[ "$listed" == *"Crashed"*"waits for recovery"* ]] ||
+    fail "sessions did not show the session waiting for recovery: $listed"
+refused=$(timeout 20 "$cli" record --subject "" --recovery end </dev/null 2>&1) &&
+    fail "a recorder started with an empty subject"
+[[ "$refused" == *"Add a subject."* ]] || fail "the empty subject was not refused: $refused"
+refused=$(timeout 20 "$cli" record --subject "Next" </dev/null 2>&1) &&
+    fail "a recorder without a terminal started over an unfinished session"
+[[ "$refused" == *"waits for recovery, so nothing was started"*"--recovery continue"* ]] ||
+    fail "the waiting session was not explained: $refused"
+
 recovery=$("$cli" recovery status)
+[[ "$recovery" != *"[c]"* && "$recovery" == *"Uncertain:"* ]] ||
+    fail "recovery status is not plain text: $recovery"
 [[ "$recovery" == *"Lumenote found an unfinished session."* ]] ||
     fail "recovery status did not offer the session: $recovery"
 "$cli" recovery end >/dev/null || fail "recovery end failed"

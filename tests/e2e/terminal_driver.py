@@ -4,11 +4,12 @@
 Usage: terminal_driver.py SCRIPT -- COMMAND...
 SCRIPT holds one step per line: `expect TEXT` waits (up to 20 s) until TEXT
 has appeared in the output since the previous expectation, `send TEXT` types
-TEXT ("\\n" for Enter, "\\x7f" for Backspace), `exit N` waits for the program to
-end with status N.
+TEXT ("\\n" for Enter, "\\xNN" for any byte: "\\x7f" Backspace, "\\x1b" Escape,
+"\\x04" Ctrl-D), `exit N` waits for the program to end with status N.
 Prints the whole output on failure and exits 1.
 """
 import os
+import re
 import pty
 import select
 import sys
@@ -63,7 +64,8 @@ def main():
                     fail(f"never saw {argument!r}")
             seen = output.find(wanted, seen) + len(wanted)
         elif verb == "send":
-            typed = argument.replace("\\n", "\n").replace("\\x7f", "\x7f")
+            typed = re.sub(r"\\x([0-9a-fA-F]{2})", lambda m: chr(int(m.group(1), 16)),
+                           argument.replace("\\n", "\n"))
             os.write(fd, typed.encode("utf-8"))
         elif verb == "exit":
             until = time.monotonic() + DEADLINE

@@ -76,6 +76,34 @@ class RecorderLockTest : public TemporaryFolderTest {
     std::filesystem::path lockFile() const { return folder_ / "Lumenote" / "lumenote.lock"; }
 };
 
+// Asking whether a recorder runs reads the holder's id and never takes the
+// lock: a crashed holder (its process gone, its id left in the file), a
+// released lock and an unreadable file all read as free.
+TEST_F(RecorderLockTest, TheRunningHolderIsFoundWithoutTakingTheLock) {
+    EXPECT_FALSE(RecorderLock::runningHolder(lockFile()));
+    {
+        LockHoldingChild child(lockFile());
+        ASSERT_TRUE(child.locked());
+        EXPECT_EQ(RecorderLock::runningHolder(lockFile()), child.pid());
+        // The question left the lock alone: the holder still excludes others.
+        EXPECT_FALSE(RecorderLock::acquire(lockFile()).ok());
+        const pid_t crashed = child.pid();
+        child.end();
+        ASSERT_EQ(contentsOf(lockFile()), std::to_string(crashed) + "\n");
+        EXPECT_FALSE(RecorderLock::runningHolder(lockFile()));
+    }
+    {
+        auto lock = RecorderLock::acquire(lockFile());
+        ASSERT_TRUE(lock.ok());
+        EXPECT_EQ(RecorderLock::runningHolder(lockFile()), ::getpid());
+    }
+    EXPECT_FALSE(RecorderLock::runningHolder(lockFile()));
+    for (const char* content : {"", "not a number\n", "-1\n", "12abc"}) {
+        std::ofstream(lockFile(), std::ios::trunc) << content;
+        EXPECT_FALSE(RecorderLock::runningHolder(lockFile())) << content;
+    }
+}
+
 TEST_F(RecorderLockTest, ASecondLockInTheSameProcessIsRefusedUntilTheFirstIsReleased) {
     {
         auto first = store::RecorderLock::acquire(lockFile());

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/text.hpp"
+
 namespace lumenote::terminal {
 namespace {
 
@@ -48,9 +50,50 @@ TEST(RecordView, SummaryListsAwayStudyUnderItsName) {
     session.focusedDuration = 1200;
     session.setPassiveStudyDuration(300);
     const std::string summary = sessionSummary(session);
-    EXPECT_NE(summary.find("  Studying away from Mac          0:05:00\n"), std::string::npos)
+    EXPECT_NE(summary.find("    Studying away from Mac      0:05:00\n"), std::string::npos)
         << summary;
     EXPECT_EQ(summary.find("computer"), std::string::npos) << summary;
+}
+
+// The live line never wraps: the goal goes first, then the activity name
+// shrinks, and only then is the line cut.
+TEST(RecordView, LiveLineFitsTheTerminalWidth) {
+    RecordingSnapshot snapshot;
+    snapshot.subject = "Biology";
+    snapshot.goal = "Finish\nchapter 3";
+    snapshot.plannedDuration = 1500;
+    snapshot.timerValue = 600;
+    snapshot.activityName = "A document with a very long name.pdf";
+    snapshot.classification = classification::ActivityClassification::focused;
+    const std::string full =
+        "Biology · 0:15:00 left · A document with a very long name.pdf · Focused · Goal: Finish "
+        "chapter 3";
+    EXPECT_EQ(statusLine(snapshot), full);
+    EXPECT_EQ(statusLine(snapshot, text::characterCount(full)), full);
+    EXPECT_EQ(statusLine(snapshot, 80),
+              "Biology · 0:15:00 left · A document with a very long name.pdf · Focused");
+    EXPECT_EQ(statusLine(snapshot, 60),
+              "Biology · 0:15:00 left · A document with a very l… · Focused");
+    EXPECT_EQ(statusLine(snapshot, 48), "Biology · 0:15:00 left · A document w… · Focused");
+    EXPECT_EQ(statusLine(snapshot, 30), "Biology · 0:15:00 left · A do…");
+    for (const std::size_t width : {1u, 2u, 10u, 47u, 59u, 61u, 79u, 81u}) {
+        EXPECT_LE(text::characterCount(statusLine(snapshot, width)), width) << width;
+    }
+}
+
+TEST(RecordView, SummaryLeadsWithStudyTimeAndLeavesOutUnconfirmedTime) {
+    recording::StudySession session(Uuid::generate(), "Biology", "", 3600, Date{0});
+    session.setStatus(recording::StudySessionStatus::completed);
+    session.timerDuration = 3600;
+    session.focusedDuration = 2400;
+    session.inactiveDuration = 1200;
+    session.setPassiveStudyDuration(600);
+    const std::string summary = sessionSummary(session);
+    EXPECT_NE(summary.find("  Study time                    0:50:00\n"), std::string::npos)
+        << summary;
+    EXPECT_NE(summary.find("    No input, unconfirmed       0:10:00\n"), std::string::npos)
+        << summary;
+    EXPECT_LT(summary.find("Study time"), summary.find("Focused")) << summary;
 }
 
 }  // namespace
