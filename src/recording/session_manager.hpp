@@ -9,7 +9,9 @@
 // - Inactivity splits a stretch where the idle time crossed the threshold
 //   (now - idle + threshold), not at the tick that noticed it; a no-input
 //   stretch ends where input resumed (now - idle).
-// - Closed stretches of zero length that were never written are dropped.
+// - No stretch of zero length is ever stored: one that closes where it began
+//   is dropped, and if the save cadence already wrote it (its end was later
+//   placed back at its start) its row is deleted again.
 // - Late or bunched ticks neither lose nor double time: every length comes
 //   from the monotonic clock and consecutive stretches share their boundary.
 // - In timer mode the session completes at exactly its planned duration: the

@@ -156,14 +156,21 @@ void SessionManager::recordClosedInterval(const FinalizedActivityInterval& inter
     if (interval.duration <= 0.0 && !written) {
         return;
     }
-    segment.endDate = interval.endDate;
-    segment.duration = interval.duration;
     if (openStretchStartMonotonic_) {
         noteQueuedBoundary({interval.endDate, *openStretchStartMonotonic_ + interval.duration});
     }
-    declareOfflineStudy(interval);
-    sessionSegments_.push_back(segment);
-    pendingChanges_.segments.push_back(std::move(segment));
+    if (interval.duration <= 0.0) {
+        // The save cadence wrote this stretch while it was growing, but its end
+        // has since been placed back at its start (where input stopped or
+        // nothing came to the front): it holds no time, so its row goes.
+        pendingChanges_.deletedSegments.push_back(segment.id);
+    } else {
+        segment.endDate = interval.endDate;
+        segment.duration = interval.duration;
+        declareOfflineStudy(interval);
+        sessionSegments_.push_back(segment);
+        pendingChanges_.segments.push_back(std::move(segment));
+    }
     activeSession_->timerDuration = timerValueAt(monotonicTimeProvider_.now());
     queueSession();
     save();
