@@ -8,9 +8,14 @@
 
 namespace lumenote::recording {
 
-ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
+void SessionManager::beginObservation(TrackingInstant instant) {
+    observedSince_ = instant;
+    frontmostMemory_ = FrontmostMemory{};
+}
+
+ActivityState SessionManager::sampleState(const std::optional<FrontmostApplication>& frontmost,
+                                          double idleSeconds, Date wallNow) {
     ActivityState state;
-    const auto frontmost = frontmostApplication_.frontmostApplication();
     state.bundleIdentifier = frontmost ? frontmost->bundleIdentifier : std::string();
     state.applicationName = (frontmost && !frontmost->localizedName.empty())
                                 ? frontmost->localizedName
@@ -107,9 +112,17 @@ TrackingInstant SessionManager::boundaryFor(const ActivityState& next, TrackingI
 
 void SessionManager::sampleAndRecord(TrackingInstant instant) {
     const double idle = idleTimeProvider_.idleSeconds();
-    const ActivityState state = sampleState(idle, instant.wallDate);
+    const FrontmostReading frontmost =
+        readFrontmost(frontmostMemory_, frontmostApplication_.frontmostApplication(), instant);
+    frontmostMemory_ = frontmost.memory;
+    const ActivityState state = sampleState(frontmost.application, idle, instant.wallDate);
     trackNoInputRun(state, instant, idle);
-    const TrackingInstant boundary = boundaryFor(state, instant, idle);
+    TrackingInstant boundary = boundaryFor(state, instant, idle);
+    // A switch through a moment with nothing in front happened where that
+    // moment began (the engine never closes a stretch before its start).
+    if (frontmost.inFrontSince && frontmost.inFrontSince->monotonicTime < boundary.monotonicTime) {
+        boundary = *frontmost.inFrontSince;
+    }
     if (auto closed = timelineEngine_.observe(state, boundary)) {
         recordClosedInterval(*closed);
     }
