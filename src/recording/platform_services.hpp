@@ -22,7 +22,9 @@ struct FrontmostApplication {
 class FrontmostApplicationSource {
   public:
     virtual ~FrontmostApplicationSource() = default;
-    // nullopt when nothing is frontmost (no window has focus).
+    // nullopt when nothing is frontmost (no window has focus), reported as it
+    // is even for a moment during a switch: the recorder decides what such a
+    // gap counts as (frontmost_gaps.hpp).
     virtual std::optional<FrontmostApplication> frontmostApplication() = 0;
 };
 

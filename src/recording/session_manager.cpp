@@ -121,7 +121,7 @@ Result<void, SessionError> SessionManager::start(const SessionStartRequest& requ
     openSegmentWritten_ = false;
     timerBaseDuration_ = 0.0;
     timerAnchor_ = instant.monotonicTime;
-    observedSince_ = instant;
+    beginObservation(instant);
     pauseAnchor_.reset();
     currentPauseDuration_ = 0.0;
     saveTick_ = 0;
@@ -185,7 +185,7 @@ Result<void, SessionError> SessionManager::resume() {
     const TrackingInstant instant = nowInstant();
     accumulatedPauseDuration_ += std::max(0.0, instant.monotonicTime - pauseAnchor_.value_or(0.0));
     timerAnchor_ = instant.monotonicTime;
-    observedSince_ = instant;
+    beginObservation(instant);
     pauseAnchor_.reset();
     currentPauseDuration_ = 0.0;
     activeSession_->setStatus(StudySessionStatus::running);

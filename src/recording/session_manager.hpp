@@ -9,7 +9,14 @@
 // - Inactivity splits a stretch where the idle time crossed the threshold
 //   (now - idle + threshold), not at the tick that noticed it; a no-input
 //   stretch ends where input resumed (now - idle).
-// - Closed stretches of zero length that were never written are dropped.
+// - No stretch of zero length is ever stored: one that closes where it began
+//   is dropped, and if the save cadence already wrote it (its end was later
+//   placed back at its start) its row is deleted again.
+// - A moment with no application in front (a window manager moving focus)
+//   is the switch itself: the next application's stretch begins where the
+//   moment began. Only when no application is named for a whole sampling
+//   interval is it a stretch of "Unknown application", from where it began
+//   (the rule and its cases: frontmost_gaps.hpp).
 // - Late or bunched ticks neither lose nor double time: every length comes
 //   from the monotonic clock and consecutive stretches share their boundary.
 // - In timer mode the session completes at exactly its planned duration: the
@@ -37,6 +44,7 @@
 #include "classification/classification_rules.hpp"
 #include "recording/active_session_checkpoint.hpp"
 #include "recording/activity_timeline.hpp"
+#include "recording/frontmost_gaps.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/platform_services.hpp"
 #include "recording/recording_preferences.hpp"
@@ -239,7 +247,10 @@ class SessionManager {
     void reportProblem(SessionFailure failure, std::string detail = {});
 
     // sampling (session_manager_sampling.cpp)
-    ActivityState sampleState(double idleSeconds, Date wallNow);
+    // Observation (re)starts at `instant` (a start, resume, wake or recovery).
+    void beginObservation(TrackingInstant instant);
+    ActivityState sampleState(const std::optional<FrontmostApplication>& frontmost,
+                              double idleSeconds, Date wallNow);
     classification::ActivityClassification pdfClassification(const BrowserResolution& pdf);
     void sampleAndRecord(TrackingInstant instant);
     TrackingInstant boundaryFor(const ActivityState& next, TrackingInstant instant,
@@ -321,6 +332,8 @@ class SessionManager {
     std::optional<Date> noInputRunStartDate_;
     // When observation last (re)started: the start, a resume, a wake.
     TrackingInstant observedSince_;
+    // What the gap rule keeps between samples.
+    FrontmostMemory frontmostMemory_;
     std::optional<NoInputClassificationPrompt> pendingNoInputPrompt_;
     std::optional<TrackingInstant> pendingNoInputPromptStart_;
     std::optional<StudyStateEdit> lastStudyStateEdit_;

@@ -158,7 +158,7 @@ Result<void, SessionError> SessionManager::continueRecoveredSession() {
     activeSession_ = std::move(session);
     timerBaseDuration_ = checkpoint.confirmedDuration;
     timerAnchor_ = paused ? std::nullopt : std::optional<double>(instant.monotonicTime);
-    observedSince_ = instant;
+    beginObservation(instant);
     pauseAnchor_ = paused ? std::optional<double>(instant.monotonicTime) : std::nullopt;
     accumulatedPauseDuration_ = checkpoint.accumulatedPauseDuration;
     currentPauseDuration_ = 0.0;

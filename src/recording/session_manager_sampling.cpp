@@ -8,9 +8,14 @@
 
 namespace lumenote::recording {
 
-ActivityState SessionManager::sampleState(double idleSeconds, Date wallNow) {
+void SessionManager::beginObservation(TrackingInstant instant) {
+    observedSince_ = instant;
+    frontmostMemory_ = FrontmostMemory{};
+}
+
+ActivityState SessionManager::sampleState(const std::optional<FrontmostApplication>& frontmost,
+                                          double idleSeconds, Date wallNow) {
     ActivityState state;
-    const auto frontmost = frontmostApplication_.frontmostApplication();
     state.bundleIdentifier = frontmost ? frontmost->bundleIdentifier : std::string();
     state.applicationName = (frontmost && !frontmost->localizedName.empty())
                                 ? frontmost->localizedName
@@ -107,9 +112,17 @@ TrackingInstant SessionManager::boundaryFor(const ActivityState& next, TrackingI
 
 void SessionManager::sampleAndRecord(TrackingInstant instant) {
     const double idle = idleTimeProvider_.idleSeconds();
-    const ActivityState state = sampleState(idle, instant.wallDate);
+    const FrontmostReading frontmost =
+        readFrontmost(frontmostMemory_, frontmostApplication_.frontmostApplication(), instant);
+    frontmostMemory_ = frontmost.memory;
+    const ActivityState state = sampleState(frontmost.application, idle, instant.wallDate);
     trackNoInputRun(state, instant, idle);
-    const TrackingInstant boundary = boundaryFor(state, instant, idle);
+    TrackingInstant boundary = boundaryFor(state, instant, idle);
+    // A switch through a moment with nothing in front happened where that
+    // moment began (the engine never closes a stretch before its start).
+    if (frontmost.inFrontSince && frontmost.inFrontSince->monotonicTime < boundary.monotonicTime) {
+        boundary = *frontmost.inFrontSince;
+    }
     if (auto closed = timelineEngine_.observe(state, boundary)) {
         recordClosedInterval(*closed);
     }
@@ -156,14 +169,21 @@ void SessionManager::recordClosedInterval(const FinalizedActivityInterval& inter
     if (interval.duration <= 0.0 && !written) {
         return;
     }
-    segment.endDate = interval.endDate;
-    segment.duration = interval.duration;
     if (openStretchStartMonotonic_) {
         noteQueuedBoundary({interval.endDate, *openStretchStartMonotonic_ + interval.duration});
     }
-    declareOfflineStudy(interval);
-    sessionSegments_.push_back(segment);
-    pendingChanges_.segments.push_back(std::move(segment));
+    if (interval.duration <= 0.0) {
+        // The save cadence wrote this stretch while it was growing, but its end
+        // has since been placed back at its start (where input stopped or
+        // nothing came to the front): it holds no time, so its row goes.
+        pendingChanges_.deletedSegments.push_back(segment.id);
+    } else {
+        segment.endDate = interval.endDate;
+        segment.duration = interval.duration;
+        declareOfflineStudy(interval);
+        sessionSegments_.push_back(segment);
+        pendingChanges_.segments.push_back(std::move(segment));
+    }
     activeSession_->timerDuration = timerValueAt(monotonicTimeProvider_.now());
     queueSession();
     save();

@@ -58,7 +58,7 @@ void SessionManager::didWake() {
         notificationService_.post("Lumenote", kLongSleepPauseNotice);
         return;
     }
-    observedSince_ = instant;
+    beginObservation(instant);
     sampleAndRecord(instant);
 }
 

@@ -149,6 +149,16 @@ ActionResult bringToFront(const ActionCall& call) {
     return {};
 }
 
+// No application is in front any more, as while a window manager moves focus
+// from one window to the next.
+ActionResult clearFront(const ActionCall& call) {
+    call.machine.platform().frontmost.current.reset();
+    if (recording::SessionManager* recorder = call.machine.recorder()) {
+        recorder->applicationActivated();
+    }
+    return {};
+}
+
 // The frontmost browser now shows a website, a local PDF, or nothing (without
 // "hostname" or "pdf").
 ActionResult showInBrowser(const ActionCall& call) {
@@ -500,6 +510,7 @@ constexpr std::array kActions{
     ScenarioAction{"answerPrompt", kNeedsRecorder, answerPrompt},
     // The machine.
     ScenarioAction{"frontmost", kWithoutRecorder, bringToFront},
+    ScenarioAction{"nothingInFront", kWithoutRecorder, clearFront},
     ScenarioAction{"browser", kNeedsRecorder, showInBrowser},
     ScenarioAction{"noInput", kWithoutRecorder, stopInput},
     ScenarioAction{"input", kWithoutRecorder, resumeInput},

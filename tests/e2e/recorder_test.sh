@@ -3,7 +3,8 @@
 # terminal on a real X server (Xvfb, openbox, two xterms switched with
 # xdotool), over a private session bus and a second private bus standing in
 # for the system bus, with a test logind and a test notification server.
-# Checks that window switches become classified segments, that logind's
+# Checks that window switches become classified segments (a switch through
+# a moment with no active window among them), that logind's
 # PrepareForSleep(true/false) becomes a "Mac asleep" stretch, that `pause`,
 # `resume`, `status` and `end` reach the recorder, and that the stored totals
 # add up. Then kills a recorder with SIGKILL and checks `recovery status` and
@@ -71,6 +72,13 @@ poll_until "the wake" status_matches "LumenoteBeta (distracting)"
 activate "$alpha"
 poll_until "the switch back to alpha" status_matches "LumenoteAlpha (focused)"
 poll_until "11 seconds of recording" elapsed_at_least 11
+# A switch through a moment with no active window, as some window managers
+# leave while focus moves: it must become neither an "Unknown application"
+# stretch nor one of zero length (checked with the segments below).
+timeout 10 "$bin/lumenote-x11-set-active" --through-none "$beta" 0.3 ||
+    fail "could not switch to beta through no active window"
+poll_until "the switch to beta through no active window" \
+    status_matches "LumenoteBeta (distracting)"
 [[ "$("$cli" pause)" == "Paused." ]] || fail "pause did not answer Paused."
 poll_until "the pause" status_matches "paused"
 [[ "$("$cli" pause)" == "The session is already paused." ]] || fail "a second pause toggled"
@@ -113,7 +121,16 @@ assert ("LumenoteBeta", "distracting", "application") in names, names
 sleep = [g for g in segments if g["bundleIdentifier"] == "com.apple.system.sleep"]
 assert len(sleep) == 1 and sleep[0]["applicationName"] == "Mac asleep", sleep
 assert sleep[0]["activitySource"] == "system", sleep
+unknown = [g for g in segments if g["applicationName"] == "Unknown application"]
+assert not unknown, unknown
+empty = [g for g in segments if g["duration"] <= 0]
+assert not empty, empty
+assert names[-1][0] == "LumenoteBeta", names
 CHECK
+
+# openbox still gives alpha the focus; the property follows it again, so that
+# activating beta below is a switch once more.
+timeout 10 "$bin/lumenote-x11-set-active" "$alpha" || fail "could not set alpha active again"
 
 # ---- a crash: SIGKILL, then recovery from the command line ----
 timeout 150 "$cli" record --subject "Crashed" --open-ended \

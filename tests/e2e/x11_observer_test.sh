@@ -4,6 +4,7 @@
 # Checks that each switch is announced at once (the activation notification)
 # and reported with the right identity and display name (a desktop entry with
 # a non-ASCII name in a subfolder, a bare window class, a browser's class),
+# that a moment with no active window is reported as nothing frontmost,
 # that idle time grows without input and resets on pointer motion, that a
 # destroyed active window is harmless, that a missing display is explained,
 # and that a server that goes away is reported instead of ending the process.
@@ -12,6 +13,7 @@
 set -euo pipefail
 
 PROBE="$1/lumenote-x11-probe"
+SET_ACTIVE="$1/lumenote-x11-set-active"
 WORK="$(mktemp -d)"
 STARTED=()
 
@@ -56,6 +58,7 @@ idle_of() {
 
 # Display and input.
 [ -x "$PROBE" ] || fail "no probe at $PROBE"
+[ -x "$SET_ACTIVE" ] || fail "no lumenote-x11-set-active at $SET_ACTIVE"
 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$WORK/display" >"$WORK/xvfb.log" 2>&1 &
 XVFB=$!
 STARTED+=("$XVFB")
@@ -143,6 +146,23 @@ switch_to "$ALPHA" "study-alpha-notes" "Écrire Ünïcode"
 switch_to "$BETA" "LumenoteBeta" "LumenoteBeta"
 switch_to "$CHROME" "com.google.Chrome" "Google Chrome"
 switch_to "$ALPHA" "study-alpha-notes" "Écrire Ünïcode"
+
+# No active window, as a window manager leaves for a moment while focus moves:
+# the source reports it as it is (nothing frontmost; the recorder decides what
+# such a moment counts as), and the watcher hears of it and of what follows.
+activated_none_since() {
+    tail -n +"$(($1 + 1))" "$WORK/watch.log" | grep -F '"event":"activated"' |
+        grep -qF '"bundleIdentifier":null'
+}
+before="$(wc -l <"$WORK/watch.log")"
+timeout 10 "$SET_ACTIVE" 0 || fail "could not clear the active window"
+wait_until 10 "no active window is announced" activated_none_since "$before"
+sample="$(probe_once)"
+grep -qF '"bundleIdentifier":null' <<<"$sample" || fail "sampled $sample with no active window"
+before="$(wc -l <"$WORK/watch.log")"
+timeout 10 "$SET_ACTIVE" "$ALPHA" || fail "could not set the active window"
+wait_until 10 "the window after the gap is announced" \
+    activated_since "$before" "study-alpha-notes" "Écrire Ünïcode"
 
 # Idle time grows without input and resets on pointer motion.
 timeout 5 xdotool mousemove 10 10

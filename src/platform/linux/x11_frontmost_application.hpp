@@ -47,7 +47,9 @@ class X11FrontmostApplicationSource final : public recording::FrontmostApplicati
 
     // nullopt when no window is active, when the active window vanished while
     // being read, when it carries nothing to name it by, or once the
-    // connection is lost.
+    // connection is lost. A window manager moving focus may set no active
+    // window for a moment; that is reported as it is, and the recorder treats
+    // such a moment as part of the switch (recording/frontmost_gaps.hpp).
     std::optional<recording::FrontmostApplication> frontmostApplication() override;
 
     int fileDescriptor() const { return connection_->fileDescriptor(); }
