@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(
                "b",
                "ab", 2},
         Typing{"backspace_on_an_empty_line_does_nothing", "\x7f\x7f", "", 0}),
-    [](const auto& info) { return info.param.name; });
+    [](const ::testing::TestParamInfo<Typing>& typing) { return typing.param.name; });
 
 TEST(LineEditor, EnterSubmitsAndControlDOnAnEmptyLineAbandons) {
     LineEditor editor;
