@@ -117,14 +117,6 @@ TEST_F(ClassificationLookupTest, LinuxDesktopIdsTakeTheStarterStepWithoutAnyRule
     EXPECT_EQ(lookup.applicationClassification("org.gnome.Evince", "Document Viewer"), C::focused);
 }
 
-TEST_F(ClassificationLookupTest, RemovingAWebsiteRuleForgetsOnlyThatKey) {
-    lookup.setWebsiteRule("zoom.us", C::distracting);
-    lookup.setWebsiteRule("example.org", C::focused);
-    lookup.removeWebsiteRule("zoom.us");
-    EXPECT_EQ(lookup.websiteClassification("zoom.us", std::nullopt), C::neutral);
-    EXPECT_EQ(lookup.websiteClassification("example.org", std::nullopt), C::focused);
-}
-
 TEST(ClassificationLookupOwnIdentifierTest, UnknownOwnIdentifierIgnoresNothing) {
     const ClassificationLookup lookup{""};
     EXPECT_EQ(lookup.applicationClassification("", "Some app"), C::unclassified);

@@ -136,9 +136,9 @@ TEST_F(RulesCommandTest, StarterListsEveryTableWithItsCount) {
 
 // ---- hostnames ----
 
-TEST_F(RulesCommandTest, WebsiteRulesRefuseWhatIsNotAHostname) {
+TEST_F(RulesCommandTest, WebsiteRulesRefuseWhatIsNotAHostnameAndKeepTheRestAsTyped) {
     struct Case {
-        std::string host;
+        const char* host;
         const char* reason;
     };
     const Case cases[] = {
@@ -146,46 +146,21 @@ TEST_F(RulesCommandTest, WebsiteRulesRefuseWhatIsNotAHostname) {
          "use only letters a-z, digits, hyphens and dots (international names in their xn-- "
          "form)."},
         {"https://example.com", "leave out the scheme, such as https://."},
-        {"me@example.com", "leave out the user name and the @ before the name."},
-        {"example.com/notes", "leave out the path, query or fragment after the name."},
         {"example.com:8080", "leave out the port; a rule applies to every port."},
-        {std::string(64, 'a') + ".com", "a part between dots is longer than 63 characters."},
-        {"example..com", "it has an empty part between dots."},
-        {"bücher.de",
-         "use only letters a-z, digits, hyphens and dots (international names in their xn-- "
-         "form)."},
     };
     for (const Case& c : cases) {
         const CliRun refused = run({"rules", "set-website", c.host, "focused"});
         EXPECT_EQ(refused.status, 1) << c.host;
         EXPECT_EQ(refused.out, "") << c.host;
-        EXPECT_EQ(refused.err, "\"" + c.host + "\" is not a hostname: " + c.reason + "\n");
+        EXPECT_EQ(refused.err,
+                  "\"" + std::string(c.host) + "\" is not a hostname: " + c.reason + "\n");
     }
     EXPECT_TRUE(websiteRules().empty());
-}
-
-TEST_F(RulesCommandTest, WebsiteRulesKeepTheHostAsTypedApartFromCaseAndAFinalDot) {
-    struct Case {
-        const char* typed;
-        const char* saved;
-    };
-    const Case cases[] = {
-        {"Example.COM.", "example.com"},
-        {"www.Example.com", "www.example.com"},
-        {"XN--BCHER-KVA.de", "xn--bcher-kva.de"},
-        {"localhost", "localhost"},
-    };
-    for (const Case& c : cases) {
-        const CliRun saved = run({"rules", "set-website", c.typed, "neutral"});
-        EXPECT_EQ(saved.status, 0) << saved.err;
-        EXPECT_EQ(saved.out, std::string(c.saved) + " is now neutral.\n");
-    }
-    std::vector<std::string> hostnames;
-    for (const auto& rule : websiteRules()) {
-        hostnames.push_back(rule.hostname);
-    }
-    EXPECT_EQ(hostnames, (std::vector<std::string>{"example.com", "localhost", "www.example.com",
-                                                   "xn--bcher-kva.de"}));
+    // Letter case and a final dot are normalised; "www." stays.
+    EXPECT_EQ(run({"rules", "set-website", "WWW.Example.COM.", "neutral"}).out,
+              "www.example.com is now neutral.\n");
+    ASSERT_EQ(websiteRules().size(), 1u);
+    EXPECT_EQ(websiteRules()[0].hostname, "www.example.com");
 }
 
 // ---- application ids ----
@@ -272,15 +247,10 @@ TEST_F(RulesCommandTest, RemoveTakesTheRuleUnderTheKeyAndSaysWhichKind) {
 
 // ---- recent ----
 
-TEST_F(RulesCommandTest, RecentSaysWhenNothingWasRecorded) {
-    const CliRun recent = run({"rules", "recent"});
-    EXPECT_EQ(recent.status, 0) << recent.err;
-    EXPECT_EQ(recent.out,
+TEST_F(RulesCommandTest, RecentListsWhatWasRecordedLatelyWithItsClassNow) {
+    EXPECT_EQ(run({"rules", "recent"}).out,
               "No applications recorded in the last 30 days.\n"
               "No websites recorded in the last 30 days.\n");
-}
-
-TEST_F(RulesCommandTest, RecentListsWhatWasRecordedLatelyWithItsClassNow) {
     const Date now = Date::fromSystemClock(std::chrono::system_clock::now());
     record(R"(
 {"at":0,"do":"frontmost","bundle":"old.application","name":"Old"}
@@ -308,18 +278,6 @@ TEST_F(RulesCommandTest, RecentListsWhatWasRecordedLatelyWithItsClassNow) {
               "  org.gnome.Evince       Document Viewer  focused\n"
               "Websites recorded in the last 30 days (1)\n"
               "  en.wikipedia.org  neutral\n");
-}
-
-TEST_F(RulesCommandTest, EveryRulesCommandExplainsItself) {
-    const CliRun help = run({"rules", "--help"});
-    ASSERT_EQ(help.status, 0);
-    for (const char* command : {"list", "starter", "set-app", "set-website", "remove", "recent",
-                                "clear-apps", "clear-websites"}) {
-        EXPECT_TRUE(contains(help.out, std::string("  ") + command + " ")) << command;
-        const CliRun own = run({"rules", command, "--help"});
-        EXPECT_EQ(own.status, 0) << command;
-        EXPECT_FALSE(own.out.empty()) << command;
-    }
 }
 
 TEST_F(RulesCommandTest, RulesNeedASubcommand) {
