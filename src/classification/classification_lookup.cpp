@@ -126,6 +126,20 @@ void ClassificationLookup::setWebsiteRule(std::string normalizedHostname,
     websiteClassificationCache_.insert_or_assign(std::move(normalizedHostname), classification);
 }
 
+void ClassificationLookup::removeApplicationRule(std::string_view bundleIdentifier) {
+    if (const auto found = classificationCache_.find(bundleIdentifier);
+        found != classificationCache_.end()) {
+        classificationCache_.erase(found);
+    }
+}
+
+void ClassificationLookup::removeWebsiteRule(std::string_view normalizedHostname) {
+    if (const auto found = websiteClassificationCache_.find(normalizedHostname);
+        found != websiteClassificationCache_.end()) {
+        websiteClassificationCache_.erase(found);
+    }
+}
+
 void ClassificationLookup::setSessionApplicationOverride(std::string bundleIdentifier,
                                                          ActivityClassification classification) {
     sessionApplicationClassificationOverrides_.insert_or_assign(std::move(bundleIdentifier),

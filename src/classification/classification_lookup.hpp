@@ -45,7 +45,8 @@ class ClassificationLookup {
     //    "Tallywise" and "Lumenote") and for system sleep, whatever any rule says;
     // 2. the override chosen for this session (exact bundle identifier);
     // 3. the user's stored rule (exact bundle identifier, letter case included);
-    // 4. the starter application table (any letter case);
+    // 4. the starter application tables, the fixed one and the Linux one
+    //    (any letter case);
     // 5. unclassified.
     ActivityClassification applicationClassification(std::string_view bundleIdentifier,
                                                      std::string_view applicationName) const;
@@ -63,6 +64,10 @@ class ClassificationLookup {
     // empty key is not a website and is not cached.
     void setApplicationRule(std::string bundleIdentifier, ActivityClassification classification);
     void setWebsiteRule(std::string normalizedHostname, ActivityClassification classification);
+
+    // Forget one cache entry after its record was deleted.
+    void removeApplicationRule(std::string_view bundleIdentifier);
+    void removeWebsiteRule(std::string_view normalizedHostname);
 
     // Empty a cache after every record of its kind was deleted.
     void clearApplicationRules() { classificationCache_.clear(); }

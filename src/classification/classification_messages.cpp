@@ -15,13 +15,15 @@ struct Sentence {
     Placeholder placeholder;
 };
 
-constexpr std::array<Sentence, 8> kSentences{{
+constexpr std::array<Sentence, 9> kSentences{{
     {F::applicationRulesNotLoaded, "Saved app classifications could not be loaded.",
      Placeholder::none},
     {F::websiteRulesNotLoaded, "Saved website classifications could not be loaded.",
      Placeholder::none},
     {F::pdfPreferencesNotLoaded, "Local PDF preferences could not be loaded.", Placeholder::none},
     {F::classificationNotSaved, "The classification for {name} could not be saved.",
+     Placeholder::name},
+    {F::classificationNotRemoved, "The classification for {name} could not be removed.",
      Placeholder::name},
     {F::filenameLabelsNotCleared, "Filename-derived PDF labels could not be cleared.",
      Placeholder::none},

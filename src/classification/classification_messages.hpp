@@ -11,7 +11,8 @@ enum class ClassificationFailure {
     applicationRulesNotLoaded,
     websiteRulesNotLoaded,
     pdfPreferencesNotLoaded,
-    classificationNotSaved,  // names the application or hostname
+    classificationNotSaved,    // names the application or hostname
+    classificationNotRemoved,  // names the application or hostname
     filenameLabelsNotCleared,
     applicationRulesNotCleared,  // carries the store error's description
     websiteRulesNotCleared,      // carries the store error's description

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "classification/classification_records.hpp"
@@ -21,10 +22,17 @@ class ClassificationRuleStore {
     virtual Result<std::vector<AppClassification>, StoreError> appClassifications() = 0;
     virtual Result<void, StoreError> saveAppClassification(const AppClassification& rule) = 0;
     virtual Result<void, StoreError> deleteAllAppClassifications() = 0;
+    // Removes the rule for exactly this identifier (letter case included);
+    // returns whether there was one.
+    virtual Result<bool, StoreError> deleteAppClassification(
+        const std::string& bundleIdentifier) = 0;
     virtual Result<std::vector<WebsiteClassification>, StoreError> websiteClassifications() = 0;
     virtual Result<void, StoreError> saveWebsiteClassification(
         const WebsiteClassification& rule) = 0;
     virtual Result<void, StoreError> deleteAllWebsiteClassifications() = 0;
+    // Removes the rule for exactly this (normalised) hostname; returns whether
+    // there was one.
+    virtual Result<bool, StoreError> deleteWebsiteClassification(const std::string& hostname) = 0;
 
     virtual Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
         const std::optional<Uuid>& session) = 0;  // all when no session is given

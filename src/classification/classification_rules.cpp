@@ -87,6 +87,38 @@ Result<void, ClassificationError> ClassificationRules::saveWebsiteClassification
     return {};
 }
 
+Result<bool, ClassificationError> ClassificationRules::removeApplicationClassification(
+    const std::string& bundleIdentifier) {
+    auto removed = store_.deleteAppClassification(bundleIdentifier);
+    if (!removed.ok()) {
+        return fail(storeFailure(ClassificationFailure::classificationNotRemoved, removed.error(),
+                                 bundleIdentifier));
+    }
+    if (*removed) {
+        lookup_.removeApplicationRule(bundleIdentifier);
+        changed_.notify();
+    }
+    return *removed;
+}
+
+Result<bool, ClassificationError> ClassificationRules::removeWebsiteClassification(
+    const std::string& hostname) {
+    const std::string normalized = normalizedHostname(hostname);
+    if (normalized.empty()) {
+        return false;
+    }
+    auto removed = store_.deleteWebsiteClassification(normalized);
+    if (!removed.ok()) {
+        return fail(storeFailure(ClassificationFailure::classificationNotRemoved, removed.error(),
+                                 normalized));
+    }
+    if (*removed) {
+        lookup_.removeWebsiteRule(normalized);
+        changed_.notify();
+    }
+    return *removed;
+}
+
 Result<void, ClassificationError> ClassificationRules::clearApplicationClassifications() {
     if (auto cleared = store_.deleteAllAppClassifications(); !cleared.ok()) {
         return fail(

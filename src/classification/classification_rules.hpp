@@ -52,6 +52,12 @@ class ClassificationRules {
     // The hostname is normalised; one that normalises to nothing is refused.
     Result<void, ClassificationError> saveWebsiteClassification(
         const std::string& hostname, ActivityClassification classification);
+    // Remove the one rule for exactly this identifier, or for the normalised
+    // hostname; true when there was one, false (and nothing changed, no
+    // observer told) when there was none.
+    Result<bool, ClassificationError> removeApplicationClassification(
+        const std::string& bundleIdentifier);
+    Result<bool, ClassificationError> removeWebsiteClassification(const std::string& hostname);
     Result<void, ClassificationError> clearApplicationClassifications();
     Result<void, ClassificationError> clearWebsiteClassifications();
     // Removes every rule, PDF identity and the PDF preferences (a reset).

@@ -1,8 +1,10 @@
 #include "classification/starter_suggestions.hpp"
 
 #include <array>
+#include <initializer_list>
 #include <unordered_map>
 
+#include "classification/linux_starter_applications.hpp"
 #include "classification/rule_keys.hpp"
 
 namespace lumenote::classification {
@@ -74,8 +76,10 @@ constexpr std::array<StarterRule, 27> kApplicationRules{{
 const std::unordered_map<std::string, ActivityClassification>& applicationRulesByLowercasedKey() {
     static const auto rules = [] {
         std::unordered_map<std::string, ActivityClassification> map;
-        for (const StarterRule& rule : kApplicationRules) {
-            map.emplace(asciiLowercased(rule.key), rule.classification);
+        for (const auto table : {starterApplicationRules(), linuxStarterApplicationRules()}) {
+            for (const StarterRule& rule : table) {
+                map.emplace(asciiLowercased(rule.key), rule.classification);
+            }
         }
         return map;
     }();
@@ -117,6 +121,10 @@ std::vector<StarterClassificationRow> starterApplicationRows() {
     return rowsOf(kApplicationRules);
 }
 
+std::vector<StarterClassificationRow> linuxStarterApplicationRows() {
+    return rowsOf(linuxStarterApplicationRules());
+}
+
 std::string recognisedByDefaultText(std::size_t count) {
     return std::to_string(count) + " recognised by default";
 }
@@ -145,6 +153,17 @@ std::optional<ActivityClassification> starterApplicationClassification(
         return std::nullopt;
     }
     return found->second;
+}
+
+bool isStarterApplicationKey(std::string_view bundleIdentifier) {
+    for (const auto table : {starterApplicationRules(), linuxStarterApplicationRules()}) {
+        for (const StarterRule& rule : table) {
+            if (rule.key == bundleIdentifier) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 }  // namespace lumenote::classification

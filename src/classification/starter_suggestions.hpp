@@ -1,6 +1,7 @@
 // The two fixed starter tables that classify well-known study and distraction
-// websites and applications until the user rules on them, and the rows the
-// settings screen lists them with.
+// websites and applications until the user rules on them, the Linux
+// application table beside them (see linux_starter_applications.hpp), and the
+// rows the settings screen lists them with.
 #pragma once
 
 #include <cstddef>
@@ -26,7 +27,8 @@ struct StarterRule {
 
 // The 26 website rows in the order they are consulted.
 std::span<const StarterRule> starterWebsiteRules();
-// The 27 application rows in the order the settings screen lists them.
+// The 27 application rows, keyed by bundle identifier, in the order the
+// settings screen lists them. The Linux rows are not among them.
 std::span<const StarterRule> starterApplicationRules();
 
 // A row of the settings list: `detail` is the hostname or bundle identifier.
@@ -43,6 +45,7 @@ inline constexpr std::string_view kStarterSuggestionsHeading = "Starter suggesti
 
 std::vector<StarterClassificationRow> starterWebsiteRows();
 std::vector<StarterClassificationRow> starterApplicationRows();
+std::vector<StarterClassificationRow> linuxStarterApplicationRows();
 
 // "26 recognised by default": the count of rows followed by that literal.
 std::string recognisedByDefaultText(std::size_t count);
@@ -57,9 +60,14 @@ std::optional<ActivityClassification> starterWebsiteClassification(std::string_v
 // normalised again (that would drop a second final dot).
 std::optional<ActivityClassification> starterWebsiteMatch(std::string_view normalizedHostname);
 
-// The suggestion for an application, matched in any letter case: the table is
-// held as a map keyed by lowercased bundle identifiers, built on first use.
+// The suggestion for an application from the fixed table or the Linux table
+// (they share no key), matched in any letter case: both are held as one map
+// keyed by lowercased identifiers, built on first use.
 std::optional<ActivityClassification> starterApplicationClassification(
     std::string_view bundleIdentifier);
+
+// Whether a row of either application table has exactly this key, letter case
+// included: the spelling a stored rule needs to match what the row stands for.
+bool isStarterApplicationKey(std::string_view bundleIdentifier);
 
 }  // namespace lumenote::classification

@@ -21,7 +21,7 @@ void installTemplatesCommands(CLI::App& app, CliContext& context);
 // `sessions`, `show`, `edit`, `delete` and `reset`: the recorded history.
 void installSessionCommands(CLI::App& app, CliContext& context);
 
-// `rules list|starter|set-app|set-website|clear-apps|clear-websites`.
+// `rules list|starter|set-app|set-website|remove|recent|clear-apps|clear-websites`.
 void installRulesCommands(CLI::App& app, CliContext& context);
 
 // `record`, and pause, resume, end, away, back and status for a running recorder.

@@ -25,12 +25,16 @@ std::string historyCommandFailureMessage(HistoryCommandFailure failure, std::str
             return fmt::format("More than one session has an id starting with {}:", detail);
         case HistoryCommandFailure::resetNotConfirmed:
             return "Nothing was reset. To reset Lumenote, run: lumenote-cli reset --confirm RESET";
+        case HistoryCommandFailure::ruleKeyUnknown:
+            return fmt::format(
+                "No application or website rule has the key {} (see lumenote-cli rules list).",
+                detail);
     }
     return {};
 }
 
 HistoryEnvironment::HistoryEnvironment(UserPaths paths,
-                                       std::unique_ptr<recording::RecordingStore> store,
+                                       std::unique_ptr<store::SqliteRecordingStore> store,
                                        CheckpointAccess access)
     : paths_(std::move(paths)), store_(std::move(store)), calendar_(LocalCalendar::current()) {
     rules_ = std::make_unique<classification::ClassificationRules>(

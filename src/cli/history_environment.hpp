@@ -28,6 +28,7 @@
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
+#include "store/sqlite_recording_store.hpp"
 
 namespace lumenote::cli {
 
@@ -38,6 +39,7 @@ enum class HistoryCommandFailure {
     sessionIDUnknown,    // {id}
     sessionIDAmbiguous,  // {id}
     resetNotConfirmed,
+    ruleKeyUnknown,  // {key}: neither an application nor a website rule has it
 };
 
 std::string historyCommandFailureMessage(HistoryCommandFailure failure,
@@ -62,6 +64,10 @@ class HistoryEnvironment {
     HistoryEnvironment& operator=(const HistoryEnvironment&) = delete;
 
     recording::RecordingStore& store() { return *store_; }
+    // The same store's walks over the recorded history.
+    recording::SessionHistoryReader& historyReader() { return *store_; }
+    // The system's wall-clock time now.
+    Date now() { return platform_.wallClock.now(); }
     // The local time zone the commands show dates in.
     const LocalCalendar& calendar() const { return calendar_; }
 
@@ -88,12 +94,12 @@ class HistoryEnvironment {
     Result<Uuid, std::string> resolveSessionID(std::string_view text);
 
   private:
-    HistoryEnvironment(UserPaths paths, std::unique_ptr<recording::RecordingStore> store,
+    HistoryEnvironment(UserPaths paths, std::unique_ptr<store::SqliteRecordingStore> store,
                        CheckpointAccess access);
     recording::RecordingPreferences& recordingPreferences();
 
     UserPaths paths_;
-    std::unique_ptr<recording::RecordingStore> store_;
+    std::unique_ptr<store::SqliteRecordingStore> store_;
     LocalCalendar calendar_;
     platform::system::HeadlessPlatform platform_;
     // The recovery checkpoint belongs to the recorder: apart from the

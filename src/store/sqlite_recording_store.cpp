@@ -409,6 +409,12 @@ Result<void, StoreError> SqliteRecordingStore::deleteAllAppClassifications() {
     return execute("DELETE FROM app_classifications");
 }
 
+Result<bool, StoreError> SqliteRecordingStore::deleteAppClassification(
+    const std::string& bundleIdentifier) {
+    return deleteOne("DELETE FROM app_classifications WHERE bundleIdentifier = ?1",
+                     bundleIdentifier);
+}
+
 Result<std::vector<classification::WebsiteClassification>, StoreError>
 SqliteRecordingStore::websiteClassifications() {
     return queryAll(*connection_, selectSql(websiteClassificationLayout(), "ORDER BY hostname"),
@@ -422,6 +428,23 @@ Result<void, StoreError> SqliteRecordingStore::saveWebsiteClassification(
 
 Result<void, StoreError> SqliteRecordingStore::deleteAllWebsiteClassifications() {
     return execute("DELETE FROM website_classifications");
+}
+
+Result<bool, StoreError> SqliteRecordingStore::deleteWebsiteClassification(
+    const std::string& hostname) {
+    return deleteOne("DELETE FROM website_classifications WHERE hostname = ?1", hostname);
+}
+
+Result<bool, StoreError> SqliteRecordingStore::deleteOne(const char* sql, std::string_view key) {
+    auto statement = connection_->cached(sql);
+    if (!statement) {
+        return fail(statement.error());
+    }
+    (*statement)->bind(1, key);
+    if (auto deleted = (*statement)->run(); !deleted) {
+        return fail(deleted.error());
+    }
+    return connection_->changes() > 0;
 }
 
 Result<std::vector<classification::LocalPDFIdentity>, StoreError>

@@ -84,11 +84,13 @@ class SqliteRecordingStore final : public recording::RecordingStore,
     Result<void, StoreError> saveAppClassification(
         const classification::AppClassification& rule) override;
     Result<void, StoreError> deleteAllAppClassifications() override;
+    Result<bool, StoreError> deleteAppClassification(const std::string& bundleIdentifier) override;
     Result<std::vector<classification::WebsiteClassification>, StoreError> websiteClassifications()
         override;
     Result<void, StoreError> saveWebsiteClassification(
         const classification::WebsiteClassification& rule) override;
     Result<void, StoreError> deleteAllWebsiteClassifications() override;
+    Result<bool, StoreError> deleteWebsiteClassification(const std::string& hostname) override;
 
     // Ordered by creation date, then id.
     Result<std::vector<classification::LocalPDFIdentity>, StoreError> pdfIdentities(
@@ -115,6 +117,8 @@ class SqliteRecordingStore final : public recording::RecordingStore,
 
     Result<void, StoreError> applyInTransaction(const recording::StoreChangeSet& changes);
     Result<void, StoreError> deleteByIds(const char* sql, const std::vector<Uuid>& ids);
+    // Runs a DELETE whose one parameter is `key`; whether it removed a row.
+    Result<bool, StoreError> deleteOne(const char* sql, std::string_view key);
     Result<void, StoreError> loadChildren(recording::StudySession& session);
     Result<std::vector<recording::StudySession>, StoreError> readSessions(StatementLoan& statement,
                                                                           bool includeChildren);

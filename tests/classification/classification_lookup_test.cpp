@@ -97,6 +97,26 @@ TEST_F(ClassificationLookupTest, ApplicationSourcesAreConsultedInOrder) {
     }
 }
 
+// A Linux window is recorded under its desktop-file id; the Linux starter rows
+// answer for it at the starter step, after the user's own choices.
+TEST_F(ClassificationLookupTest, LinuxDesktopIdsTakeTheStarterStepWithoutAnyRule) {
+    EXPECT_EQ(lookup.applicationClassification("org.gnome.Evince", "Document Viewer"), C::focused);
+    EXPECT_EQ(lookup.applicationClassification("com.spotify.Client", "Spotify"), C::distracting);
+    EXPECT_EQ(lookup.applicationClassification("debian-xterm", "XTerm"), C::unclassified);
+
+    lookup.setApplicationRule("org.gnome.Evince", C::distracting);
+    EXPECT_EQ(lookup.applicationClassification("org.gnome.Evince", "Document Viewer"),
+              C::distracting);
+    lookup.setSessionApplicationOverride("org.gnome.Evince", C::neutral);
+    EXPECT_EQ(lookup.applicationClassification("org.gnome.Evince", "Document Viewer"), C::neutral);
+    lookup.clearSessionOverrides();
+
+    // Removing the rule gives the starter suggestion back.
+    lookup.removeApplicationRule("org.gnome.Evince");
+    lookup.removeApplicationRule("never.stored");
+    EXPECT_EQ(lookup.applicationClassification("org.gnome.Evince", "Document Viewer"), C::focused);
+}
+
 TEST(ClassificationLookupOwnIdentifierTest, UnknownOwnIdentifierIgnoresNothing) {
     const ClassificationLookup lookup{""};
     EXPECT_EQ(lookup.applicationClassification("", "Some app"), C::unclassified);

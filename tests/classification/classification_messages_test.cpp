@@ -15,6 +15,7 @@ TEST(ClassificationMessagesTest, PlaceholdersAreFilledWithTheirOwnValue) {
     const Case cases[] = {
         {F::applicationRulesNotLoaded, "Saved app classifications could not be loaded."},
         {F::classificationNotSaved, "The classification for zoom.us could not be saved."},
+        {F::classificationNotRemoved, "The classification for zoom.us could not be removed."},
         {F::applicationRulesNotCleared,
          "Could not clear application classifications: disk is full"},
         {F::websiteRulesNotCleared, "Could not clear website classifications: disk is full"},
@@ -32,8 +33,8 @@ TEST(ClassificationMessagesTest, BracesInsideANameAreNotExpanded) {
 TEST(ClassificationMessagesTest, EveryFailureHasACompleteSentence) {
     for (const F failure :
          {F::applicationRulesNotLoaded, F::websiteRulesNotLoaded, F::pdfPreferencesNotLoaded,
-          F::classificationNotSaved, F::filenameLabelsNotCleared, F::applicationRulesNotCleared,
-          F::websiteRulesNotCleared}) {
+          F::classificationNotSaved, F::classificationNotRemoved, F::filenameLabelsNotCleared,
+          F::applicationRulesNotCleared, F::websiteRulesNotCleared, F::pdfRecordsNotCleared}) {
         const std::string message = classificationFailureMessage(failure, "n", "e");
         EXPECT_FALSE(message.empty());
         EXPECT_EQ(message.find('{'), std::string::npos) << message;

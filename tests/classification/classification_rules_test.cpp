@@ -54,6 +54,9 @@ class MemoryRuleStore final : public ClassificationRuleStore {
         }
         return done();
     }
+    Result<bool, StoreError> deleteAppClassification(const std::string& key) override {
+        return answer(!failing && apps.erase(key) > 0);
+    }
     Result<std::vector<WebsiteClassification>, StoreError> websiteClassifications() override {
         std::vector<WebsiteClassification> list;
         for (const auto& [key, rule] : sites) {
@@ -72,6 +75,9 @@ class MemoryRuleStore final : public ClassificationRuleStore {
             sites.clear();
         }
         return done();
+    }
+    Result<bool, StoreError> deleteWebsiteClassification(const std::string& key) override {
+        return answer(!failing && sites.erase(key) > 0);
     }
     Result<std::vector<LocalPDFIdentity>, StoreError> pdfIdentities(
         const std::optional<Uuid>&) override {
@@ -138,6 +144,52 @@ TEST_F(ClassificationRulesTest, HostnamesAreNormalisedAndEmptyOnesRefused) {
     ASSERT_FALSE(refused.ok());
     EXPECT_EQ(refused.error().failure, ClassificationFailure::classificationNotSaved);
     EXPECT_EQ(store_.sites.size(), 1u);
+}
+
+TEST_F(ClassificationRulesTest, RemovingARuleGivesTheStarterSuggestionBack) {
+    ASSERT_TRUE(rules_.saveApplicationClassification("org.gnome.Evince", "", C::ignored).ok());
+    ASSERT_TRUE(rules_.saveWebsiteClassification("zoom.us", C::distracting).ok());
+    changes_ = 0;
+
+    const auto application = rules_.removeApplicationClassification("org.gnome.Evince");
+    ASSERT_TRUE(application.ok());
+    EXPECT_TRUE(*application);
+    EXPECT_EQ(rules_.lookup().applicationClassification("org.gnome.Evince", ""), C::focused);
+    // The hostname is normalised as it was when saved.
+    const auto website = rules_.removeWebsiteClassification(" Zoom.US. ");
+    ASSERT_TRUE(website.ok());
+    EXPECT_TRUE(*website);
+    EXPECT_TRUE(store_.sites.empty());
+    EXPECT_EQ(rules_.lookup().websiteClassification("zoom.us", std::nullopt), C::neutral);
+    EXPECT_EQ(changes_, 2);
+}
+
+TEST_F(ClassificationRulesTest, RemovingWhatIsNotThereChangesNothingAndTellsNobody) {
+    ASSERT_TRUE(rules_.saveApplicationClassification("org.gnome.Evince", "", C::ignored).ok());
+    changes_ = 0;
+    for (const std::string key : {"org.gnome.evince", "org.gnome", " "}) {
+        EXPECT_FALSE(*rules_.removeApplicationClassification(key)) << key;
+        EXPECT_FALSE(*rules_.removeWebsiteClassification(key)) << key;
+    }
+    EXPECT_EQ(changes_, 0);
+    EXPECT_EQ(store_.apps.size(), 1u);
+}
+
+TEST_F(ClassificationRulesTest, AFailedRemovalKeepsTheRuleWithItsSentence) {
+    ASSERT_TRUE(rules_.saveApplicationClassification("org.gnome.Evince", "", C::ignored).ok());
+    ASSERT_TRUE(rules_.saveWebsiteClassification("zoom.us", C::distracting).ok());
+    changes_ = 0;
+    store_.failing = true;
+    const auto application = rules_.removeApplicationClassification("org.gnome.Evince");
+    ASSERT_FALSE(application.ok());
+    EXPECT_EQ(application.error().message(),
+              "The classification for org.gnome.Evince could not be removed.");
+    const auto website = rules_.removeWebsiteClassification("Zoom.us");
+    ASSERT_FALSE(website.ok());
+    EXPECT_EQ(website.error().message(), "The classification for zoom.us could not be removed.");
+    EXPECT_EQ(rules_.lookup().applicationClassification("org.gnome.Evince", ""), C::ignored);
+    EXPECT_EQ(rules_.lookup().websiteClassification("zoom.us", std::nullopt), C::distracting);
+    EXPECT_EQ(changes_, 0);
 }
 
 TEST_F(ClassificationRulesTest, LoadingReportsEachRuleSetThatCouldNotBeRead) {

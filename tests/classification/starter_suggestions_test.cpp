@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include "classification/linux_starter_applications.hpp"
 #include "classification/rule_keys.hpp"
 
 namespace lumenote::classification {
@@ -83,6 +84,60 @@ TEST(StarterApplicationTest, NearMissesHaveNoSuggestion) {
     EXPECT_EQ(starterApplicationClassification("com.microsoft.teams2"), C::neutral);
 }
 
+// Ids as the Linux observer records them: desktop-file ids without
+// ".desktop", from distribution packages, Flatpak and snapd.
+TEST(LinuxStarterApplicationTest, RecordedDesktopIdsHaveTheirSuggestion) {
+    struct Case {
+        const char* recordedId;
+        std::optional<C> expected;
+    };
+    const Case cases[] = {
+        {"org.gnome.Evince", C::focused},
+        {"libreoffice-writer", C::focused},
+        {"org.libreoffice.LibreOffice.writer", C::focused},
+        {"code", C::focused},
+        {"md.obsidian.Obsidian", C::focused},
+        {"org.telegram.desktop", C::neutral},  // the id itself ends in ".desktop"
+        {"org.mozilla.Thunderbird", C::neutral},
+        {"us.zoom.Zoom", C::neutral},
+        {"zoom", C::neutral},  // the package's Zoom.desktop, in any letter case
+        {"com.slack.Slack", C::neutral},
+        {"com.spotify.Client", C::distracting},
+        {"spotify_spotify", C::distracting},
+        // The fixed row com.valvesoftware.steam already covers the Flatpak id.
+        {"com.valvesoftware.Steam", C::distracting},
+        // Terminals, browsers, the desktop's own tools: no suggestion.
+        {"debian-xterm", std::nullopt},
+        {"org.mozilla.firefox", std::nullopt},
+        {"firefox_firefox", std::nullopt},
+        {"org.gnome.Nautilus", std::nullopt},
+        {"org.gnome.TextEditor", std::nullopt},
+        // Near misses: the file name with its suffix, a handler entry, a
+        // snap's application alone, a prefix of a row.
+        {"org.gnome.Evince.desktop", std::nullopt},
+        {"code-url-handler", std::nullopt},
+        {"spotify_", std::nullopt},
+        {"org.libreoffice", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(starterApplicationClassification(c.recordedId), c.expected) << c.recordedId;
+    }
+}
+
+TEST(LinuxStarterApplicationTest, EveryRowMatchesInAnyLetterCaseAndLooksLikeADesktopId) {
+    for (const StarterRule& rule : linuxStarterApplicationRules()) {
+        const std::string identifier(rule.key);
+        EXPECT_EQ(starterApplicationClassification(identifier), rule.classification) << identifier;
+        EXPECT_EQ(starterApplicationClassification(uppercased(identifier)), rule.classification)
+            << identifier;
+        EXPECT_TRUE(isStarterApplicationKey(identifier)) << identifier;
+        // Subfolders become "-" in a desktop-file id, and the observer never
+        // records white space.
+        EXPECT_EQ(identifier.find_first_of("/ \t"), std::string::npos) << identifier;
+    }
+}
+
 TEST(StarterTablesTest, SettingsRowsFollowTheTablesWithDistinctKeys) {
     struct Table {
         std::vector<StarterClassificationRow> rows;
@@ -103,10 +158,27 @@ TEST(StarterTablesTest, SettingsRowsFollowTheTablesWithDistinctKeys) {
                 << row.detail;
         }
     }
+    EXPECT_EQ(starterApplicationRows().size(), starterApplicationRules().size());
+    EXPECT_EQ(linuxStarterApplicationRows().size(), linuxStarterApplicationRules().size());
     EXPECT_EQ(starterWebsiteRows().front(),
               (StarterClassificationRow{"Google Docs", "docs.google.com", C::focused}));
     EXPECT_EQ(starterApplicationRows().back(),
               (StarterClassificationRow{"Steam", "com.valvesoftware.steam", C::distracting}));
+}
+
+// A key in both application tables would make one of its rows dead, and the
+// Linux rows would then depend on which table the map was filled from first.
+TEST(StarterTablesTest, ApplicationTablesShareNoKeyInAnyLetterCase) {
+    std::set<std::string> keys;
+    for (const auto& rows : {starterApplicationRows(), linuxStarterApplicationRows()}) {
+        for (const StarterClassificationRow& row : rows) {
+            EXPECT_FALSE(row.name.empty()) << row.detail;
+            EXPECT_TRUE(keys.insert(asciiLowercased(row.detail)).second) << row.detail;
+            EXPECT_TRUE(row.classification == C::focused || row.classification == C::neutral ||
+                        row.classification == C::distracting)
+                << row.detail;
+        }
+    }
 }
 
 }  // namespace

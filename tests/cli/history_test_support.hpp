@@ -26,16 +26,18 @@ class HistoryCommandTest : public ::testing::Test {
     CliRun run(const std::vector<std::string>& arguments) { return runIn(home_, arguments); }
 
     // Runs a scenario script (JSON lines) into this home and returns every
-    // stored session in start order. The wall clock starts on 2026-11-16 at
-    // 08:00 UTC unless the script sets it.
+    // stored session in start order. The wall clock starts at `wallStart`
+    // (by default 2026-11-16 at 08:00 UTC) unless the script sets it.
     nlohmann::json record(std::string_view script) {
+        return record(script, *parseIso8601("2026-11-16T08:00:00Z"));
+    }
+    nlohmann::json record(std::string_view script, Date wallStart) {
         auto steps = scenario::parseScript(script);
         EXPECT_TRUE(steps.ok()) << (steps.ok() ? "" : steps.error());
         if (!steps.ok()) {
             return nlohmann::json::array();
         }
-        auto outcome =
-            scenario::runScenario(*steps, home_.paths(), *parseIso8601("2026-11-16T08:00:00Z"));
+        auto outcome = scenario::runScenario(*steps, home_.paths(), wallStart);
         EXPECT_TRUE(outcome.ok()) << (outcome.ok() ? "" : outcome.error());
         if (outcome.ok()) {
             EXPECT_TRUE(outcome->failedExpectations.empty());

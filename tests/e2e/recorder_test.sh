@@ -4,7 +4,11 @@
 # xdotool), over a private session bus and a second private bus standing in
 # for the system bus, with a test logind and a test notification server.
 # Checks that window switches become classified segments (a switch through
-# a moment with no active window among them), that logind's
+# a moment with no active window among them; a window that a desktop entry
+# on XDG_DATA_DIRS maps to a well-known desktop id is classified by the
+# starter rows, without any rule), that `rules recent` lists what was
+# recorded and `rules set-app` warns about a name that is not a recorded id,
+# that logind's
 # PrepareForSleep(true/false) becomes a "Mac asleep" stretch, that `pause`,
 # `resume`, `status` and `end` reach the recorder, and that the stored totals
 # add up. Then kills a recorder with SIGKILL and checks `recovery status` and
@@ -28,6 +32,20 @@ start_client LumenoteAlpha
 alpha=$window
 start_client LumenoteBeta
 beta=$window
+# A document viewer as its package installs it: the desktop entry names the
+# window class, so the window is recorded as org.gnome.Evince. The recorder
+# reads the data folders when it starts.
+mkdir -p "$work/system/applications"
+cat >"$work/system/applications/org.gnome.Evince.desktop" <<'ENTRY'
+[Desktop Entry]
+Type=Application
+Name=Document Viewer
+Exec=evince %U
+StartupWMClass=Evince
+ENTRY
+export XDG_DATA_DIRS="$work/system:/usr/local/share:/usr/share"
+start_client Evince
+viewer=$window
 
 # The setup check sees the display, its idle time, logind and notifications.
 check=$("$cli" check || true)
@@ -68,6 +86,8 @@ poll_until "sleep" status_matches "asleep"
 poll_until "8 seconds of recording" elapsed_at_least 8
 login1 EmitPrepareForSleep boolean:false
 poll_until "the wake" status_matches "LumenoteBeta (distracting)"
+activate "$viewer"
+poll_until "the switch to the document viewer" status_matches "Document Viewer (focused)"
 
 activate "$alpha"
 poll_until "the switch back to alpha" status_matches "LumenoteAlpha (focused)"
@@ -118,6 +138,7 @@ segments = json.loads(sys.argv[1])["segments"]
 names = [(g["bundleIdentifier"], g["classification"], g.get("activitySource")) for g in segments]
 assert ("LumenoteAlpha", "focused", "application") in names, names
 assert ("LumenoteBeta", "distracting", "application") in names, names
+assert ("org.gnome.Evince", "focused", "application") in names, names
 sleep = [g for g in segments if g["bundleIdentifier"] == "com.apple.system.sleep"]
 assert len(sleep) == 1 and sleep[0]["applicationName"] == "Mac asleep", sleep
 assert sleep[0]["activitySource"] == "system", sleep
@@ -131,6 +152,18 @@ CHECK
 # openbox still gives alpha the focus; the property follows it again, so that
 # activating beta below is a switch once more.
 timeout 10 "$bin/lumenote-x11-set-active" "$alpha" || fail "could not set alpha active again"
+
+# ---- rules for what was recorded ----
+recent=$("$cli" rules recent)
+grep -Eq '^  org\.gnome\.Evince +Document Viewer +focused$' <<<"$recent" ||
+    fail "rules recent does not list the document viewer: $recent"
+grep -Eq '^  LumenoteBeta +LumenoteBeta +distracting$' <<<"$recent" ||
+    fail "rules recent does not list beta with its rule: $recent"
+warning=$("$cli" rules set-app "document viewer" neutral 2>&1 >/dev/null)
+[[ "$warning" == *"Recorded with a similar id or name: Document Viewer (org.gnome.Evince)."* ]] ||
+    fail "a rule for a display name was not pointed at the recorded id: $warning"
+[[ "$("$cli" rules remove "document viewer")" == \
+    "Removed the application rule for document viewer." ]] || fail "the rule was not removed"
 
 # ---- a crash: SIGKILL, then recovery from the command line ----
 timeout 150 "$cli" record --subject "Crashed" --open-ended \

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+#include "classification/starter_suggestions.hpp"
+
 namespace lumenote::platform::linux_desktop {
 namespace {
 
@@ -168,6 +170,63 @@ TEST_F(DesktopEntryIndexTest, ShownEntriesWinOverNoDisplayOnesForTheSameClass) {
     ASSERT_NE(index.findByStartupWMClass("Tool"), nullptr);
     EXPECT_EQ(index.findByStartupWMClass("Tool")->id, "tool");
     EXPECT_EQ(index.findByStartupWMClass("tool"), nullptr);
+}
+
+// Windows of well-known applications, with the class hints they really set,
+// against desktop files laid out as distribution packages, Flatpak and snapd
+// install them: the id each resolves to is the key of its Linux starter row.
+TEST_F(DesktopEntryIndexTest, WellKnownWindowsResolveToLinuxStarterKeys) {
+    write("usr/share/applications/org.gnome.Evince.desktop",
+          "[Desktop Entry]\nName=Document Viewer\nType=Application\n");
+    write("usr/share/applications/libreoffice-writer.desktop",
+          "[Desktop Entry]\nName=LibreOffice Writer\nStartupWMClass=libreoffice-writer\n");
+    write("usr/share/applications/code.desktop",
+          "[Desktop Entry]\nName=Visual Studio Code\nStartupWMClass=Code\n");
+    write("usr/share/applications/debian-xterm.desktop",
+          "[Desktop Entry]\nName=XTerm\nStartupWMClass=XTerm\n");
+    write("flatpak/exports/share/applications/com.spotify.Client.desktop",
+          "[Desktop Entry]\nName=Spotify\nStartupWMClass=Spotify\n");
+    write("flatpak/exports/share/applications/org.mozilla.Thunderbird.desktop",
+          "[Desktop Entry]\nName=Thunderbird\nStartupWMClass=thunderbird\n");
+    write("flatpak/exports/share/applications/org.telegram.desktop.desktop",
+          "[Desktop Entry]\nName=Telegram\nStartupWMClass=TelegramDesktop\n");
+    write("snapd/desktop/applications/slack_slack.desktop",
+          "[Desktop Entry]\nName=Slack\nStartupWMClass=Slack\n");
+
+    const auto index = DesktopEntryIndex::load(
+        foldersFor({{"XDG_DATA_HOME", (root_ / "home").string()},
+                    {"XDG_DATA_DIRS", (root_ / "usr/share").string() + ":" +
+                                          (root_ / "flatpak/exports/share").string() + ":" +
+                                          (root_ / "snapd/desktop").string()}}));
+
+    struct Case {
+        WindowClassHints hints;
+        const char* id;
+        std::optional<classification::ActivityClassification> suggestion;
+    };
+    using C = classification::ActivityClassification;
+    const Case cases[] = {
+        {{"org.gnome.Evince", "evince", "Evince", "evince"}, "org.gnome.Evince", C::focused},
+        {{"", "libreoffice", "libreoffice-writer", "soffice.bin"},
+         "libreoffice-writer",
+         C::focused},
+        {{"", "code", "Code", "code"}, "code", C::focused},
+        {{"", "spotify", "Spotify", "spotify"}, "com.spotify.Client", C::distracting},
+        {{"", "Mail", "thunderbird", "thunderbird"}, "org.mozilla.Thunderbird", C::neutral},
+        {{"", "slack", "Slack", "slack"}, "slack_slack", C::neutral},
+        {{"", "telegram-desktop", "TelegramDesktop", "telegram-desktop"},
+         "org.telegram.desktop",
+         C::neutral},
+        {{"", "xterm", "XTerm", "xterm"}, "debian-xterm", std::nullopt},
+    };
+    for (const Case& c : cases) {
+        const auto application = resolveApplication(index, c.hints);
+        ASSERT_TRUE(application.has_value()) << c.id;
+        EXPECT_EQ(application->bundleIdentifier, c.id);
+        EXPECT_EQ(classification::starterApplicationClassification(application->bundleIdentifier),
+                  c.suggestion)
+            << c.id;
+    }
 }
 
 DesktopEntry entry(std::string id, std::string name, std::string startupWMClass = "") {

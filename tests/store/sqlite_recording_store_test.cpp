@@ -129,6 +129,30 @@ TEST_F(SqliteRecordingStoreTest, RulesAndPreferencesRoundTripAndKeepOneRecordPer
     EXPECT_FALSE(store->localPDFPreferences()->has_value());
 }
 
+TEST_F(SqliteRecordingStoreTest, DeletingOneRuleTakesOnlyItsExactKey) {
+    auto store = openStore();
+    ASSERT_TRUE(store);
+    ASSERT_TRUE(store->saveAppClassification({"org.gnome.Evince", "Evince", "focused", kDay}));
+    ASSERT_TRUE(store->saveAppClassification({"org.gnome.evince", "evince", "neutral", kDay}));
+    ASSERT_TRUE(store->saveWebsiteClassification({"zoom.us", "neutral", kDay}));
+    ASSERT_TRUE(store->saveWebsiteClassification({"us", "focused", kDay}));
+
+    // Another letter case is another rule, and an absent key removes nothing.
+    auto removed = store->deleteAppClassification("org.gnome.Evince");
+    ASSERT_TRUE(removed.ok());
+    EXPECT_TRUE(*removed);
+    EXPECT_FALSE(*store->deleteAppClassification("org.gnome.Evince"));
+    EXPECT_FALSE(*store->deleteAppClassification("org.gnome"));
+    EXPECT_EQ(*store->appClassifications(), (std::vector<classification::AppClassification>{
+                                                {"org.gnome.evince", "evince", "neutral", kDay}}));
+
+    // A website key is one whole hostname: removing "us" leaves "zoom.us".
+    EXPECT_TRUE(*store->deleteWebsiteClassification("us"));
+    EXPECT_FALSE(*store->deleteWebsiteClassification("zoom.us."));
+    EXPECT_EQ(*store->websiteClassifications(),
+              (std::vector<classification::WebsiteClassification>{{"zoom.us", "neutral", kDay}}));
+}
+
 TEST_F(SqliteRecordingStoreTest, UpsertingASessionUpdatesItInPlaceAndKeepsItsChildren) {
     auto store = store::SqliteRecordingStore::openInMemory();
     ASSERT_TRUE(store.ok());
