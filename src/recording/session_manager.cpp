@@ -76,6 +76,9 @@ Result<void, SessionError> SessionManager::start(const SessionStartRequest& requ
     if (subject.empty()) {
         return refuse(SessionFailure::subjectMissing);
     }
+    if (auto tooLong = subjectLengthRefusal(subject)) {
+        return fail(std::move(*tooLong));
+    }
     const double planned = request.plannedDuration;
     if (!std::isfinite(planned) || planned <= 0.0 || planned > kMaximumPlannedDuration) {
         return refuse(SessionFailure::invalidDuration);

@@ -133,7 +133,9 @@ class SessionManager {
     Result<void, SessionError> endRecoveredSession();
 
     // ---- lifecycle ----
-    // Refused while another session is active or a recovery offer waits.
+    // Refused while another session is active or a recovery offer waits, for
+    // a subject that is empty or longer than kSubjectCharacterLimit once
+    // trimmed, and for a planned duration outside (0, 86400] seconds.
     Result<void, SessionError> start(const SessionStartRequest& request);
     Result<void, SessionError> pause();
     Result<void, SessionError> resume();
