@@ -1,6 +1,7 @@
 // `record` checks its arguments before it opens anything: a refused set of
 // arguments is refused with its own sentence and leaves no file behind, while
-// an accepted one gets as far as the recorder lock, which the test holds.
+// an accepted one gets as far as the recorder lock. The test holds the lock
+// throughout, so that no case can start recording.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -24,6 +25,8 @@ std::string repeated(std::string_view piece, std::size_t count) {
 
 class RecordArgumentsTest : public ::testing::Test {
   protected:
+    void SetUp() override { ASSERT_TRUE(lock_.ok()); }
+
     testing::CliRun record(const std::vector<std::string>& options) {
         std::vector<std::string> arguments{"record"};
         arguments.insert(arguments.end(), options.begin(), options.end());
@@ -31,6 +34,8 @@ class RecordArgumentsTest : public ::testing::Test {
     }
 
     lumenote::testing::TemporaryHome home_;
+    Result<store::RecorderLock, store::RecorderLockError> lock_ =
+        store::RecorderLock::acquire(store::recorderLockPath(home_.paths()));
 };
 
 TEST_F(RecordArgumentsTest, RefusedArgumentsAreReportedBeforeAnythingIsOpened) {
@@ -57,13 +62,11 @@ TEST_F(RecordArgumentsTest, RefusedArgumentsAreReportedBeforeAnythingIsOpened) {
     const testing::CliRun badMode = record({"-s", "Maths", "-m", "book"});
     EXPECT_EQ(badMode.status, 2);
     EXPECT_THAT(badMode.err, HasSubstr("Choose computer, mixed or offline"));
-    EXPECT_FALSE(std::filesystem::exists(home_.paths().applicationData()));
+    EXPECT_FALSE(std::filesystem::exists(store::storePath(home_.paths())));
     EXPECT_FALSE(std::filesystem::exists(settings::JsonFileDefaultsDomain::pathFor(home_.paths())));
 }
 
 TEST_F(RecordArgumentsTest, BoundaryArgumentsAndEitherSpellingOfAModeAreAccepted) {
-    auto lock = store::RecorderLock::acquire(store::recorderLockPath(home_.paths()));
-    ASSERT_TRUE(lock.ok());
     const std::vector<std::string> cases[] = {
         {"-s", repeated("é", 200)},          {"-s", " \n" + repeated("é", 200) + "\t "},
         {"-s", "Maths", "-d", "1"},          {"-s", "Maths", "-d", "24h"},
