@@ -68,9 +68,11 @@ TEST_F(RecordArgumentsTest, RefusedArgumentsAreReportedBeforeAnythingIsOpened) {
 
 TEST_F(RecordArgumentsTest, BoundaryArgumentsAndEitherSpellingOfAModeAreAccepted) {
     const std::vector<std::string> cases[] = {
-        {"-s", repeated("é", 200)},          {"-s", " \n" + repeated("é", 200) + "\t "},
-        {"-s", "Maths", "-d", "1"},          {"-s", "Maths", "-d", "24h"},
-        {"-s", "Maths", "-m", "offline"},    {"-s", "Maths", "-m", "offlineBookStudy"},
+        {"-s", repeated("é", 200)},
+        {"-s", " \n" + repeated("é", 200) + "\t "},
+        {"-s", "Maths", "-d", "1"},
+        {"-s", "Maths", "-d", "24h"},
+        {"-s", "Maths", "-m", "offlineBookStudy"},
         {"-s", "Maths", "-m", "MixedStudy"},
     };
     for (const auto& options : cases) {

@@ -149,11 +149,9 @@ TEST_F(SessionsCommandTest, BadLimitsAndDaysAreRefusedBeforeTheStoreIsOpened) {
         {{"--limit", "0"}, "\"0\" " + limit},
         {{"--limit", "-3"}, "\"-3\" " + limit},
         {{"--limit", "ten"}, "\"ten\" " + limit},
-        {{"--limit", "2.5"}, "\"2.5\" " + limit},
         {{"--limit", "99999999999999999999999"}, "\"99999999999999999999999\" " + limit},
         {{"--since", "2026-02-30"}, "\"2026-02-30\" " + day},
         {{"--since", "yesterday"}, "\"yesterday\" " + day},
-        {{"--since", "16.11.2026"}, "\"16.11.2026\" " + day},
     };
     for (const Case& c : cases) {
         std::vector<std::string> arguments{"sessions"};
