@@ -27,6 +27,9 @@ void installRulesCommands(CLI::App& app, CliContext& context);
 // `record`, and pause, resume, end, away, back and status for a running recorder.
 void installRecordCommands(CLI::App& app, CliContext& context);
 
+// `help [COMMAND...]`: the same help as `COMMAND... --help`.
+void installHelpCommand(CLI::App& app, CliContext& context);
+
 // `recovery status|end` and `relabel`: the unfinished session after a crash,
 // and relabelling time without input.
 void installRecoveryCommands(CLI::App& app, CliContext& context);

@@ -11,6 +11,10 @@ namespace {
 constexpr std::size_t kMaximumDigits = 9;
 constexpr double kLargestFormattedSeconds = 1e15;
 
+std::string counted(long long count, std::string_view unit) {
+    return fmt::format("{} {}{}", count, unit, count == 1 ? "" : "s");
+}
+
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
@@ -108,6 +112,25 @@ std::string formatDurationArgument(double seconds) {
         text += fmt::format("{}s", rest);
     }
     return text;
+}
+
+std::string readableDuration(double seconds) {
+    const bool whole = std::isfinite(seconds) && std::fabs(seconds) <= kLargestFormattedSeconds &&
+                       std::trunc(seconds) == seconds;
+    if (!whole) {
+        return fmt::format("{:g} seconds", seconds);
+    }
+    if (seconds <= 0 || std::fmod(seconds, 60.0) != 0.0) {
+        return counted(static_cast<long long>(seconds), "second");
+    }
+    const auto minutes = static_cast<long long>(seconds / 60.0);
+    if (minutes < 60) {
+        return counted(minutes, "minute");
+    }
+    if (minutes % 60 == 0) {
+        return counted(minutes / 60, "hour");
+    }
+    return counted(minutes / 60, "hour") + " " + counted(minutes % 60, "minute");
 }
 
 }  // namespace lumenote::cli

@@ -1,5 +1,6 @@
 // Durations typed on the command line ("25m", "90m", "1h30m", "45s", or a
-// bare number of seconds such as "1500") and their short display form.
+// bare number of seconds such as "1500"), their short display form, and the
+// spelled-out form of ranges in messages.
 #pragma once
 
 #include <string>
@@ -25,5 +26,10 @@ Result<double, DurationArgumentError> parseDurationArgument(std::string_view tex
 // The same notation for whole seconds (fractions are rounded): 1500 ->
 // "25m", 5400 -> "1h30m", 45 -> "45s", 3605 -> "1h0m5s", 0 -> "0s".
 std::string formatDurationArgument(double seconds);
+
+// Words for messages: whole hours as "1 hour" or "24 hours", whole minutes as
+// "25 minutes" or "1 hour 30 minutes", anything else as seconds ("90
+// seconds", "1 second", "2.5 seconds").
+std::string readableDuration(double seconds);
 
 }  // namespace lumenote::cli

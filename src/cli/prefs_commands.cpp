@@ -4,8 +4,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cassert>
 #include <charconv>
 #include <chrono>
+#include <cmath>
 #include <memory>
 
 #include "cli/commands.hpp"
@@ -92,11 +94,13 @@ std::optional<long long> parseInteger(std::string_view text) {
     return value;
 }
 
+// A number of seconds (fractions allowed, but not infinity or NaN, which the
+// store would silently replace by the default) or a duration such as 25m.
 std::optional<double> parseSeconds(std::string_view text) {
     double value = 0.0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (!text.empty() && error == std::errc() && end == text.data() + text.size()) {
-        return value;
+        return std::isfinite(value) ? std::optional<double>(value) : std::nullopt;
     }
     if (auto duration = parseDurationArgument(text)) {
         return duration.value();
@@ -134,22 +138,42 @@ std::optional<settings::PreferenceValue> parseValue(const settings::PreferenceKe
     return std::nullopt;
 }
 
+// A bound in words: seconds and minutes as a readable duration.
+std::string boundText(double value, settings::PreferenceUnit unit) {
+    return readableDuration(unit == settings::PreferenceUnit::minutes ? value * 60.0 : value);
+}
+
+// "from 90 seconds to 30 minutes", with ", or 0 for none" where 0 is kept.
+std::string rangeText(const settings::PreferenceBounds& bounds) {
+    return fmt::format("from {} to {}{}", boundText(bounds.lower, bounds.unit),
+                       boundText(bounds.upper, bounds.unit),
+                       bounds.zeroMeansNone ? ", or 0 for none" : "");
+}
+
+std::string choicesText(const settings::PreferenceKeyInfo& info) {
+    std::string list;
+    for (std::size_t index = 0; index < info.choices.size(); ++index) {
+        list += list.empty() ? "" : ", ";
+        list += info.choices[index];
+        if (index < info.choiceAliases.size()) {
+            list += fmt::format(" (or {})", info.choiceAliases[index]);
+        }
+    }
+    return list;
+}
+
 std::string expectation(const settings::PreferenceKeyInfo& info) {
     if (!info.choices.empty()) {
-        std::string list;
-        for (std::string_view choice : info.choices) {
-            list += list.empty() ? "" : ", ";
-            list += choice;
-        }
-        return "use one of " + list;
+        return "use one of " + choicesText(info);
     }
+    const std::string range = info.bounds ? fmt::format(" ({})", rangeText(*info.bounds)) : "";
     switch (info.kind) {
         case settings::PreferenceValueKind::boolean:
             return "use true or false";
         case settings::PreferenceValueKind::integer:
-            return "use a whole number";
+            return "use a whole number" + range;
         case settings::PreferenceValueKind::seconds:
-            return "use a number of seconds or a duration such as 25m";
+            return "use a number of seconds or a duration such as 25m" + range;
         case settings::PreferenceValueKind::text:
             break;
     }
@@ -189,15 +213,30 @@ void getPreference(CliContext& context, const std::string& key) {
     context.out << valueText(settings::preferenceValue(preferences.store, *info)) << '\n';
 }
 
-// What to say when the stored value differs from the one asked for.
-std::string adjustmentNote(const settings::PreferenceKeyInfo& info,
-                           const settings::PreferenceValue& requested,
-                           const settings::PreferenceValue& stored) {
-    if (info.kind == settings::PreferenceValueKind::text) {
-        return fmt::format("{} was stored as {}.", info.key, listedText(stored));
+double numberIn(const settings::PreferenceValue& value) {
+    if (const auto* integer = std::get_if<long long>(&value)) {
+        return static_cast<double>(*integer);
     }
-    return fmt::format("{} is out of range for {}; {} was stored instead.", valueText(requested),
-                       info.key, valueText(stored));
+    return std::get<double>(value);
+}
+
+// What was stored and why, when the store clamped or rewrote the value asked
+// for; nullopt when it kept it (a choice given by another spelling counts as
+// kept: the value line shows the stored spelling).
+std::optional<std::string> adjustmentNote(const settings::PreferenceKeyInfo& info,
+                                          const settings::PreferenceValue& requested,
+                                          const settings::PreferenceValue& stored) {
+    if (stored == requested || !info.choices.empty()) {
+        return std::nullopt;
+    }
+    if (info.bounds) {
+        const double value = numberIn(stored);
+        return fmt::format(
+            "{} is {}: the {} allowed ({}).", info.key, boundText(value, info.bounds->unit),
+            value < numberIn(requested) ? "largest" : "smallest", rangeText(*info.bounds));
+    }
+    assert(!info.normalisation.empty());
+    return fmt::format("{} is {}: {}.", info.key, listedText(stored), info.normalisation);
 }
 
 void setPreference(CliContext& context, const std::string& key, const std::string& text) {
@@ -226,8 +265,8 @@ void setPreference(CliContext& context, const std::string& key, const std::strin
         return;
     }
     context.out << fmt::format("{} = {}\n", info->key, valueText(assigned.value()));
-    if (assigned.value() != *requested) {
-        context.out << adjustmentNote(*info, *requested, assigned.value()) << '\n';
+    if (const auto note = adjustmentNote(*info, *requested, assigned.value())) {
+        context.out << *note << '\n';
     }
     const settings::GlobalHotkeyBinding& binding = preferences.store.globalHotkey();
     if ((info->key == settings::preference_keys::globalHotkeyKeyCode ||
@@ -266,7 +305,9 @@ void installPrefsCommands(CLI::App& app, CliContext& context) {
 
     auto setArguments = std::make_shared<std::pair<std::string, std::string>>();
     auto* set = prefs->add_subcommand(
-        "set", "Change one preference; out-of-range values are clamped as in the application");
+        "set",
+        "Change one preference; an out-of-range value is clamped as in the application, and the "
+        "command says what was stored and why");
     set->add_option("key", setArguments->first, "The preference's key")->required();
     set->add_option("value", setArguments->second,
                     "true/false, a number, seconds (or 25m, 1h30m) or text, by key")

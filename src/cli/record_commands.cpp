@@ -9,12 +9,15 @@
 #include "cli/duration_argument.hpp"
 #include "cli/history_environment.hpp"
 #include "cli/recovery_state.hpp"
+#include "foundation/result.hpp"
 #include "platform/system/system_clocks.hpp"
 #include "recording/no_input_prompt.hpp"
+#include "recording/session_messages.hpp"
 #include "runtime/recorder_control.hpp"
 #include "runtime/setup_check.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
+#include "settings/study_mode_names.hpp"
 #include "store/store_files.hpp"
 #include "terminal/run_terminal_recorder.hpp"
 
@@ -32,11 +35,21 @@ struct RecordArguments {
     std::string recovery;
 };
 
-const std::map<std::string, recording::StudySessionMode> kModes{
-    {"computer", recording::StudySessionMode::computerBased},
-    {"mixed", recording::StudySessionMode::mixedStudy},
-    {"offline", recording::StudySessionMode::offlineBookStudy},
-};
+// The planned duration typed with -d in seconds; fails with the sentence to
+// show when it cannot be read or lies outside what a session may last.
+Result<double, std::string> plannedDurationArgument(std::string_view text) {
+    const auto seconds = parseDurationArgument(text);
+    if (!seconds.ok()) {
+        return fail(std::string(message(seconds.error())));
+    }
+    if (*seconds <= 0.0 || *seconds > recording::kMaximumPlannedDuration) {
+        return fail(fmt::format(
+            "{} A session lasts from {} to {}.",
+            recording::sessionFailureMessage(recording::SessionFailure::invalidDuration),
+            readableDuration(1.0), readableDuration(recording::kMaximumPlannedDuration)));
+    }
+    return *seconds;
+}
 
 void runRecord(CliContext& context, const RecordArguments& arguments) {
     terminal::RecorderOptions options;
@@ -44,22 +57,30 @@ void runRecord(CliContext& context, const RecordArguments& arguments) {
     options.request.subject = arguments.subject;
     options.request.goal = arguments.goal;
 
+    // The arguments are checked before anything is opened: a refusal must not
+    // follow a recovery settled or a file read on the way.
+    if (const auto tooLong = recording::subjectLengthRefusal(arguments.subject)) {
+        context.refuse(tooLong->message());
+        return;
+    }
+    std::optional<double> plannedDuration;
+    if (!arguments.duration.empty()) {
+        auto seconds = plannedDurationArgument(arguments.duration);
+        if (!seconds.ok()) {
+            context.refuse(seconds.error());
+            return;
+        }
+        plannedDuration = *seconds;
+    }
+
     // Defaults come from the preferences: the default duration and study mode.
     platform::system::SystemWallClock clock;
     settings::JsonFileDefaultsDomain defaults(
         settings::JsonFileDefaultsDomain::pathFor(context.paths), [&clock] { return clock.now(); });
     settings::PreferencesStore preferences(defaults);
-    options.request.plannedDuration = preferences.defaultDuration();
+    options.request.plannedDuration = plannedDuration.value_or(preferences.defaultDuration());
     options.request.studyMode = preferences.defaultStudyMode();
-    if (!arguments.duration.empty()) {
-        const auto seconds = parseDurationArgument(arguments.duration);
-        if (!seconds.ok()) {
-            context.refuse(message(seconds.error()));
-            return;
-        }
-        options.request.plannedDuration = *seconds;
-        options.durationGiven = true;
-    }
+    options.durationGiven = plannedDuration.has_value();
     if (arguments.openEnded) {
         options.request.timingMode = recording::SessionTimingMode::openEnded;
         options.timingGiven = true;
@@ -67,7 +88,8 @@ void runRecord(CliContext& context, const RecordArguments& arguments) {
         options.timingGiven = true;
     }
     if (!arguments.mode.empty()) {
-        options.request.studyMode = kModes.at(arguments.mode);
+        // The option's check has accepted the name.
+        options.request.studyMode = *settings::studyModeNamed(arguments.mode);
     }
     if (!arguments.templateName.empty()) {
         options.templateName = arguments.templateName;
@@ -124,18 +146,28 @@ void installRecordCommands(CLI::App& app, CliContext& context) {
         "Record a study session: samples the frontmost application and your input once a "
         "second until the session ends");
     record->add_option("--subject,-s", arguments->subject,
-                       "What you study (asked for on a terminal when left out)");
+                       "What you study, at most 200 characters (asked for on a terminal when "
+                       "left out)");
     record->add_option("--goal,-g", arguments->goal, "Your goal for the session");
     auto* duration = record->add_option(
         "--duration,-d", arguments->duration,
-        "Planned duration: 25m, 90m, 1h30m or seconds (default: the default duration setting)");
+        "Planned duration up to 24 hours: 25m, 90m, 1h30m or seconds (default: the default "
+        "duration setting)");
     record->add_flag("--open-ended", arguments->openEnded, "Run until you end it")
         ->excludes(duration);
     record
         ->add_option("--mode,-m", arguments->mode,
                      "computer, mixed (no-input time may be study away from the computer) or "
-                     "offline (no-input time is study)")
-        ->check(CLI::IsMember({"computer", "mixed", "offline"}));
+                     "offline (no-input time is study); computerBased, mixedStudy and "
+                     "offlineBookStudy are accepted too")
+        ->check(CLI::Validator(
+            [](const std::string& name) -> std::string {
+                return settings::studyModeNamed(name)
+                           ? std::string()
+                           : "Choose computer, mixed or offline (or computerBased, mixedStudy "
+                             "or offlineBookStudy).";
+            },
+            "MODE"));
     record
         ->add_option("--recovery", arguments->recovery,
                      "What to do with a session left unfinished by a recorder that stopped "

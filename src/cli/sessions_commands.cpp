@@ -15,6 +15,7 @@
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
 #include "cli/recovery_state.hpp"
+#include "cli/session_listing_query.hpp"
 #include "cli/session_text.hpp"
 #include "platform/system/system_clocks.hpp"
 #include "recording/session_json.hpp"
@@ -72,14 +73,22 @@ std::optional<recording::StudySession> loadResolved(HistoryEnvironment& environm
 void installList(CLI::App& app, CliContext& context) {
     auto* command = app.add_subcommand("sessions", "List the recorded sessions, newest first");
     auto asJson = std::make_shared<bool>(false);
+    auto listing = std::make_shared<SessionListingOptions>();
     command->add_flag("--json", *asJson, "Print the sessions as a JSON array");
-    command->callback([&context, asJson] {
+    command->add_option("--limit", listing->limit, "List at most this many sessions");
+    command->add_option("--since", listing->since,
+                        "List only sessions started on this local day (YYYY-MM-DD) or later");
+    command->callback([&context, asJson, listing] {
+        const auto query = sessionListingQuery(*listing, LocalCalendar::current());
+        if (!query.ok()) {
+            context.refuse(query.error());
+            return;
+        }
         auto environment = openHistoryEnvironment(context);
         if (!environment) {
             return;
         }
-        auto sessions =
-            environment->store().listSessions(recording::SessionQuery{.newestFirst = true});
+        auto sessions = environment->store().listSessions(*query);
         if (!sessions.ok()) {
             context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
                                                         sessions.error().description));
@@ -91,6 +100,10 @@ void installList(CLI::App& app, CliContext& context) {
                 array.push_back(recording::sessionJson(session, false));
             }
             printJson(context, array);
+            return;
+        }
+        if (sessions->empty() && listing->since) {
+            context.out << fmt::format("No sessions started on {} or later.\n", *listing->since);
             return;
         }
         const auto awaiting = sessionsAwaitingRecovery(*environment, context.paths);
@@ -179,25 +192,36 @@ struct DeleteOptions {
     bool all = false;
 };
 
+// Deletes the sessions the ids name. An id that names none (unknown,
+// malformed or ambiguous) is reported and refused, but does not keep the
+// others from being deleted; each deleted session is listed by its full id.
 void deleteSelected(HistoryEnvironment& environment, CliContext& context,
                     const std::vector<std::string>& idTexts) {
-    // Every id is resolved before anything is deleted: one bad id deletes nothing.
     std::vector<Uuid> ids;
+    std::vector<std::string> notFound;
     for (const std::string& text : idTexts) {
         auto id = environment.resolveSessionID(text);
         if (!id.ok()) {
-            context.refuse(id.error());
-            return;
-        }
-        if (std::find(ids.begin(), ids.end(), *id) == ids.end()) {
+            notFound.push_back(id.error());
+        } else if (std::find(ids.begin(), ids.end(), *id) == ids.end()) {
             ids.push_back(*id);
         }
+    }
+    for (const std::string& message : notFound) {
+        context.refuse(message);
+    }
+    if (ids.empty()) {
+        context.refuse("No session was deleted.");
+        return;
     }
     if (auto deleted = environment.history(context.err).deleteSessions(ids); !deleted.ok()) {
         refuseWith(context, deleted.error());
         return;
     }
-    context.out << countText(ids.size(), "session", "sessions") << " deleted.\n";
+    context.out << countText(ids.size(), "session", "sessions") << " deleted:\n";
+    for (const Uuid& id : ids) {
+        context.out << "  " << id.upperString() << '\n';
+    }
 }
 
 void deleteEverySession(HistoryEnvironment& environment, CliContext& context) {

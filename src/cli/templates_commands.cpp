@@ -3,12 +3,16 @@
 // its refusals are printed as the application words them.
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <charconv>
 #include <chrono>
 #include <memory>
 
 #include "cli/commands.hpp"
 #include "cli/duration_argument.hpp"
 #include "settings/file_session_template_repository.hpp"
+#include "settings/json_file_defaults_domain.hpp"
+#include "settings/preferences_store.hpp"
 #include "settings/session_template_store.hpp"
 
 namespace lumenote::cli {
@@ -171,8 +175,28 @@ bool applyOptions(CliContext& context, const TemplateOptions& options,
     return true;
 }
 
+// The planned duration an open-ended template keeps when none is given: the
+// user's default duration, within the templates' range, so that switching
+// the template to a timer later starts from a familiar length.
+double openEndedPlannedDuration(const UserPaths& paths) {
+    settings::JsonFileDefaultsDomain defaults(settings::JsonFileDefaultsDomain::pathFor(paths),
+                                              systemNow);
+    const settings::PreferencesStore preferences(defaults);
+    return std::clamp(preferences.defaultDuration(), settings::kMinimumTemplateDuration,
+                      settings::kMaximumTemplateDuration);
+}
+
 void addTemplate(CliContext& context, const TemplateOptions& options) {
+    if (!options.duration && !options.openEnded) {
+        context.err << "templates add: give --duration, or --open-ended for sessions that run "
+                       "until ended\n";
+        context.exitCode = kExitUsage;
+        return;
+    }
     settings::SessionTemplateDraft draft;
+    if (!options.duration) {
+        draft.duration = openEndedPlannedDuration(context.paths);
+    }
     if (!applyOptions(context, options, draft)) {
         return;
     }
@@ -249,14 +273,33 @@ void setEnabled(CliContext& context, const std::string& reference, bool isEnable
                                isEnabled ? "enabled" : "disabled");
 }
 
-void moveTemplate(CliContext& context, const std::string& reference, std::size_t position) {
+// The position typed for `move`, counting from 1; nullopt when it is not a
+// whole number from 1 to `count`.
+std::optional<std::size_t> positionIn(std::string_view text, std::size_t count) {
+    std::size_t position = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), position);
+    if (text.empty() || error != std::errc() || end != text.data() + text.size() || position < 1 ||
+        position > count) {
+        return std::nullopt;
+    }
+    return position;
+}
+
+void moveTemplate(CliContext& context, const std::string& reference,
+                  const std::string& positionText) {
     OpenTemplates templates(context);
     const settings::SessionTemplate* t = resolve(context, templates.store, reference);
     if (t == nullptr) {
         return;
     }
+    const std::size_t count = templates.store.templates().size();
+    const auto position = positionIn(positionText, count);
+    if (!position) {
+        context.refuse(fmt::format("Choose a position from 1 to {}.", count));
+        return;
+    }
     const Uuid id = t->id;
-    const auto moved = templates.store.move(id, position - 1);
+    const auto moved = templates.store.move(id, *position - 1);
     if (!moved) {
         context.refuse(message(moved.error()));
         return;
@@ -305,8 +348,8 @@ void installTemplatesCommands(CLI::App& app, CliContext& context) {
     add->add_option("--name", addOptions->name, "A name no other template has")->required();
     add->add_option("--subject", addOptions->subject, "The session subject")->required();
     add->add_option("--duration", addOptions->duration,
-                    "Planned duration, 1 minute to 12 hours: 25m, 1h30m, 1500 ...")
-        ->required();
+                    "Planned duration, 1 minute to 12 hours: 25m, 1h30m, 1500 ... (may be left "
+                    "out with --open-ended: the default duration setting is kept)");
     addFieldOptions(*add, *addOptions);
     add->callback([&context, addOptions] { addTemplate(context, *addOptions); });
 
@@ -346,13 +389,12 @@ void installTemplatesCommands(CLI::App& app, CliContext& context) {
         ->callback([&context, disableReference] { setEnabled(context, *disableReference, false); });
 
     auto moveReference = std::make_shared<std::string>();
-    auto movePosition = std::make_shared<std::size_t>(1);
+    auto movePosition = std::make_shared<std::string>();
     auto* move = addReferenceCommand(
         *templates, "move", "Move a template to another place in the list (favourites stay first)",
         moveReference);
-    move->add_option("--to", *movePosition, "The new position, counting from 1")
-        ->required()
-        ->check(CLI::PositiveNumber);
+    move->add_option("--to", *movePosition, "The new position, from 1 to the number of templates")
+        ->required();
     move->callback([&context, moveReference, movePosition] {
         moveTemplate(context, *moveReference, *movePosition);
     });

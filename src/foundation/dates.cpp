@@ -242,17 +242,55 @@ int LocalCalendar::utcOffsetSeconds(Date date) const {
     return static_cast<int>(zone_->get_info(toSysSeconds(date)).offset.count());
 }
 
-Date LocalCalendar::startOfDay(Date date) const {
-    const auto local = zone_->to_local(toSysSeconds(date));
-    const auto midnight = date::floor<date::days>(local);
-    const date::local_seconds start{midnight};
-    const auto info = zone_->get_info(start);
+namespace {
+
+Date firstInstantOf(const date::time_zone* zone, date::local_days day) {
+    const date::local_seconds start{day};
+    const auto info = zone->get_info(start);
     if (info.result == date::local_info::nonexistent) {
         // Midnight itself was skipped: the day begins at the transition.
         return Date::fromUnixSeconds(
             static_cast<double>(info.second.begin.time_since_epoch().count()));
     }
-    return fromLocal(zone_, start);
+    return fromLocal(zone, start);
+}
+
+// The number written by the digits text[from, from + count); nullopt when
+// any of them is not a digit.
+std::optional<int> digitsAt(std::string_view text, std::size_t from, std::size_t count) {
+    int value = 0;
+    for (std::size_t index = from; index < from + count; ++index) {
+        if (!std::isdigit(static_cast<unsigned char>(text[index]))) {
+            return std::nullopt;
+        }
+        value = value * 10 + (text[index] - '0');
+    }
+    return value;
+}
+
+}  // namespace
+
+Date LocalCalendar::startOfDay(Date date) const {
+    const auto local = zone_->to_local(toSysSeconds(date));
+    return firstInstantOf(zone_, date::floor<date::days>(local));
+}
+
+std::optional<Date> LocalCalendar::startOfDayKey(std::string_view dayKey) const {
+    if (dayKey.size() != 10 || dayKey[4] != '-' || dayKey[7] != '-') {
+        return std::nullopt;
+    }
+    const auto year = digitsAt(dayKey, 0, 4);
+    const auto month = digitsAt(dayKey, 5, 2);
+    const auto day = digitsAt(dayKey, 8, 2);
+    if (!year || !month || !day) {
+        return std::nullopt;
+    }
+    const date::year_month_day civil{date::year{*year}, date::month{static_cast<unsigned>(*month)},
+                                     date::day{static_cast<unsigned>(*day)}};
+    if (!civil.ok()) {
+        return std::nullopt;
+    }
+    return firstInstantOf(zone_, date::local_days{civil});
 }
 
 Date LocalCalendar::addingDays(Date date, int days) const {

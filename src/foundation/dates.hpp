@@ -76,6 +76,10 @@ class LocalCalendar {
     int utcOffsetSeconds(Date date) const;
     // The first instant of the local day containing `date`.
     Date startOfDay(Date date) const;
+    // The first instant of the local day written "YYYY-MM-DD" (as dayKey()
+    // writes it); nullopt for any other text or a day the calendar lacks
+    // ("2026-02-30").
+    std::optional<Date> startOfDayKey(std::string_view dayKey) const;
     // The same local wall time `days` days later (or earlier), so that adding
     // one day across a daylight-saving change keeps the time of day.
     Date addingDays(Date date, int days) const;

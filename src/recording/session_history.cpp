@@ -91,9 +91,8 @@ Result<void, SessionError> SessionHistory::editSession(const Uuid& id, const std
     if (newSubject.empty()) {
         return fail(SessionError{SessionFailure::subjectEmpty, {}});
     }
-    if (text::characterCount(newSubject) > kSubjectCharacterLimit) {
-        return fail(
-            SessionError{SessionFailure::subjectTooLong, std::to_string(kSubjectCharacterLimit)});
+    if (auto tooLong = subjectLengthRefusal(newSubject)) {
+        return fail(std::move(*tooLong));
     }
     if (text::characterCount(newGoal) > kGoalCharacterLimit) {
         return fail(SessionError{SessionFailure::goalTooLong, std::to_string(kGoalCharacterLimit)});

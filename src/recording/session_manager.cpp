@@ -65,9 +65,8 @@ Result<void, SessionError> SessionManager::checkStartRequest(const SessionStartR
     if (subject.empty()) {
         return fail(SessionFailure::subjectMissing);
     }
-    if (text::characterCount(subject) > kSubjectCharacterLimit) {
-        return fail(
-            SessionError(SessionFailure::subjectTooLong, std::to_string(kSubjectCharacterLimit)));
+    if (auto tooLong = subjectLengthRefusal(subject)) {
+        return fail(std::move(*tooLong));
     }
     const double planned = request.plannedDuration;
     if (!std::isfinite(planned) || planned <= 0.0 || planned > kMaximumPlannedDuration) {

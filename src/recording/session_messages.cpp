@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "foundation/text.hpp"
+
 namespace lumenote::recording {
 
 std::string sessionFailureMessage(SessionFailure failure, std::string_view detail) {
@@ -90,6 +92,13 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
                    "reconciled safely on the next launch.";
     }
     return {};
+}
+
+std::optional<SessionError> subjectLengthRefusal(std::string_view subject) {
+    if (text::characterCount(text::trimmed(subject)) <= kSubjectCharacterLimit) {
+        return std::nullopt;
+    }
+    return SessionError{SessionFailure::subjectTooLong, std::to_string(kSubjectCharacterLimit)};
 }
 
 }  // namespace lumenote::recording

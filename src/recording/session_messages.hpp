@@ -1,6 +1,7 @@
 // The recorder's user-facing failures: one case each, one fixed sentence each.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -73,5 +74,10 @@ struct SessionError {
 inline constexpr std::size_t kSubjectCharacterLimit = 200;
 inline constexpr std::size_t kGoalCharacterLimit = 500;
 inline constexpr std::size_t kNotesCharacterLimit = 5000;
+
+// The refusal of a subject that has more than kSubjectCharacterLimit
+// characters once trimmed; nullopt when it fits. A session is started and
+// edited under the same limit, so that every stored subject can be edited.
+std::optional<SessionError> subjectLengthRefusal(std::string_view subject);
 
 }  // namespace lumenote::recording

@@ -13,6 +13,7 @@
 #include "scenario/json_expectation.hpp"
 #include "scenario/scenario_machine.hpp"
 #include "settings/preference_catalog.hpp"
+#include "settings/study_mode_names.hpp"
 
 namespace lumenote::scenario {
 
@@ -82,8 +83,7 @@ ActionResult startSession(const ActionCall& call) {
     }
     const auto timingMode =
         fromRawValue<recording::SessionTimingMode>(stringArgument(args, "timing", "timer"));
-    const auto studyMode =
-        fromRawValue<recording::StudySessionMode>(stringArgument(args, "mode", "computerBased"));
+    const auto studyMode = settings::studyModeNamed(stringArgument(args, "mode", "computerBased"));
     if (!timingMode || !studyMode) {
         return fail(std::string("unknown timing or study mode"));
     }

@@ -7,6 +7,7 @@
 
 #include "settings/preference_keys.hpp"
 #include "settings/preference_rules.hpp"
+#include "settings/study_mode_names.hpp"
 
 namespace lumenote::settings {
 
@@ -21,6 +22,13 @@ using R = Result<void, PreferenceAssignmentError>;
 constexpr std::array<std::string_view, 3> kAppearanceChoices{"system", "light", "dark"};
 constexpr std::array<std::string_view, 3> kStudyModeChoices{"computerBased", "mixedStudy",
                                                             "offlineBookStudy"};
+constexpr auto kStudyModeAliases = [] {
+    std::array<std::string_view, kStudyModeShortNames.size()> words{};
+    for (std::size_t i = 0; i < words.size(); ++i) {
+        words[i] = kStudyModeShortNames[i].word;
+    }
+    return words;
+}();
 constexpr std::array<std::string_view, 2> kTimingModeChoices{"timer", "open_ended"};
 constexpr std::array<std::string_view, 4> kLongSleepChoices{"300", "600", "1800", "0"};
 
@@ -72,6 +80,19 @@ R setText(S& store, const V& value, Setter setter) {
     return {};
 }
 
+R setStudyMode(S& store, const V& value) {
+    const auto* text = std::get_if<std::string>(&value);
+    if (text == nullptr) {
+        return fail(PreferenceAssignmentError::wrongKind);
+    }
+    const auto mode = studyModeNamed(*text);
+    if (!mode) {
+        return fail(PreferenceAssignmentError::notAChoice);
+    }
+    store.setDefaultStudyMode(*mode);
+    return {};
+}
+
 template <typename E>
 R setChoice(S& store, const V& value, void (S::*setter)(E)) {
     const auto* text = std::get_if<std::string>(&value);
@@ -119,6 +140,10 @@ V raw(auto value) {
     return std::string(rawValue(value));
 }
 
+constexpr PreferenceBounds secondsBounds(const ThresholdRange& range) {
+    return {range.lower, range.upper, PreferenceUnit::seconds};
+}
+
 const std::vector<Row>& rows() {
     static const std::vector<Row> table{
         {{keys::launchAtLogin, K::boolean, {}},
@@ -133,7 +158,9 @@ const std::vector<Row>& rows() {
          raw(TallywiseAppearance::system),
          [](const S& s) { return raw(s.appearance()); },
          [](S& s, const V& v) { return setChoice(s, v, &S::setAppearance); }},
-        {{keys::defaultDuration, K::seconds, {}},
+        {{.key = keys::defaultDuration,
+          .kind = K::seconds,
+          .bounds = secondsBounds(kDefaultDurationRange)},
          1500.0,
          [](const S& s) -> V { return s.defaultDuration(); },
          [](S& s, const V& v) { return setSeconds(s, v, &S::setDefaultDuration); }},
@@ -157,10 +184,13 @@ const std::vector<Row>& rows() {
          false,
          [](const S& s) -> V { return s.rememberLastGoal(); },
          [](S& s, const V& v) { return setBool(s, v, &S::setRememberLastGoal); }},
-        {{keys::defaultStudyMode, K::text, kStudyModeChoices},
+        {{.key = keys::defaultStudyMode,
+          .kind = K::text,
+          .choices = kStudyModeChoices,
+          .choiceAliases = kStudyModeAliases},
          raw(recording::StudySessionMode::mixedStudy),
          [](const S& s) { return raw(s.defaultStudyMode()); },
-         [](S& s, const V& v) { return setChoice(s, v, &S::setDefaultStudyMode); }},
+         setStudyMode},
         {{keys::lastTimingMode, K::text, kTimingModeChoices},
          raw(recording::SessionTimingMode::timer),
          [](const S& s) { return raw(s.lastTimingMode()); },
@@ -181,11 +211,15 @@ const std::vector<Row>& rows() {
          static_cast<long long>(GlobalHotkeyBinding{}.modifiers),
          [](const S& s) -> V { return static_cast<long long>(s.globalHotkey().modifiers); },
          [](S& s, const V& v) { return setHotkeyPart(s, v, &GlobalHotkeyBinding::modifiers); }},
-        {{keys::passiveStudyPromptThreshold, K::seconds, {}},
+        {{.key = keys::passiveStudyPromptThreshold,
+          .kind = K::seconds,
+          .bounds = secondsBounds(kPassiveStudyPromptRange)},
          300.0,
          [](const S& s) -> V { return s.passiveStudyPromptThreshold(); },
          [](S& s, const V& v) { return setSeconds(s, v, &S::setPassiveStudyPromptThreshold); }},
-        {{keys::inactivityThreshold, K::seconds, {}},
+        {{.key = keys::inactivityThreshold,
+          .kind = K::seconds,
+          .bounds = secondsBounds(kInactivityThresholdRange)},
          90.0,
          [](const S& s) -> V { return s.inactivityThreshold(); },
          [](S& s, const V& v) { return setSeconds(s, v, &S::setInactivityThreshold); }},
@@ -229,11 +263,17 @@ const std::vector<Row>& rows() {
          0LL,
          [](const S& s) -> V { return s.onboardingLastStep(); },
          [](S& s, const V& v) { return setInteger(s, v, &S::setOnboardingLastStep); }},
-        {{keys::firstName, K::text, {}},
+        {{.key = keys::firstName,
+          .kind = K::text,
+          .normalisation = "white space at both ends is dropped, inner white space becomes one "
+                           "space, and only the first 40 characters are kept"},
          std::string(),
          [](const S& s) -> V { return s.firstName(); },
          [](S& s, const V& v) { return setText(s, v, &S::setFirstName); }},
-        {{keys::dailyStudyGoalMinutes, K::integer, {}},
+        {{.key = keys::dailyStudyGoalMinutes,
+          .kind = K::integer,
+          .bounds = PreferenceBounds{1.0, static_cast<double>(kMaximumDailyStudyGoalMinutes),
+                                     PreferenceUnit::minutes, true}},
          0LL,
          [](const S& s) -> V { return s.dailyStudyGoalMinutes(); },
          [](S& s, const V& v) { return setInteger(s, v, &S::setDailyStudyGoalMinutes); }},
@@ -245,7 +285,9 @@ const std::vector<Row>& rows() {
          false,
          [](const S& s) -> V { return s.insightsAIPhrasingEnabled(); },
          [](S& s, const V& v) { return setBool(s, v, &S::setInsightsAIPhrasingEnabled); }},
-        {{keys::insightsAIProviderIdentifier, K::text, {}},
+        {{.key = keys::insightsAIProviderIdentifier,
+          .kind = K::text,
+          .normalisation = "no phrasing provider is available, so it is always \"none\""},
          std::string(kNoAIProvider),
          [](const S& s) -> V { return s.insightsAIProviderIdentifier(); },
          [](S& s, const V& v) { return setText(s, v, &S::setInsightsAIProviderIdentifier); }},

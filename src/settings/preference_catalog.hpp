@@ -4,6 +4,7 @@
 // own setter, so that every clamp applies exactly as in the application.
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -23,12 +24,31 @@ enum class PreferenceValueKind {
 
 using PreferenceValue = std::variant<bool, long long, double, std::string>;
 
+// What a bounded number counts.
+enum class PreferenceUnit { seconds, minutes };
+
+// The range a number is clamped to when it is assigned.
+struct PreferenceBounds {
+    double lower;
+    double upper;
+    PreferenceUnit unit;
+    bool zeroMeansNone = false;  // 0 is kept as it is and means "none" (no daily goal)
+};
+
 struct PreferenceKeyInfo {
     std::string_view key;
     PreferenceValueKind kind;
     // The only values accepted, as their text, when the key has a fixed set
     // (the enumerations' raw values; the long-sleep seconds 0, 300, 600, 1800).
     std::span<const std::string_view> choices;
+    // Other spellings accepted for `choices`, in the same order; empty when
+    // there are none. The raw value is what is stored.
+    std::span<const std::string_view> choiceAliases;
+    // The clamp of a number; nullopt when any value is kept.
+    std::optional<PreferenceBounds> bounds;
+    // For a text the store rewrites, what it does to it (a phrase for the
+    // user); empty when text is kept as given.
+    std::string_view normalisation;
 };
 
 // Every stored setting in property order (the shortcut's two integers in
@@ -47,7 +67,7 @@ PreferenceValue defaultPreferenceValue(const PreferenceKeyInfo& info);
 
 enum class PreferenceAssignmentError {
     wrongKind,   // the value is not of the key's kind
-    notAChoice,  // the key has a fixed set of values and this is not one
+    notAChoice,  // the key has a fixed set of values and this is neither one nor its alias
     outOfRange   // a shortcut integer outside 0 ... 4294967295
 };
 

@@ -47,5 +47,22 @@ TEST(DurationArgumentTest, FormatsWholeSecondsInTheSameNotation) {
     }
 }
 
+TEST(DurationArgumentTest, SpellsRangesOutInTheLargestWholeUnits) {
+    const std::vector<std::pair<double, const char*>> cases{
+        {1, "1 second"},
+        {90, "90 seconds"},
+        {60, "1 minute"},
+        {3600, "1 hour"},
+        {86400, "24 hours"},
+        {5400, "1 hour 30 minutes"},
+        {7260, "2 hours 1 minute"},
+        {3601, "3601 seconds"},
+        {2.5, "2.5 seconds"},
+    };
+    for (const auto& [seconds, text] : cases) {
+        EXPECT_EQ(readableDuration(seconds), text) << seconds;
+    }
+}
+
 }  // namespace
 }  // namespace lumenote::cli

@@ -33,12 +33,66 @@ TEST_F(PrefsCommandsTest, AnOutOfRangeThresholdIsClampedAndTheCommandSaysSo) {
     EXPECT_EQ(set.status, 0);
     EXPECT_EQ(set.out,
               "tracking.inactivityThreshold = 1800\n"
-              "2400 is out of range for tracking.inactivityThreshold; 1800 was stored instead.\n");
+              "tracking.inactivityThreshold is 30 minutes: the largest allowed (from 90 seconds "
+              "to 30 minutes).\n");
     EXPECT_EQ(stored()["tracking.inactivityThreshold"], 1800.0);
 
     const CliRun get = run({"prefs", "get", "tracking.inactivityThreshold"});
     EXPECT_EQ(get.status, 0);
     EXPECT_EQ(get.out, "1800\n");
+}
+
+TEST_F(PrefsCommandsTest, EveryClampNamesTheBoundItStoredAndTheRange) {
+    struct Case {
+        std::string key;
+        std::string value;
+        std::string stored;
+        std::string note;  // empty when the value is kept
+    };
+    const Case cases[] = {
+        {"tracking.inactivityThreshold", "30", "90",
+         "tracking.inactivityThreshold is 90 seconds: the smallest allowed (from 90 seconds to "
+         "30 minutes)."},
+        {"tracking.inactivityThreshold", "90", "90", ""},
+        {"session.defaultDuration", "10", "60",
+         "session.defaultDuration is 1 minute: the smallest allowed (from 1 minute to 24 "
+         "hours)."},
+        {"session.defaultDuration", "200000", "86400",
+         "session.defaultDuration is 24 hours: the largest allowed (from 1 minute to 24 hours)."},
+        {"tracking.passiveStudyPromptThreshold", "1h30m", "3600",
+         "tracking.passiveStudyPromptThreshold is 1 hour: the largest allowed (from 5 minutes to "
+         "1 hour)."},
+        {"personalisation.dailyStudyGoalMinutes", "-5", "1",
+         "personalisation.dailyStudyGoalMinutes is 1 minute: the smallest allowed (from 1 minute "
+         "to 12 hours, or 0 for none)."},
+        {"personalisation.dailyStudyGoalMinutes", "1000", "720",
+         "personalisation.dailyStudyGoalMinutes is 12 hours: the largest allowed (from 1 minute "
+         "to 12 hours, or 0 for none)."},
+        {"personalisation.dailyStudyGoalMinutes", "0", "0", ""},
+        {"personalisation.dailyStudyGoalMinutes", "720", "720", ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.key + " " + c.value);
+        const CliRun set = run({"prefs", "set", c.key, c.value});
+        EXPECT_EQ(set.status, 0);
+        EXPECT_EQ(set.out, c.key + " = " + c.stored + "\n" + (c.note.empty() ? "" : c.note + "\n"));
+        EXPECT_EQ(run({"prefs", "get", c.key}).out, c.stored + "\n");
+    }
+}
+
+TEST_F(PrefsCommandsTest, TheStudyModeTakesTheRecordCommandsWordsToo) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"offline", "offlineBookStudy"},
+        {"MIXED", "mixedStudy"},
+        {"computerbased", "computerBased"},
+        {"offlineBookStudy", "offlineBookStudy"},
+    };
+    for (const auto& [given, raw] : cases) {
+        const CliRun set = run({"prefs", "set", "session.defaultStudyMode", given});
+        EXPECT_EQ(set.status, 0) << given;
+        EXPECT_EQ(set.out, std::string("session.defaultStudyMode = ") + raw + "\n") << given;
+        EXPECT_EQ(stored()["session.defaultStudyMode"], raw) << given;
+    }
 }
 
 TEST_F(PrefsCommandsTest, AnInRangeValueIsStoredWithoutANote) {
@@ -66,13 +120,22 @@ TEST_F(PrefsCommandsTest, ValuesThatCannotBeParsedAreRefusedWithoutWriting) {
          "\"42\" is not a valid value for tracking.longSleep: use one of 300, 600, 1800, 0.\n"},
         {{"prefs", "set", "session.defaultStudyMode", "unknownWord"},
          "\"unknownWord\" is not a valid value for session.defaultStudyMode: use one of "
-         "computerBased, mixedStudy, offlineBookStudy.\n"},
+         "computerBased (or computer), mixedStudy (or mixed), offlineBookStudy (or offline).\n"},
         {{"prefs", "set", "shortcuts.globalHotkeyKeyCode", "-1"},
          "\"-1\" is not a valid value for shortcuts.globalHotkeyKeyCode: use a whole number from "
          "0 to 4294967295.\n"},
         {{"prefs", "set", "tracking.inactivityThreshold", "soon"},
          "\"soon\" is not a valid value for tracking.inactivityThreshold: use a number of "
-         "seconds or a duration such as 25m.\n"},
+         "seconds or a duration such as 25m (from 90 seconds to 30 minutes).\n"},
+        {{"prefs", "set", "session.defaultDuration", "inf"},
+         "\"inf\" is not a valid value for session.defaultDuration: use a number of seconds or "
+         "a duration such as 25m (from 1 minute to 24 hours).\n"},
+        {{"prefs", "set", "tracking.passiveStudyPromptThreshold", "nan"},
+         "\"nan\" is not a valid value for tracking.passiveStudyPromptThreshold: use a number of "
+         "seconds or a duration such as 25m (from 5 minutes to 1 hour).\n"},
+        {{"prefs", "set", "personalisation.dailyStudyGoalMinutes", "1.5"},
+         "\"1.5\" is not a valid value for personalisation.dailyStudyGoalMinutes: use a whole "
+         "number (from 1 minute to 12 hours, or 0 for none).\n"},
         {{"prefs", "get", "no.such.key"},
          "There is no preference named \"no.such.key\". Run \"lumenote-cli prefs list\" to see "
          "them all.\n"},
@@ -91,9 +154,16 @@ TEST_F(PrefsCommandsTest, NormalisedTextAndAnUnusableShortcutAreExplained) {
     const CliRun name = run({"prefs", "set", "personalisation.firstName", "  Ada \n Lovelace "});
     EXPECT_EQ(name.out,
               "personalisation.firstName = Ada Lovelace\n"
-              "personalisation.firstName was stored as \"Ada Lovelace\".\n");
+              "personalisation.firstName is \"Ada Lovelace\": white space at both ends is "
+              "dropped, inner white space becomes one space, and only the first 40 characters "
+              "are kept.\n");
+    EXPECT_EQ(run({"prefs", "set", "personalisation.firstName", "Ada"}).out,
+              "personalisation.firstName = Ada\n");
     const CliRun provider = run({"prefs", "set", "insights.aiProviderIdentifier", "cloud"});
-    EXPECT_THAT(provider.out, HasSubstr("was stored as \"none\""));
+    EXPECT_EQ(provider.out,
+              "insights.aiProviderIdentifier = none\n"
+              "insights.aiProviderIdentifier is \"none\": no phrasing provider is available, so "
+              "it is always \"none\".\n");
 
     const CliRun shortcut = run({"prefs", "set", "shortcuts.globalHotkeyModifiers", "0"});
     EXPECT_EQ(shortcut.status, 0);

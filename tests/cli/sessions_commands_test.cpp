@@ -100,6 +100,70 @@ TEST_F(SessionsCommandTest, ListsNewestStartFirstInTheTableAndAsJson) {
     EXPECT_TRUE(contains(mondayLine, "—")) << mondayLine;
 }
 
+TEST_F(SessionsCommandTest, LimitAndSinceChooseTheNewestSessionsFromALocalDay) {
+    const char* previous = std::getenv("TZ");
+    const std::string saved = previous ? previous : "";
+    // In Berlin the session started at 23:30 UTC on the 16th belongs to the 17th.
+    setenv("TZ", "Europe/Berlin", 1);
+    const json recorded = record(std::string(kThreeDays) + R"(
+{"at":500,"do":"wallClock","iso":"2026-11-16T23:30:00Z"}
+{"at":500,"do":"start","subject":"Late Monday","duration":600}
+{"at":530,"do":"end"}
+)");
+    ASSERT_EQ(recorded.size(), 4u);
+    const auto subjects = [this](const std::vector<std::string>& options) {
+        std::vector<std::string> arguments{"sessions", "--json"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        const CliRun listed = run(arguments);
+        EXPECT_EQ(listed.status, 0) << listed.err;
+        std::vector<std::string> names;
+        for (const json& session : json::parse(listed.out)) {
+            names.push_back(session["subject"]);
+        }
+        return names;
+    };
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(subjects({"--limit", "2"}), (Names{"Wednesday", "Tuesday"}));
+    EXPECT_EQ(subjects({"--since", "2026-11-17"}), (Names{"Wednesday", "Tuesday", "Late Monday"}));
+    EXPECT_EQ(subjects({"--since", "2026-11-17", "--limit", "1"}), (Names{"Wednesday"}));
+    EXPECT_EQ(subjects({"--since", "2026-11-19"}), Names{});
+    EXPECT_EQ(subjects({"--limit", "10"}).size(), 4u);
+    EXPECT_EQ(run({"sessions", "--since", "2026-11-19"}).out,
+              "No sessions started on 2026-11-19 or later.\n");
+    if (previous) {
+        setenv("TZ", saved.c_str(), 1);
+    } else {
+        unsetenv("TZ");
+    }
+}
+
+TEST_F(SessionsCommandTest, BadLimitsAndDaysAreRefusedBeforeTheStoreIsOpened) {
+    struct Case {
+        std::vector<std::string> options;
+        std::string message;
+    };
+    const std::string limit =
+        "is not a number of sessions. Give --limit a whole number, 1 or more.";
+    const std::string day = "is not a day. Give --since a day as YYYY-MM-DD, such as 2026-11-16.";
+    const Case cases[] = {
+        {{"--limit", "0"}, "\"0\" " + limit},
+        {{"--limit", "-3"}, "\"-3\" " + limit},
+        {{"--limit", "ten"}, "\"ten\" " + limit},
+        {{"--limit", "99999999999999999999999"}, "\"99999999999999999999999\" " + limit},
+        {{"--since", "2026-02-30"}, "\"2026-02-30\" " + day},
+        {{"--since", "yesterday"}, "\"yesterday\" " + day},
+    };
+    for (const Case& c : cases) {
+        std::vector<std::string> arguments{"sessions"};
+        arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+        const CliRun refused = run(arguments);
+        EXPECT_EQ(refused.status, 1) << c.options[1];
+        EXPECT_EQ(refused.err, c.message + "\n");
+        EXPECT_EQ(refused.out, "");
+    }
+    EXPECT_FALSE(std::filesystem::exists(store::storePath(home_.paths())));
+}
+
 TEST_F(SessionsCommandTest, AnEmptyHistoryListsNothing) {
     EXPECT_EQ(run({"sessions"}).out, "No sessions recorded yet.\n");
     EXPECT_EQ(run({"sessions", "--json"}).out, "[]\n");
@@ -336,20 +400,38 @@ TEST_F(SessionsCommandTest, DeleteRemovesExactlyTheNamedSessions) {
     const std::string tuesday = recorded[1]["id"];
     const std::string wednesday = recorded[2]["id"];
 
-    // One unknown id among them: nothing is deleted.
-    const CliRun refused = run({"delete", monday, "ffffffff"});
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_EQ(refused.err, "No session has the id ffffffff.\n");
-    EXPECT_EQ(storedCount(), 3u);
-
     const CliRun deleted =
         run({"delete", lowercased(monday.substr(0, 8)), lowercased(wednesday), monday});
     ASSERT_EQ(deleted.status, 0) << deleted.err;
-    EXPECT_EQ(deleted.out, "2 sessions deleted.\n");
+    EXPECT_EQ(deleted.out, "2 sessions deleted:\n  " + monday + "\n  " + wednesday + "\n");
+    EXPECT_EQ(deleted.err, "");
     auto listed = openStore()->listSessions(recording::SessionQuery{});
     ASSERT_TRUE(listed.ok());
     ASSERT_EQ(listed->size(), 1u);
     EXPECT_EQ(listed->front().id.upperString(), tuesday);
+}
+
+TEST_F(SessionsCommandTest, DeleteReportsIdsThatNameNoSessionAndDeletesTheOthers) {
+    const json recorded = record(kThreeDays);
+    const std::string monday = recorded[0]["id"];
+    const std::string wednesday = recorded[2]["id"];
+
+    const CliRun partly = run({"delete", monday, "ffffffff", wednesday.substr(0, 8), "bad"});
+    EXPECT_EQ(partly.status, 1);
+    EXPECT_EQ(partly.out, "2 sessions deleted:\n  " + monday + "\n  " + wednesday + "\n");
+    EXPECT_EQ(partly.err,
+              "No session has the id ffffffff.\n"
+              "\"bad\" is not a session id. Give the whole id or at least its first 8 hex "
+              "digits.\n");
+    EXPECT_EQ(storedCount(), 1u);
+
+    // The same ids again: none is left, so nothing is deleted.
+    const CliRun none = run({"delete", monday, "ffffffff"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_EQ(none.out, "");
+    EXPECT_EQ(none.err, "No session has the id " + monday +
+                            ".\nNo session has the id ffffffff.\nNo session was deleted.\n");
+    EXPECT_EQ(storedCount(), 1u);
 }
 
 TEST_F(SessionsCommandTest, DeleteAllRemovesEverySession) {

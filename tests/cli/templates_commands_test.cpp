@@ -110,12 +110,50 @@ TEST_F(TemplatesCommandsTest, TemplatesCanBeNamedByIdAndMovedAndDeleted) {
     const CliRun c = add("C");
     const std::string id = c.out.substr(c.out.find('(') + 1, 36);
     EXPECT_EQ(run({"templates", "move", id, "--to", "1"}).out, "\"C\" is now number 1.\n");
-    EXPECT_EQ(run({"templates", "move", "a", "--to", "9"}).out, "\"A\" is now number 3.\n");
+    EXPECT_EQ(run({"templates", "move", "a", "--to", "3"}).out, "\"A\" is now number 3.\n");
     EXPECT_EQ(run({"templates", "list"}).out,
               "  1. C — Maths, 25m\n  2. B — Maths, 25m\n  3. A — Maths, 25m\n");
-    EXPECT_EQ(run({"templates", "move", "a", "--to", "0"}).status, 2);
     EXPECT_EQ(run({"templates", "delete", id}).out, "Deleted template \"C\".\n");
     EXPECT_EQ(run({"templates", "show", id}).status, 1);
+}
+
+TEST_F(TemplatesCommandsTest, APositionOutsideTheListNamesTheRangeAndMovesNothing) {
+    ASSERT_EQ(add("A").status, 0);
+    ASSERT_EQ(add("B").status, 0);
+    ASSERT_EQ(add("C").status, 0);
+    for (const char* position :
+         {"0", "4", "-1", "+2", "1.5", "two", "", "99999999999999999999999999999"}) {
+        const CliRun moved = run({"templates", "move", "B", "--to", position});
+        EXPECT_EQ(moved.status, 1) << position;
+        EXPECT_EQ(moved.err, "Choose a position from 1 to 3.\n") << position;
+    }
+    EXPECT_EQ(run({"templates", "list"}).out,
+              "  1. A — Maths, 25m\n  2. B — Maths, 25m\n  3. C — Maths, 25m\n");
+    // The template is looked up first: an unknown one is reported as such.
+    EXPECT_EQ(run({"templates", "move", "D", "--to", "0"}).err,
+              "No session template has the name or id \"D\".\n");
+}
+
+TEST_F(TemplatesCommandsTest, AnOpenEndedTemplateNeedsNoDuration) {
+    ASSERT_EQ(run({"prefs", "set", "session.defaultDuration", "45m"}).status, 0);
+    const CliRun added =
+        run({"templates", "add", "--name", "Reading", "--subject", "Books", "--open-ended"});
+    EXPECT_EQ(added.status, 0) << added.err;
+    // A default duration beyond the templates' 12 hours is kept at 12 hours.
+    ASSERT_EQ(run({"prefs", "set", "session.defaultDuration", "20h"}).status, 0);
+    ASSERT_EQ(
+        run({"templates", "add", "--name", "Long", "--subject", "Books", "--open-ended"}).status,
+        0);
+    EXPECT_EQ(run({"templates", "list"}).out,
+              "  1. Reading — Books, open-ended (45m planned)\n"
+              "  2. Long — Books, open-ended (12h planned)\n");
+
+    const CliRun neither = run({"templates", "add", "--name", "Timed", "--subject", "Books"});
+    EXPECT_EQ(neither.status, 2);
+    EXPECT_EQ(neither.err,
+              "templates add: give --duration, or --open-ended for sessions that run until "
+              "ended\n");
+    EXPECT_THAT(run({"templates", "show", "Timed"}).err, HasSubstr("No session template"));
 }
 
 TEST_F(TemplatesCommandsTest, ANewerFileIsLeftAloneAndEveryChangeRefused) {

@@ -131,6 +131,38 @@ TEST_F(LocalCalendarTest, MidnightSkippedByAChangeStartsTheDayAtTheChange) {
     EXPECT_EQ(santiago->formatIso8601(santiago->startOfDay(noon)), "2026-09-06T01:00:00-03:00");
 }
 
+TEST_F(LocalCalendarTest, ADayKeyNamesTheFirstInstantOfThatLocalDay) {
+    const auto santiago = LocalCalendar::named("America/Santiago");
+    const auto kiritimati = LocalCalendar::named("Pacific/Kiritimati");
+    ASSERT_TRUE(santiago && kiritimati);
+    struct Case {
+        const LocalCalendar& calendar;
+        const char* day;
+        const char* start;
+    };
+    const Case cases[] = {
+        {berlin, "2026-11-16", "2026-11-16T00:00:00+01:00"},
+        {berlin, "2026-03-29", "2026-03-29T00:00:00+01:00"},
+        {berlin, "2028-02-29", "2028-02-29T00:00:00+01:00"},
+        {*santiago, "2026-09-06", "2026-09-06T01:00:00-03:00"},
+        {*kiritimati, "2026-11-16", "2026-11-16T00:00:00+14:00"},
+    };
+    for (const Case& c : cases) {
+        const auto start = c.calendar.startOfDayKey(c.day);
+        ASSERT_TRUE(start) << c.day;
+        EXPECT_EQ(c.calendar.formatIso8601(*start), c.start) << c.day;
+        EXPECT_EQ(c.calendar.dayKey(*start), c.day);
+    }
+}
+
+TEST_F(LocalCalendarTest, AnythingButAWholeExistingDayKeyIsRefused) {
+    for (const char* text : {"", "2026-02-30", "2027-02-29", "2026-13-01", "2026-00-10",
+                             "2026-11-00", "2026-1-16", "26-11-16", "2026/11/16", "2026-11-16T",
+                             " 2026-11-16", "-026-11-16", "2026-1a-16", "16.11.2026"}) {
+        EXPECT_FALSE(berlin.startOfDayKey(text)) << text;
+    }
+}
+
 TEST(LocalCalendarCurrentTest, FollowsTheTzVariable) {
     const char* previous = std::getenv("TZ");
     const std::string saved = previous ? previous : "";

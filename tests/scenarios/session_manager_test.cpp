@@ -122,6 +122,33 @@ TEST_F(SessionManagerTest, SubjectOfOnlyWhiteSpaceIsRefused) {
     EXPECT_TRUE(stored().empty());
 }
 
+TEST_F(SessionManagerTest, SubjectLengthIsCountedInCharactersAfterTrimming) {
+    std::string subject200;
+    for (int i = 0; i < 200; ++i) {
+        subject200 += "é";
+    }
+    struct Case {
+        std::string subject;
+        bool accepted;
+    };
+    for (const Case& c : {Case{subject200, true}, Case{" \n" + subject200 + "\t ", true},
+                          Case{subject200 + "x", false}}) {
+        SCOPED_TRACE(c.subject.size());
+        SessionStartRequest start = request();
+        start.subject = c.subject;
+        const auto started = manager_->start(start);
+        EXPECT_EQ(started.ok(), c.accepted);
+        if (c.accepted) {
+            EXPECT_EQ(manager_->activeSession()->subject, subject200);
+            ASSERT_TRUE(manager_->end().ok());
+        } else {
+            EXPECT_EQ(started.error().message(), "Subject must be 200 characters or fewer.");
+            EXPECT_FALSE(manager_->activeSession());
+        }
+    }
+    EXPECT_EQ(stored().size(), 2u);
+}
+
 TEST_F(SessionManagerTest, SecondStartChangesNothing) {
     ASSERT_TRUE(manager_->start(request()).ok());
     const Uuid first = manager_->activeSession()->id;
