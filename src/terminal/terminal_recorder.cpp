@@ -95,8 +95,8 @@ bool TerminalRecorder::startOrAskSubject() {
     return startSession();
 }
 
-// An empty subject is asked for again; Ctrl-D on an empty line leaves
-// without starting anything, as a shell does.
+// A subject that cannot start a session is asked for again; Ctrl-D on an
+// empty line leaves without starting anything, as a shell does.
 void TerminalRecorder::answerSubject(char key) {
     switch (subjectEditor_.feed(key)) {
         case LineEditor::Outcome::editing:
@@ -113,9 +113,11 @@ void TerminalRecorder::answerSubject(char key) {
     }
     setup_.out << '\n';
     setup_.startRequest.subject = subjectEditor_.text();
-    if (text::trimmed(setup_.startRequest.subject).empty()) {
-        setup_.out << recording::sessionFailureMessage(recording::SessionFailure::subjectMissing)
-                   << '\n';
+    // An empty or overlong subject is asked for again.
+    if (auto refused = recording::SessionManager::checkStartRequest(setup_.startRequest);
+        !refused.ok() && (refused.error() == recording::SessionFailure::subjectMissing ||
+                          refused.error() == recording::SessionFailure::subjectTooLong)) {
+        setup_.out << refused.error().message() << '\n';
         subjectEditor_.clear();
         setup_.out << subjectEditor_.render(kSubjectPrompt) << std::flush;
         return;
