@@ -68,11 +68,6 @@ std::string shownOf(std::size_t shown, std::size_t total) {
                           : fmt::format("{} most recent of {}", shown, total);
 }
 
-std::string padded(std::string_view cell, std::size_t width) {
-    const std::size_t count = text::characterCount(cell);
-    return std::string(cell) + std::string(count >= width ? 0 : width - count, ' ');
-}
-
 void printStarterTable(CliContext& context, std::string_view title,
                        const std::vector<classification::StarterClassificationRow>& rows) {
     std::size_t nameWidth = 0;

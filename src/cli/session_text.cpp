@@ -41,12 +41,6 @@ std::string cellText(std::string_view text, std::size_t limit) {
     return text::prefixCharacters(line, limit - 1) + std::string(kEllipsis);
 }
 
-// Pads to `width` characters (not bytes), so that non-ASCII subjects line up.
-std::string padded(const std::string& cell, std::size_t width) {
-    const std::size_t count = text::characterCount(cell);
-    return count >= width ? cell : cell + std::string(width - count, ' ');
-}
-
 std::optional<double> displayedScore(const recording::StudySession& session) {
     return Tracking::displayableFocusScore(session.focusScore,
                                            session.focusedDuration + session.distractedDuration);
@@ -71,6 +65,11 @@ std::string segmentLabel(const recording::ActivitySegment& segment) {
 }
 
 }  // namespace
+
+std::string padded(std::string_view cell, std::size_t width) {
+    const std::size_t count = text::characterCount(cell);
+    return std::string(cell) + std::string(count >= width ? 0 : width - count, ' ');
+}
 
 std::string countText(std::size_t count, std::string_view singular, std::string_view plural) {
     return fmt::format("{} {}", count, count == 1 ? singular : plural);

@@ -15,6 +15,10 @@
 
 namespace lumenote::cli {
 
+// `cell` padded with spaces to `width` characters (not bytes), so that
+// columns of non-ASCII text line up; a longer cell is kept whole.
+std::string padded(std::string_view cell, std::size_t width);
+
 // "1 session", "2 sessions": the count with the noun in the number it calls for.
 std::string countText(std::size_t count, std::string_view singular, std::string_view plural);
 
