@@ -1,0 +1,302 @@
+#include "bridge/browser_bridge_store.hpp"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <system_error>
+
+#include "bridge/bridge_token.hpp"
+
+namespace lumenote::bridge {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kInboxExtension = ".event";
+constexpr std::string_view kCommandExtension = ".command";
+constexpr std::string_view kReadinessExtension = ".readiness";
+constexpr std::string_view kTemporarySuffix = ".temporary";
+constexpr std::size_t kMaximumTokenFileBytes = 1024;
+
+bool endsWith(std::string_view text, std::string_view suffix) {
+    return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
+}
+
+// The names in `folder` that end in `extension` (never a ".temporary" one),
+// sorted; an unreadable folder has none.
+std::vector<std::string> namesEndingIn(const fs::path& folder, std::string_view extension) {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error)) {
+        std::string name = entry->path().filename().string();
+        if (endsWith(name, extension) && !endsWith(name, kTemporarySuffix)) {
+            names.push_back(std::move(name));
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+Failure<BrowserBridgeWriteError> writeFailure(BrowserBridgeStoreError error) {
+    return fail(BrowserBridgeWriteError(error));
+}
+
+BrowserBridgeStoreError readFailure(PrivateFileError error) {
+    return error == PrivateFileError::tooLarge ? BrowserBridgeStoreError::payloadTooLarge
+                                               : BrowserBridgeStoreError::malformedEnvelope;
+}
+
+}  // namespace
+
+std::string message(BrowserBridgeStoreError error) {
+    switch (error) {
+        case BrowserBridgeStoreError::tokenUnavailable:
+            return "Lumenote is not running or its browser bridge is not ready.";
+        case BrowserBridgeStoreError::payloadTooLarge:
+            return "The browser message exceeds Lumenote's size limit.";
+        case BrowserBridgeStoreError::malformedEnvelope:
+            return "The browser bridge message is malformed.";
+    }
+    return {};
+}
+
+std::string describe(const BrowserBridgeWriteError& error) {
+    if (const auto* bridgeError = std::get_if<BrowserBridgeStoreError>(&error)) {
+        return message(*bridgeError);
+    }
+    return std::string(describe(std::get<PrivateFileError>(error)));
+}
+
+std::string timeOrderedFileName(Date date, const Uuid& id, std::string_view extension) {
+    const double microseconds = std::trunc(date.unixSeconds() * 1'000'000.0);
+    const auto clamped = static_cast<long long>(
+        std::clamp(microseconds, static_cast<double>(std::numeric_limits<long long>::min()),
+                   static_cast<double>(std::numeric_limits<long long>::max() / 2)));
+    char counter[32];
+    std::snprintf(counter, sizeof counter, "%020lld", clamped);
+    return std::string(counter) + "-" + id.upperString() + "." + std::string(extension);
+}
+
+BrowserBridgeStore::BrowserBridgeStore(fs::path rootURL, FileWriteOperations& operations)
+    : rootURL_(std::move(rootURL)), operations_(operations) {}
+
+fs::path BrowserBridgeStore::defaultRoot(const UserPaths& paths,
+                                         const EnvironmentLookup& environment) {
+    if (const char* configured = environment("TALLYWISE_BRIDGE_DIR");
+        configured && *configured != '\0') {
+        return fs::path(configured);
+    }
+    return paths.dataHome / "Tallywise" / "BrowserBridge";
+}
+
+Result<void, BrowserBridgeWriteError> BrowserBridgeStore::write(const fs::path& path,
+                                                                const std::string& contents) {
+    if (auto written = private_file::writeAtomically(path, contents, operations_); !written) {
+        return fail(BrowserBridgeWriteError(written.error()));
+    }
+    return {};
+}
+
+Result<std::string, BrowserBridgeStoreError> BrowserBridgeStore::prepare() {
+    for (const fs::path& folder : {rootURL_, inboxFolder(), commandsFolder(), readinessFolder()}) {
+        if (!private_file::ensureFolder(folder)) {
+            return fail(BrowserBridgeStoreError::tokenUnavailable);
+        }
+    }
+    auto existing = private_file::read(tokenPath(), kMaximumTokenFileBytes);
+    if (existing && isWellFormedBridgeToken(existing.value())) {
+        return std::move(existing).value();
+    }
+    if (!existing && existing.error() != PrivateFileError::missing &&
+        existing.error() != PrivateFileError::tooLarge) {
+        return fail(BrowserBridgeStoreError::tokenUnavailable);
+    }
+    if (existing || existing.error() == PrivateFileError::tooLarge) {
+        if (!private_file::quarantine(tokenPath(),
+                                      Date::fromSystemClock(std::chrono::system_clock::now()))) {
+            return fail(BrowserBridgeStoreError::tokenUnavailable);
+        }
+    }
+    auto token = generateBridgeToken();
+    if (!token || !private_file::writeAtomically(tokenPath(), *token, operations_)) {
+        return fail(BrowserBridgeStoreError::tokenUnavailable);
+    }
+    return std::move(*token);
+}
+
+Result<std::string, BrowserBridgeStoreError> BrowserBridgeStore::readToken() const {
+    auto read = private_file::read(tokenPath(), kMaximumTokenFileBytes);
+    if (!read || !isWellFormedBridgeToken(read.value())) {
+        return fail(BrowserBridgeStoreError::tokenUnavailable);
+    }
+    return std::move(read).value();
+}
+
+Result<void, BrowserBridgeWriteError> BrowserBridgeStore::writeState(
+    const BrowserBridgeState& state) {
+    return write(statePath(), encodeState(state));
+}
+
+Result<void, BrowserBridgeWriteError> BrowserBridgeStore::writePreferences(
+    bool filenameLabelsEnabled) {
+    auto token = readToken();
+    if (!token) {
+        return writeFailure(token.error());
+    }
+    return write(preferencesPath(),
+                 encodePreferences({kBridgeDocumentVersion, token.value(), filenameLabelsEnabled}));
+}
+
+Result<std::string, BrowserBridgeWriteError> BrowserBridgeStore::queueCommand(
+    const BrowserBridgeCommand& command) {
+    auto token = readToken();
+    if (!token) {
+        return writeFailure(token.error());
+    }
+    const std::string encoded =
+        encodeCommandEnvelope({kBridgeDocumentVersion, token.value(), command});
+    if (encoded.size() > kMaximumBridgeDocumentBytes) {
+        return writeFailure(BrowserBridgeStoreError::payloadTooLarge);
+    }
+    std::string name = timeOrderedFileName(command.createdAt, command.id, "command");
+    if (auto written = write(commandsFolder() / name, encoded); !written) {
+        return fail(written.error());
+    }
+    return name;
+}
+
+Result<BrowserBridgeQueuedPayload, BrowserBridgeStoreError> BrowserBridgeStore::readInboxFile(
+    const fs::path& path, const std::string& token) const {
+    auto bytes = private_file::read(path, kMaximumBridgeDocumentBytes);
+    if (!bytes) {
+        return fail(readFailure(bytes.error()));
+    }
+    auto envelope = decodeEnvelope(bytes.value());
+    if (!envelope || envelope->version != kBridgeDocumentVersion ||
+        !bridgeTokensMatch(token, envelope->token)) {
+        return fail(BrowserBridgeStoreError::malformedEnvelope);
+    }
+    return BrowserBridgeQueuedPayload{std::move(envelope->eventData), envelope->receivedAt,
+                                      envelope->sessionIdentifier};
+}
+
+BrowserBridgeInboxDrain BrowserBridgeStore::drainInbox(std::size_t maximumFiles) {
+    BrowserBridgeInboxDrain drain;
+    const std::vector<std::string> names = namesEndingIn(inboxFolder(), kInboxExtension);
+    const std::size_t handled = std::min(names.size(), maximumFiles);
+    drain.moreWaiting = names.size() > handled;
+    const auto token = readToken();
+    for (std::size_t i = 0; i < handled; ++i) {
+        const fs::path path = inboxFolder() / names[i];
+        if (!token) {
+            drain.rejected.push_back({names[i], BrowserBridgeStoreError::tokenUnavailable});
+        } else if (auto payload = readInboxFile(path, token.value())) {
+            drain.accepted.push_back(std::move(payload).value());
+        } else {
+            drain.rejected.push_back({names[i], payload.error()});
+        }
+        std::error_code ignored;
+        fs::remove(path, ignored);
+    }
+    return drain;
+}
+
+std::vector<BrowserBridgeReadiness> BrowserBridgeStore::readReadiness() const {
+    std::vector<BrowserBridgeReadiness> found;
+    const auto token = readToken();
+    if (!token) {
+        return found;
+    }
+    for (const std::string& name : namesEndingIn(readinessFolder(), kReadinessExtension)) {
+        auto bytes = private_file::read(readinessFolder() / name, kMaximumBridgeDocumentBytes);
+        if (!bytes) {
+            continue;
+        }
+        auto envelope = decodeReadinessEnvelope(bytes.value());
+        if (envelope && bridgeTokensMatch(token.value(), envelope->token)) {
+            found.push_back(std::move(envelope->readiness));
+        }
+    }
+    return found;
+}
+
+std::optional<BrowserBridgeState> BrowserBridgeStore::readState() const {
+    auto bytes = private_file::read(statePath(), kMaximumBridgeDocumentBytes);
+    if (!bytes) {
+        return std::nullopt;
+    }
+    auto state = decodeState(bytes.value());
+    return state ? std::optional(std::move(state).value()) : std::nullopt;
+}
+
+std::optional<BrowserBridgePreferencesEnvelope> BrowserBridgeStore::readPreferences() const {
+    const auto token = readToken();
+    auto bytes = private_file::read(preferencesPath(), kMaximumBridgeDocumentBytes);
+    if (!token || !bytes) {
+        return std::nullopt;
+    }
+    auto preferences = decodePreferences(bytes.value());
+    if (!preferences || !bridgeTokensMatch(token.value(), preferences->token)) {
+        return std::nullopt;
+    }
+    return std::move(preferences).value();
+}
+
+Result<std::string, BrowserBridgeWriteError> BrowserBridgeStore::writeInboxEnvelope(
+    const BrowserBridgeEnvelope& envelope) {
+    const std::string encoded = encodeEnvelope(envelope);
+    if (encoded.size() > kMaximumBridgeDocumentBytes) {
+        return writeFailure(BrowserBridgeStoreError::payloadTooLarge);
+    }
+    std::string name = timeOrderedFileName(envelope.receivedAt, Uuid::generate(), "event");
+    if (auto written = write(inboxFolder() / name, encoded); !written) {
+        return fail(written.error());
+    }
+    return name;
+}
+
+Result<void, BrowserBridgeWriteError> BrowserBridgeStore::writeReadiness(
+    const BrowserBridgeReadiness& readiness) {
+    auto token = readToken();
+    if (!token) {
+        return writeFailure(token.error());
+    }
+    const std::string name = readiness.browserBundleIdentifier + std::string(kReadinessExtension);
+    if (name.find('/') != std::string::npos || name.front() == '.') {
+        return writeFailure(BrowserBridgeStoreError::malformedEnvelope);
+    }
+    return write(readinessFolder() / name,
+                 encodeReadinessEnvelope({kBridgeDocumentVersion, token.value(), readiness}));
+}
+
+std::vector<std::string> BrowserBridgeStore::queuedCommandNames() const {
+    return namesEndingIn(commandsFolder(), kCommandExtension);
+}
+
+Result<BrowserBridgeCommand, BrowserBridgeStoreError> BrowserBridgeStore::readCommand(
+    const std::string& fileName) const {
+    const auto token = readToken();
+    if (!token) {
+        return fail(token.error());
+    }
+    auto bytes = private_file::read(commandsFolder() / fileName, kMaximumBridgeDocumentBytes);
+    if (!bytes) {
+        return fail(readFailure(bytes.error()));
+    }
+    auto envelope = decodeCommandEnvelope(bytes.value());
+    if (!envelope || !bridgeTokensMatch(token.value(), envelope->token)) {
+        return fail(BrowserBridgeStoreError::malformedEnvelope);
+    }
+    return std::move(envelope->command);
+}
+
+void BrowserBridgeStore::removeCommand(const std::string& fileName) const {
+    std::error_code ignored;
+    fs::remove(commandsFolder() / fileName, ignored);
+}
+
+}  // namespace lumenote::bridge
