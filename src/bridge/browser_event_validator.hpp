@@ -89,7 +89,8 @@ struct BrowserEventLimits {
 
 class BrowserEventValidator {
   public:
-    explicit BrowserEventValidator(BrowserEventLimits limits = {}) : limits_(limits) {}
+    BrowserEventValidator() = default;
+    explicit BrowserEventValidator(BrowserEventLimits limits) : limits_(limits) {}
 
     const BrowserEventLimits& limits() const { return limits_; }
 

@@ -56,10 +56,11 @@ struct BrowserResolution {
 class BrowserTrackingCoordinator {
   public:
     virtual ~BrowserTrackingCoordinator() = default;
-    // The resolution for `frontmostBundleIdentifier` at `now`; nullopt when it
-    // is not a supported browser (the frontmost application is then recorded).
+    // The resolution for `frontmostBundleIdentifier` at `now`, with the
+    // seconds since the user's last input; nullopt when it is not a supported
+    // browser or browsers are not tracked (the application is then recorded).
     virtual std::optional<BrowserResolution> resolution(
-        const std::string& frontmostBundleIdentifier, Date now) = 0;
+        const std::string& frontmostBundleIdentifier, Date now, double idleSeconds) = 0;
     virtual void setRunningSession(const std::optional<Uuid>& sessionID) = 0;
     virtual void setFrontmostBundleIdentifier(const std::string& bundleIdentifier) = 0;
 };
@@ -67,7 +68,7 @@ class BrowserTrackingCoordinator {
 // Used when no browser bridge is present: every application is recorded as itself.
 class NoBrowserTracking final : public BrowserTrackingCoordinator {
   public:
-    std::optional<BrowserResolution> resolution(const std::string&, Date) override {
+    std::optional<BrowserResolution> resolution(const std::string&, Date, double) override {
         return std::nullopt;
     }
     void setRunningSession(const std::optional<Uuid>&) override {}

@@ -24,9 +24,9 @@ ActivityState SessionManager::sampleState(const std::optional<FrontmostApplicati
     state.isInactive = idleSeconds >= preferences_.inactivityThreshold();
 
     const bool ownApplication = state.bundleIdentifier == rules_.lookup().ownBundleIdentifier();
-    const auto browser =
-        ownApplication ? std::nullopt
-                       : browserTrackingCoordinator_.resolution(state.bundleIdentifier, wallNow);
+    const auto browser = ownApplication ? std::nullopt
+                                        : browserTrackingCoordinator_.resolution(
+                                              state.bundleIdentifier, wallNow, idleSeconds);
     if (!browser) {
         state.classification = rules_.lookup().applicationClassification(state.bundleIdentifier,
                                                                          state.applicationName);

@@ -9,6 +9,7 @@
 #include <optional>
 #include <vector>
 
+#include "bridge/supported_browser.hpp"
 #include "recording/session_manager.hpp"
 #include "scenario/json_expectation.hpp"
 #include "scenario/scenario_machine.hpp"
@@ -182,6 +183,94 @@ ActionResult showInBrowser(const ActionCall& call) {
     }
     call.machine.platform().browser.resolutions[resolution.browserBundleIdentifier] = resolution;
     call.recorder().applicationActivated();
+    return {};
+}
+
+// The document of a "browserEvent" step: the script's event with the fields
+// it leaves out filled in (a fresh id, the simulated now as its timestamp,
+// the browser's own name, not private, a website).
+json browserEventDocument(const ActionCall& call, const json& given) {
+    json event = given;
+    const auto fill = [&event](const char* key, json value) {
+        if (!event.contains(key)) {
+            event[key] = std::move(value);
+        }
+    };
+    fill("id", Uuid::generate().upperString());
+    fill("timestamp",
+         formatIso8601(call.machine.platform().clock.wallNow(), {.fractionalSeconds = true}));
+    const auto browser = bridge::supportedBrowser(stringArgument(event, "browserBundleIdentifier"));
+    fill("browserDisplayName", browser ? std::string(bridge::displayName(*browser)) : "Browser");
+    fill("isPrivate", false);
+    fill("resourceType", "website");
+    return event;
+}
+
+// The extension reports a browser event: it travels as the host would carry
+// it, into the bridge inbox with the token and the session "state.json"
+// names, stamped with the simulated now. As the host, nothing is written
+// while no session runs. "raw" sends its text as the event's bytes instead
+// of "event"; "session" claims another session; "timestampAt" dates the
+// event at that moment of the script. The recorder then samples
+// at once, as the runtime does when the inbox changes.
+ActionResult sendBrowserEvent(const ActionCall& call) {
+    const json& args = call.arguments();
+    bridge::BrowserBridgeStore& store = call.machine.bridgeStore();
+    const auto token = store.readToken();
+    if (!token) {
+        return fail(std::string("the bridge directory has no token"));
+    }
+    const auto state = store.readState();
+    const auto claimed = Uuid::parse(stringArgument(args, "session"));
+    const std::optional<Uuid> session = claimed ? claimed
+                                        : state ? state->sessionIdentifier
+                                                : std::nullopt;
+    if (!session) {
+        return {};
+    }
+    std::string bytes = stringArgument(args, "raw");
+    if (!args.contains("raw")) {
+        const auto event = args.find("event");
+        if (event == args.end() || !event->is_object()) {
+            return fail(std::string("browserEvent needs an \"event\" object or \"raw\" text"));
+        }
+        json document = browserEventDocument(call, *event);
+        if (const auto at = dateArgument(call, "timestampAt")) {
+            document["timestamp"] = formatIso8601(*at, {.fractionalSeconds = true});
+        }
+        bytes = document.dump();
+    }
+    const bridge::BrowserBridgeEnvelope envelope{bridge::kBridgeDocumentVersion, token.value(),
+                                                 *session, call.machine.platform().clock.wallNow(),
+                                                 std::move(bytes)};
+    if (auto written = store.writeInboxEnvelope(envelope); !written) {
+        return fail(bridge::describe(written.error()));
+    }
+    if (recording::SessionManager* recorder = call.machine.recorder()) {
+        recorder->applicationActivated();
+    }
+    return {};
+}
+
+// The newest browser event the recorder handled: "accepted" and, for a
+// refused one, the "reason" it gave.
+ActionResult expectBrowserEvent(const ActionCall& call) {
+    const json& args = call.arguments();
+    const bridge::BridgeTrackingCoordinator* coordinator = call.machine.bridgeCoordinator();
+    if (!coordinator || coordinator->eventLog().empty()) {
+        call.expectationFailed("no browser event was handled");
+        return {};
+    }
+    const bridge::BrowserEventLogEntry& last = coordinator->eventLog().back();
+    if (const auto accepted = args.find("accepted");
+        accepted != args.end() && *accepted != last.accepted) {
+        call.expectationFailed(fmt::format("the last browser event was {}accepted ({})",
+                                           last.accepted ? "" : "not ", last.reason));
+    }
+    if (const auto reason = args.find("reason"); reason != args.end() && *reason != last.reason) {
+        call.expectationFailed(fmt::format("the last browser event's reason was \"{}\", not {}",
+                                           last.reason, reason->dump()));
+    }
     return {};
 }
 
@@ -512,6 +601,7 @@ constexpr std::array kActions{
     ScenarioAction{"frontmost", kWithoutRecorder, bringToFront},
     ScenarioAction{"nothingInFront", kWithoutRecorder, clearFront},
     ScenarioAction{"browser", kNeedsRecorder, showInBrowser},
+    ScenarioAction{"browserEvent", kWithoutRecorder, sendBrowserEvent},
     ScenarioAction{"noInput", kWithoutRecorder, stopInput},
     ScenarioAction{"input", kWithoutRecorder, resumeInput},
     ScenarioAction{"wallClockJump", kWithoutRecorder, jumpWallClock},
@@ -546,6 +636,7 @@ constexpr std::array kActions{
     ScenarioAction{"expectNotification", kWithoutRecorder, expectNotification},
     ScenarioAction{"expectError", kNeedsRecorder, expectError},
     ScenarioAction{"expectPrompt", kNeedsRecorder, expectPrompt},
+    ScenarioAction{"expectBrowserEvent", kWithoutRecorder, expectBrowserEvent},
 };
 
 }  // namespace

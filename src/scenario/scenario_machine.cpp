@@ -1,5 +1,7 @@
 #include "scenario/scenario_machine.hpp"
 
+#include <unistd.h>
+
 #include "recording/session_json.hpp"
 
 namespace lumenote::scenario {
@@ -12,7 +14,9 @@ ScenarioMachine::ScenarioMachine(const UserPaths& paths, Date wallStart,
               [this] { return machine_.clock.wallNow(); }),
       preferences_(domain_),
       recordingPreferences_(preferences_),
-      checkpointStore_(paths.applicationData(), machine_.clock.wall()) {
+      checkpointStore_(paths.applicationData(), machine_.clock.wall()),
+      bridgeStore_(bridge::BrowserBridgeStore::defaultRoot(
+          paths, [](const char*) -> const char* { return nullptr; })) {
     launch();
 }
 
@@ -22,6 +26,7 @@ void ScenarioMachine::advanceTo(double scriptSeconds) {
         elapsed_ += 1.0;
         if (manager_) {
             manager_->tick();
+            bridgeCoordinator_->tick();
         }
     }
     if (scriptSeconds > elapsed_) {
@@ -32,6 +37,13 @@ void ScenarioMachine::advanceTo(double scriptSeconds) {
 
 void ScenarioMachine::launch() {
     rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
+    // A bridge that cannot be prepared leaves browsers recorded as applications.
+    bridgeCoordinator_ = std::make_unique<bridge::BridgeTrackingCoordinator>(
+        bridgeStore_, machine_.clock.wall(), static_cast<std::int32_t>(::getpid()));
+    (void)bridgeCoordinator_->start();
+    browserTracking_ =
+        std::make_unique<ScriptedBrowserTracking>(machine_.browser, *bridgeCoordinator_);
+    machine_.browserTracking = browserTracking_.get();
     // Saves go through the store unless a "failSaves" step made them fail.
     const recording::StoreSaveOperation save = [this](const recording::StoreChangeSet& changes) {
         if (failingSaves_) {
@@ -47,6 +59,22 @@ void ScenarioMachine::launch() {
     manager_->startUp();
     manager_->problems().add(
         [this](const recording::SessionError& problem) { frontError_ = problem.message(); });
+    browserSettings_ = std::make_unique<bridge::BrowserSettingsBinding>(*bridgeCoordinator_,
+                                                                        preferences_, *rules_);
+}
+
+void ScenarioMachine::crash() {
+    dropProcess();
+}
+
+// What a process holds goes, newest first: the recorder, then the browser
+// tracking it sampled through.
+void ScenarioMachine::dropProcess() {
+    manager_.reset();
+    browserSettings_.reset();
+    machine_.browserTracking = nullptr;
+    browserTracking_.reset();
+    bridgeCoordinator_.reset();
 }
 
 std::optional<std::string> ScenarioMachine::takeShownError() {
@@ -57,7 +85,7 @@ std::optional<std::string> ScenarioMachine::takeShownError() {
 
 void ScenarioMachine::relaunch() {
     // The old recorder goes before the new one starts, as a restarted process would.
-    manager_.reset();
+    dropProcess();
     launch();
 }
 

@@ -6,12 +6,15 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "bridge/bridge_tracking_coordinator.hpp"
+#include "bridge/browser_settings_binding.hpp"
 #include "foundation/dates.hpp"
 #include "foundation/user_paths.hpp"
 #include "foundation/uuid.hpp"
 #include "platform/fake/fake_platform.hpp"
 #include "recording/session_checkpoint_store.hpp"
 #include "recording/session_manager.hpp"
+#include "scenario/scripted_browser_tracking.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
@@ -38,9 +41,9 @@ class ScenarioMachine {
 
     // The recorder; null between crash() and relaunch().
     recording::SessionManager* recorder() { return manager_.get(); }
-    // The process is gone: nothing is finalised; only the store and the
-    // checkpoint file remain.
-    void crash() { manager_.reset(); }
+    // The process is gone: nothing is finalised; only the store, the
+    // checkpoint file and the bridge directory remain.
+    void crash();
     // Drops any running recorder (as crash() does), then starts a new one
     // over the same store, preferences and checkpoint file, with the error its
     // start-up may have left cleared.
@@ -67,6 +70,10 @@ class ScenarioMachine {
     void setFailingSaves(bool failing) { failingSaves_ = failing; }
 
     platform::fake::FakeMachine& platform() { return machine_; }
+    // The bridge directory the recorder reads browser events from, in the
+    // scenario's data folder; its coordinator is null after a crash.
+    bridge::BrowserBridgeStore& bridgeStore() { return bridgeStore_; }
+    bridge::BridgeTrackingCoordinator* bridgeCoordinator() { return bridgeCoordinator_.get(); }
     settings::PreferencesStore& preferences() { return preferences_; }
     recording::RecordingStore& store() { return *store_; }
 
@@ -86,6 +93,7 @@ class ScenarioMachine {
 
   private:
     void launch();
+    void dropProcess();
 
     platform::fake::FakeMachine machine_;
     std::unique_ptr<recording::RecordingStore> store_;
@@ -95,6 +103,10 @@ class ScenarioMachine {
     recording::FileSessionCheckpointStore checkpointStore_;
     std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<recording::SessionHistory> history_;
+    bridge::BrowserBridgeStore bridgeStore_;
+    std::unique_ptr<bridge::BridgeTrackingCoordinator> bridgeCoordinator_;
+    std::unique_ptr<ScriptedBrowserTracking> browserTracking_;
+    std::unique_ptr<bridge::BrowserSettingsBinding> browserSettings_;
     // Declared last so that it goes first: it writes through everything above.
     std::unique_ptr<recording::SessionManager> manager_;
     std::optional<std::string> frontError_;

@@ -95,8 +95,8 @@ class FakeNotifications final : public recording::NotificationService {
 // A browser whose resolution per bundle identifier is set by the test.
 class FakeBrowser final : public recording::BrowserTrackingCoordinator {
   public:
-    std::optional<recording::BrowserResolution> resolution(const std::string& bundle,
-                                                           Date) override {
+    std::optional<recording::BrowserResolution> resolution(const std::string& bundle, Date,
+                                                           double) override {
         const auto found = resolutions.find(bundle);
         return found == resolutions.end()
                    ? std::nullopt
@@ -126,7 +126,7 @@ struct FakeMachine {
         recording::SessionHistory& history, recording::StoreSaveOperation save = {}) {
         return recording::SessionManagerDependencies{
             store,        preferences, idle,          clock.monotonic(),
-            clock.wall(), frontmost,   notifications, browser,
+            clock.wall(), frontmost,   notifications, browserTracking ? *browserTracking : browser,
             checkpoints,  rules,       history,       std::move(save)};
     }
     // The history over `store` on this machine's clocks.
@@ -149,6 +149,8 @@ struct FakeMachine {
     FakeFrontmost frontmost;
     FakeNotifications notifications;
     FakeBrowser browser;
+    // When set, the recorder's browser tracking instead of `browser`.
+    recording::BrowserTrackingCoordinator* browserTracking = nullptr;
 };
 
 }  // namespace lumenote::platform::fake
