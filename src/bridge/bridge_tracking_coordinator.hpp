@@ -38,6 +38,8 @@ class BridgeTrackingCoordinator final : public recording::BrowserTrackingCoordin
     // cannot be made: browsers are then recorded as plain applications.
     Result<void, BrowserBridgeStoreError> start();
     bool ready() const { return ready_; }
+    // The folder the host drops events into, for a front end to watch.
+    std::filesystem::path inboxFolder() const { return store_.inboxFolder(); }
 
     // ---- recording::BrowserTrackingCoordinator ----
     std::optional<recording::BrowserResolution> resolution(

@@ -27,6 +27,9 @@ void installRulesCommands(CLI::App& app, CliContext& context);
 // `record`, and pause, resume, end, away, back and status for a running recorder.
 void installRecordCommands(CLI::App& app, CliContext& context);
 
+// `browser events`: the browser events the running recorder handled lately.
+void installBrowserCommands(CLI::App& app, CliContext& context);
+
 // `help [COMMAND...]`: the same help as `COMMAND... --help`.
 void installHelpCommand(CLI::App& app, CliContext& context);
 

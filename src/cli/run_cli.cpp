@@ -20,7 +20,7 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installRecoveryCommands, installHelpCommand}) {
+                         installRecoveryCommands, installBrowserCommands, installHelpCommand}) {
         install(app, context);
     }
 

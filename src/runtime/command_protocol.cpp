@@ -9,12 +9,13 @@ namespace lumenote::runtime {
 
 namespace {
 
-constexpr std::array<std::pair<RecorderCommand, std::string_view>, 5> kMethods{{
+constexpr std::array<std::pair<RecorderCommand, std::string_view>, 6> kMethods{{
     {RecorderCommand::togglePause, "TogglePause"},
     {RecorderCommand::endSession, "EndSession"},
     {RecorderCommand::startPassiveStudy, "StartPassiveStudy"},
     {RecorderCommand::returnToComputerStudy, "ReturnToComputerStudy"},
     {RecorderCommand::status, "Status"},
+    {RecorderCommand::browserEvents, "BrowserEvents"},
 }};
 
 constexpr std::string_view kIdleState = "idle";

@@ -24,7 +24,8 @@ enum class RecorderCommand {
     endSession,
     startPassiveStudy,
     returnToComputerStudy,
-    status
+    status,
+    browserEvents  // answered with the browser event log, not the status
 };
 
 // The D-Bus method of each command ("TogglePause", "Status", ...).

@@ -22,6 +22,7 @@ class CommandServiceObject : public QObject, protected QDBusContext {
     QString StartPassiveStudy() { return answer(handler_.startPassiveStudy()); }
     QString ReturnToComputerStudy() { return answer(handler_.returnToComputerStudy()); }
     QString Status() { return currentStatus(); }
+    QString BrowserEvents() { return QString::fromStdString(handler_.browserEvents()); }
 
   private:
     QString answer(const Result<void, std::string>& outcome) {

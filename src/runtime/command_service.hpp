@@ -29,14 +29,18 @@ class RecorderCommandHandler {
     virtual Result<void, std::string> startPassiveStudy() = 0;
     virtual Result<void, std::string> returnToComputerStudy() = 0;
     virtual RecorderStatus status() = 0;
+    // The browser events handled lately, as bridge/browser_event_log.hpp's
+    // JSON document.
+    virtual std::string browserEvents() = 0;
 };
 
 enum class CommandServiceFailure { noSessionBus, nameTaken, objectNotExported };
 std::string commandServiceFailureMessage(CommandServiceFailure failure);
 
 // Exports kCommandServicePath with the methods TogglePause, EndSession,
-// StartPassiveStudy, ReturnToComputerStudy and Status. Each returns the status
-// document (command_protocol.hpp) after the command; a refused command replies
+// StartPassiveStudy, ReturnToComputerStudy and Status, which return the status
+// document (command_protocol.hpp) after the command, and BrowserEvents, which
+// returns the browser event log; a refused command replies
 // with the kCommandRefusedError error carrying the handler's sentence.
 //
 // The name is requested without queueing and without allowing replacement,

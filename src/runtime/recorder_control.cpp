@@ -1,9 +1,10 @@
 // The client side of the recorder's bus service, for `lumenote-cli pause`,
-// `resume`, `end`, `away`, `back` and `status`.
+// `resume`, `end`, `away`, `back`, `status` and `browser events`.
 #include "runtime/recorder_control.hpp"
 
 #include <fmt/format.h>
 
+#include "bridge/browser_event_log.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_figures.hpp"
 #include "runtime/command_client.hpp"
@@ -98,6 +99,18 @@ Result<std::string, std::string> controlRecorder(RecorderControl control) {
         return fail(commandClientErrorMessage(answer.error()));
     }
     return done;
+}
+
+Result<std::vector<bridge::BrowserEventLogEntry>, std::string> recorderBrowserEvents() {
+    auto answer = callRecorderCommand(RecorderCommand::browserEvents);
+    if (!answer.ok()) {
+        return fail(commandClientErrorMessage(answer.error()));
+    }
+    auto parsed = bridge::parseBrowserEventLog(*answer);
+    if (!parsed.ok()) {
+        return fail(std::string("The recorder's answer about browser events could not be read."));
+    }
+    return std::move(parsed).value();
 }
 
 }  // namespace lumenote::runtime

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "bridge/browser_event_receiver.hpp"
 #include "foundation/result.hpp"
 
 namespace lumenote::runtime {
@@ -16,5 +18,9 @@ enum class RecorderControl { pause, resume, end, away, back, status };
 // confirmation otherwise. Fails with the sentence to show, including when
 // nothing is recording.
 Result<std::string, std::string> controlRecorder(RecorderControl control);
+
+// The browser events the running recorder handled lately, oldest first.
+// Fails with the sentence to show, including when nothing is recording.
+Result<std::vector<bridge::BrowserEventLogEntry>, std::string> recorderBrowserEvents();
 
 }  // namespace lumenote::runtime

@@ -5,10 +5,19 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 
+#include "bridge/browser_event_log.hpp"
 #include "platform/linux/signal_bridge.hpp"
 #include "platform/linux/system_event_source.hpp"
 
 namespace lumenote::runtime {
+
+namespace {
+
+// How soon a backlog of browser events is drained again: a flood is worked
+// off in bounded batches a few times a second without delaying a tick.
+constexpr int kBacklogDrainIntervalMilliseconds = 50;
+
+}  // namespace
 
 RecorderRuntime::RecorderRuntime(RecorderServices& services, RecorderFrontEnd& frontEnd)
     : services_(services), frontEnd_(frontEnd) {
@@ -23,6 +32,15 @@ RecorderRuntime::RecorderRuntime(RecorderServices& services, RecorderFrontEnd& f
     }
     problemsObservation_ =
         manager().problems().add([this](const recording::SessionError& problem) { show(problem); });
+    browserDrain_.setSingleShot(true);
+    browserDrain_.setInterval(kBacklogDrainIntervalMilliseconds);
+    connect(&browserDrain_, &QTimer::timeout, this, &RecorderRuntime::drainBrowserEvents);
+    if (services_.browserTracking().ready()) {
+        inboxWatcher_.addPath(
+            QString::fromStdString(services_.browserTracking().inboxFolder().string()));
+        connect(&inboxWatcher_, &QFileSystemWatcher::directoryChanged, this,
+                &RecorderRuntime::onBrowserEventArrived);
+    }
 }
 
 RecorderRuntime::~RecorderRuntime() {
@@ -175,6 +193,10 @@ Result<void, std::string> RecorderRuntime::CommandAnswers::returnToComputerStudy
     return sentence(runtime_.returnToComputerStudy());
 }
 
+std::string RecorderRuntime::CommandAnswers::browserEvents() {
+    return bridge::browserEventLogJson(runtime_.services().browserTracking().eventLog());
+}
+
 RecorderStatus RecorderRuntime::status() {
     recording::SessionManager& recorder = manager();
     RecorderStatus status;
@@ -220,6 +242,7 @@ void RecorderRuntime::onTick() {
         return;
     }
     manager().tick();
+    drainBrowserEvents();
     // Xlib may have read activation events off the socket during the tick's
     // own calls, where the socket notifier cannot see them.
     if (services_.takeActivation()) {
@@ -228,6 +251,21 @@ void RecorderRuntime::onTick() {
     followSession();
     if (!stopped_) {
         frontEnd_.refresh();
+    }
+}
+
+void RecorderRuntime::drainBrowserEvents() {
+    if (!stopped_ && services_.browserTracking().tick()) {
+        browserDrain_.start();
+    }
+}
+
+// The host dropped an event: sampling now lets a website stretch begin when
+// the page changed rather than at the next tick. The session manager drains
+// the inbox itself when it asks the coordinator for the frontmost browser.
+void RecorderRuntime::onBrowserEventArrived() {
+    if (!stopped_ && !browserDrain_.isActive()) {
+        manager().applicationActivated();
     }
 }
 

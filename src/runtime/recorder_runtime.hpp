@@ -7,6 +7,7 @@
 // the manager meets on its own goes through it to the front end.
 #pragma once
 
+#include <QFileSystemWatcher>
 #include <QObject>
 #include <QSocketNotifier>
 #include <QTimer>
@@ -85,6 +86,7 @@ class RecorderRuntime final : public QObject {
         Result<void, std::string> startPassiveStudy() override;
         Result<void, std::string> returnToComputerStudy() override;
         RecorderStatus status() override { return runtime_.status(); }
+        std::string browserEvents() override;
 
       private:
         RecorderRuntime& runtime_;
@@ -92,6 +94,10 @@ class RecorderRuntime final : public QObject {
 
     void onTick();
     void onActivation();
+    // Browser events: drained on every tick, again after a short pause while
+    // a backlog remains, and sampled at once when the host drops one.
+    void drainBrowserEvents();
+    void onBrowserEventArrived();
     // Keeps and shows the failure of `outcome`, then returns it.
     Result<void, recording::SessionError> shown(Result<void, recording::SessionError> outcome);
     void show(const recording::SessionError& error);
@@ -103,6 +109,8 @@ class RecorderRuntime final : public QObject {
     ObserverList<recording::SessionError>::Token problemsObservation_ = 0;
     QTimer ticker_;
     std::unique_ptr<QSocketNotifier> activationNotifier_;
+    QTimer browserDrain_;
+    QFileSystemWatcher inboxWatcher_;
     std::unique_ptr<platform::linux_desktop::LinuxSystemEventSource> systemEvents_;
     std::unique_ptr<platform::linux_desktop::SignalBridge> signalBridge_;
     CommandAnswers commandAnswers_{*this};

@@ -1,9 +1,12 @@
 #include "runtime/recorder_services.hpp"
 
+#include <unistd.h>
+
 #include <QDBusConnection>
 #include <cstdlib>
 #include <optional>
 
+#include "bridge/browser_settings_binding.hpp"
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
@@ -15,6 +18,14 @@
 #include "store/store_files.hpp"
 
 namespace lumenote::runtime {
+
+namespace {
+
+const char* environmentValue(const char* name) {
+    return std::getenv(name);
+}
+
+}  // namespace
 
 // Declared in the order they are built: each member refers only to those
 // above it, and they are destroyed in reverse.
@@ -29,6 +40,8 @@ struct RecorderServices::Parts {
           preferences(defaults),
           recordingPreferences(preferences),
           checkpoints(paths.applicationData(), wallClock),
+          bridgeStore(bridge::BrowserBridgeStore::defaultRoot(paths, environmentValue)),
+          browser(bridgeStore, wallClock, static_cast<std::int32_t>(::getpid())),
           notifications(QDBusConnection::sessionBus()) {}
 
     UserPaths paths;
@@ -40,7 +53,8 @@ struct RecorderServices::Parts {
     settings::PreferencesStore preferences;
     settings::PreferencesForRecording recordingPreferences;
     recording::FileSessionCheckpointStore checkpoints;
-    recording::NoBrowserTracking browser;
+    bridge::BrowserBridgeStore bridgeStore;
+    bridge::BridgeTrackingCoordinator browser;
     platform::linux_desktop::FreedesktopNotificationService notifications;
     platform::system::HeadlessPlatform headless;
     std::unique_ptr<platform::linux_desktop::X11FrontmostApplicationSource> x11;
@@ -48,15 +62,8 @@ struct RecorderServices::Parts {
     std::optional<classification::ClassificationRules> rules;
     std::optional<recording::SessionHistory> history;
     std::optional<recording::SessionManager> manager;
+    std::optional<bridge::BrowserSettingsBinding> browserSettings;
 };
-
-namespace {
-
-const char* environmentValue(const char* name) {
-    return std::getenv(name);
-}
-
-}  // namespace
 
 Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
     const UserPaths& paths, std::vector<std::string>& warnings) {
@@ -88,6 +95,12 @@ Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
                            "front or when you last gave input.");
     }
 
+    // Without a bridge directory browsers are recorded as plain applications.
+    if (auto started = parts->browser.start(); !started) {
+        warnings.push_back("Websites and PDFs in the browser cannot be recorded: " +
+                           bridge::message(started.error()));
+    }
+
     Parts& p = *parts;
     p.rules.emplace(
         *p.store, [&p] { return p.wallClock.now(); }, recording::kOwnBundleIdentifier);
@@ -102,6 +115,7 @@ Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
         });
     p.manager->startUp();
     p.manager->problems().remove(told);
+    p.browserSettings.emplace(p.browser, p.preferences, *p.rules);
     return std::unique_ptr<RecorderServices>(new RecorderServices(std::move(parts)));
 }
 
@@ -119,6 +133,10 @@ recording::SessionHistory& RecorderServices::history() {
 
 classification::ClassificationRules& RecorderServices::rules() {
     return *parts_->rules;
+}
+
+bridge::BridgeTrackingCoordinator& RecorderServices::browserTracking() {
+    return parts_->browser;
 }
 
 settings::PreferencesStore& RecorderServices::preferences() {

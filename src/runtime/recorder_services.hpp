@@ -1,7 +1,8 @@
 // RecorderServices: everything a recording process needs, wired once at
 // start-up and kept for the process's life: the store and the recorder lock,
 // the preferences, the desktop's services (X11 when there is a display), the
-// classification rules, the history and the session manager. Every front end
+// browser bridge, the classification rules, the history and the session
+// manager. Every front end
 // (the terminal, the desktop application) opens one and hands it to the
 // recorder runtime.
 #pragma once
@@ -11,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "bridge/bridge_tracking_coordinator.hpp"
 #include "classification/classification_rules.hpp"
 #include "foundation/result.hpp"
 #include "foundation/user_paths.hpp"
@@ -37,6 +39,7 @@ class RecorderServices {
     recording::SessionManager& manager();
     recording::SessionHistory& history();
     classification::ClassificationRules& rules();
+    bridge::BridgeTrackingCoordinator& browserTracking();
     settings::PreferencesStore& preferences();
     const UserPaths& paths() const;
 

@@ -61,6 +61,7 @@ class StubRecorder final : public lumenote::runtime::RecorderCommandHandler {
         away_ = false;
         return {};
     }
+    std::string browserEvents() override { return R"({"events":[]})"; }
     lumenote::runtime::RecorderStatus status() override {
         lumenote::runtime::RecorderStatus status;
         status.sessionActive = active_;
