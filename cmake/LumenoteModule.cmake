@@ -15,17 +15,19 @@ endfunction()
 
 # lumenote_record_module(FOLDER dependency...) writes the folder's declared
 # dependencies (the lumenote_ targets among them, by folder name) into the
-# module graph that the architecture test checks the includes against.
+# module graph that the architecture test checks the includes against. A
+# target of a nested folder joins the folders with "_" (lumenote_platform_linux
+# for src/platform/linux).
 function(lumenote_record_module folder)
   set(modules "")
   foreach(dependency IN LISTS ARGN)
     if(dependency MATCHES "^lumenote_(.+)$")
-      string(REPLACE "platform_" "platform/" module "${CMAKE_MATCH_1}")
+      string(REPLACE "_" "/" module "${CMAKE_MATCH_1}")
       list(APPEND modules ${module})
     endif()
   endforeach()
   list(JOIN modules "," joined)
-  string(REPLACE "platform_" "platform/" folder "${folder}")
+  string(REPLACE "_" "/" folder "${folder}")
   set_property(GLOBAL APPEND PROPERTY LUMENOTE_MODULE_GRAPH "${folder}:${joined}")
 endfunction()
 

@@ -120,6 +120,10 @@ std::string encodeCommandEnvelope(const BrowserBridgeCommandEnvelope& envelope) 
     return dumped(json);
 }
 
+std::string encodeCommand(const BrowserBridgeCommand& command) {
+    return dumped(commandJson(command));
+}
+
 std::string encodeReadinessEnvelope(const BrowserBridgeReadinessEnvelope& envelope) {
     Json json;
     json["version"] = envelope.version;

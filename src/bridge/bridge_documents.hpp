@@ -96,6 +96,8 @@ struct BrowserBridgeEnvelope {
 std::string encodeState(const BrowserBridgeState& state);
 std::string encodePreferences(const BrowserBridgePreferencesEnvelope& preferences);
 std::string encodeCommandEnvelope(const BrowserBridgeCommandEnvelope& envelope);
+// One command on its own, as the host hands it to the extension.
+std::string encodeCommand(const BrowserBridgeCommand& command);
 std::string encodeReadinessEnvelope(const BrowserBridgeReadinessEnvelope& envelope);
 std::string encodeEnvelope(const BrowserBridgeEnvelope& envelope);
 
