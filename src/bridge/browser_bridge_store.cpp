@@ -93,9 +93,10 @@ fs::path BrowserBridgeStore::defaultRoot(const UserPaths& paths,
     return paths.dataHome / "Tallywise" / "BrowserBridge";
 }
 
-Result<void, BrowserBridgeWriteError> BrowserBridgeStore::write(const fs::path& path,
-                                                                const std::string& contents) {
-    if (auto written = private_file::writeAtomically(path, contents, operations_); !written) {
+Result<void, BrowserBridgeWriteError> BrowserBridgeStore::write(
+    const fs::path& path, const std::string& contents, private_file::Durability durability) {
+    if (auto written = private_file::writeAtomically(path, contents, operations_, durability);
+        !written) {
         return fail(BrowserBridgeWriteError(written.error()));
     }
     return {};
@@ -253,7 +254,8 @@ Result<std::string, BrowserBridgeWriteError> BrowserBridgeStore::writeInboxEnvel
         return writeFailure(BrowserBridgeStoreError::payloadTooLarge);
     }
     std::string name = timeOrderedFileName(envelope.receivedAt, Uuid::generate(), "event");
-    if (auto written = write(inboxFolder() / name, encoded); !written) {
+    if (auto written = write(inboxFolder() / name, encoded, private_file::Durability::unsynced);
+        !written) {
         return fail(written.error());
     }
     return name;
@@ -270,7 +272,8 @@ Result<void, BrowserBridgeWriteError> BrowserBridgeStore::writeReadiness(
         return writeFailure(BrowserBridgeStoreError::malformedEnvelope);
     }
     return write(readinessFolder() / name,
-                 encodeReadinessEnvelope({kBridgeDocumentVersion, token.value(), readiness}));
+                 encodeReadinessEnvelope({kBridgeDocumentVersion, token.value(), readiness}),
+                 private_file::Durability::unsynced);
 }
 
 std::vector<std::string> BrowserBridgeStore::queuedCommandNames() const {

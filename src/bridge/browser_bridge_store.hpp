@@ -10,7 +10,9 @@
 //
 // Folders are mode 0700, files 0600, every file is written through a
 // ".temporary" sibling renamed over it, and names ending in ".temporary"
-// are never read. Both sides use this class: the recorder prepares the
+// are never read. Inbox and readiness files, written by the host for every
+// event and heartbeat and worthless after a restart, are not forced to disk;
+// the others are. Both sides use this class: the recorder prepares the
 // directory; the host only ever reads the token and never creates it.
 #pragma once
 
@@ -120,8 +122,9 @@ class BrowserBridgeStore {
     std::filesystem::path preferencesPath() const { return rootURL_ / "preferences.json"; }
 
   private:
-    Result<void, BrowserBridgeWriteError> write(const std::filesystem::path& path,
-                                                const std::string& contents);
+    Result<void, BrowserBridgeWriteError> write(
+        const std::filesystem::path& path, const std::string& contents,
+        private_file::Durability durability = private_file::Durability::synced);
     Result<BrowserBridgeQueuedPayload, BrowserBridgeStoreError> readInboxFile(
         const std::filesystem::path& path, const std::string& token) const;
 

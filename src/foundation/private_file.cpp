@@ -307,7 +307,8 @@ Result<std::string, PrivateFileError> read(const std::filesystem::path& path,
 
 Result<void, PrivateFileError> writeAtomically(const std::filesystem::path& path,
                                                std::string_view contents,
-                                               FileWriteOperations& operations) {
+                                               FileWriteOperations& operations,
+                                               Durability durability) {
     if (!path.has_filename()) {
         return fail(PrivateFileError::writeFailed);
     }
@@ -336,7 +337,8 @@ Result<void, PrivateFileError> writeAtomically(const std::filesystem::path& path
     };
 
     if (::fchmod(file.get(), kPrivateFileMode) != 0 ||
-        !writeAll(operations, file.get(), contents) || operations.fsync(file.get()) != 0) {
+        !writeAll(operations, file.get(), contents) ||
+        (durability == Durability::synced && operations.fsync(file.get()) != 0)) {
         return abandon();
     }
     if (!file.close()) {
@@ -347,7 +349,7 @@ Result<void, PrivateFileError> writeAtomically(const std::filesystem::path& path
         ::unlink(temporary.c_str());
         return fail(PrivateFileError::writeFailed);
     }
-    if (!syncFolder(folder, operations)) {
+    if (durability == Durability::synced && !syncFolder(folder, operations)) {
         return fail(PrivateFileError::writeFailed);
     }
     return {};

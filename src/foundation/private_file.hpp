@@ -72,9 +72,16 @@ Result<std::string, PrivateFileError> read(const std::filesystem::path& path,
 // temporary file; a failure to sync the folder afterwards is still
 // `writeFailed`, though the new contents are then already in place. When
 // `path` is a symbolic link the link itself is replaced, its target untouched.
+//
+// `Durability::unsynced` skips both fsyncs, for files that are worthless after
+// a restart and written often (a browser event waiting in the bridge inbox):
+// readers still never see a half-written file, but after a power cut the file
+// may be missing or empty.
+enum class Durability { synced, unsynced };
 Result<void, PrivateFileError> writeAtomically(
     const std::filesystem::path& path, std::string_view contents,
-    FileWriteOperations& operations = systemFileWriteOperations());
+    FileWriteOperations& operations = systemFileWriteOperations(),
+    Durability durability = Durability::synced);
 
 // The name a damaged file is moved to: the file's stem, ".corrupt-", the whole
 // seconds since 1970 of `now`, then the original extension, in the same folder

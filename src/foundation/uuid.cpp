@@ -1,7 +1,9 @@
 #include "foundation/uuid.hpp"
 
+#include <sys/random.h>
 #include <uuid/uuid.h>
 
+#include <cerrno>
 #include <cstring>
 
 namespace lumenote {
@@ -9,7 +11,21 @@ inline namespace foundation {
 
 Uuid Uuid::generate() {
     Bytes bytes;
-    uuid_generate_random(bytes.data());
+    std::size_t filled = 0;
+    while (filled < bytes.size()) {
+        const ssize_t got = ::getrandom(bytes.data() + filled, bytes.size() - filled, 0);
+        if (got < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            // No kernel source of randomness: libuuid has its own fallbacks.
+            uuid_generate_random(bytes.data());
+            return Uuid(bytes);
+        }
+        filled += static_cast<std::size_t>(got);
+    }
+    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);  // version 4
+    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);  // RFC 4122 variant
     return Uuid(bytes);
 }
 

@@ -19,7 +19,8 @@ class Uuid {
     Uuid() = default;
     explicit Uuid(const Bytes& bytes) : bytes_(bytes) {}
 
-    // A random (version 4) UUID from libuuid.
+    // A random (version 4) UUID from the kernel's random source: one system
+    // call, where libuuid makes five (it is the fallback when that fails).
     static Uuid generate();
     // Parses the 36-character hyphenated form in either case; nullopt otherwise.
     static std::optional<Uuid> parse(std::string_view text);

@@ -254,6 +254,17 @@ TEST_F(PrivateFileTest, FailedFolderSyncIsReportedAfterTheNewFileIsInPlace) {
     EXPECT_EQ(namesIn(folder_), std::set<std::string>{"file.json"});
 }
 
+TEST_F(PrivateFileTest, AnUnsyncedWriteSkipsBothSyncsButIsStillAtomicAndPrivate) {
+    // Every fsync fails: a synced write notices, an unsynced one never asks.
+    FailingFsync operations(1);
+    ASSERT_TRUE(private_file::writeAtomically(folder_ / "event.json", "{\"a\":1}", operations,
+                                              private_file::Durability::unsynced));
+    EXPECT_EQ(readFile(folder_ / "event.json"), "{\"a\":1}");
+    EXPECT_EQ(modeOf(folder_ / "event.json"), 0600u);
+    EXPECT_EQ(namesIn(folder_), std::set<std::string>{"event.json"});
+    EXPECT_FALSE(private_file::writeAtomically(folder_ / "event.json", "{}", operations));
+}
+
 TEST_F(PrivateFileTest, ShortWritesAreContinuedUntilEveryByteIsWritten) {
     TricklingWrite operations;
     const std::string bytes = "{\"formatVersion\":1,\"name\":\"Ünïcödé\"}";

@@ -44,41 +44,45 @@ void BrowserHostRelay::start() {
     forwardCommands();
 }
 
-void BrowserHostRelay::receive(const NativeFrameReading& reading) {
-    if (const auto* refused = std::get_if<RefusedFrame>(&reading)) {
-        ++counters_.messagesRefused;
-        note("refused a message of " + std::to_string(refused->announcedLength) +
-             " bytes, over the limit of " + std::to_string(kMaximumIncomingFrameBytes));
-        return;
-    }
-    std::visit(Overloaded{
-                   [this](const ExtensionHello& hello) { receiveHello(hello); },
-                   [this](const ExtensionEvent& event) { receiveEvent(event); },
-                   [this](const UnreadableMessage& unreadable) {
-                       ++counters_.messagesRefused;
-                       note("ignored an unreadable message: " + unreadable.reason);
+void BrowserHostRelay::receive(std::span<const NativeFrameReading> readings) {
+    refreshBridgeFiles();
+    const bool recordingNow = recording();
+    for (const NativeFrameReading& reading : readings) {
+        if (const auto* refused = std::get_if<RefusedFrame>(&reading)) {
+            ++counters_.messagesRefused;
+            note("refused a message of " + std::to_string(refused->announcedLength) +
+                 " bytes, over the limit of " + std::to_string(kMaximumIncomingFrameBytes));
+            continue;
+        }
+        std::visit(Overloaded{
+                       [this](const ExtensionHello& hello) { receiveHello(hello); },
+                       [this, recordingNow](const ExtensionEvent& event) {
+                           receiveEvent(event, recordingNow);
+                       },
+                       [this](const UnreadableMessage& unreadable) {
+                           ++counters_.messagesRefused;
+                           note("ignored an unreadable message: " + unreadable.reason);
+                       },
                    },
-               },
-               readExtensionMessage(std::get<NativeFrame>(reading).payload));
+                   readExtensionMessage(std::get<NativeFrame>(reading).payload));
+    }
 }
 
 void BrowserHostRelay::receiveHello(const ExtensionHello& hello) {
     hello_ = hello;
     adoptBrowser(hello.browserBundleIdentifier);
-    refreshBridgeFiles();
     writeReadiness(true);
     sendStatus();
     forwardCommands();
 }
 
-void BrowserHostRelay::receiveEvent(const ExtensionEvent& event) {
+void BrowserHostRelay::receiveEvent(const ExtensionEvent& event, bool recording) {
     const bool browserWasKnown = browser_.has_value();
     adoptBrowser(event.browserBundleIdentifier);
-    refreshBridgeFiles();
     if (event.isHeartbeat && hello_) {
         writeReadiness(true);
     }
-    if (!recording()) {
+    if (!recording) {
         ++counters_.eventsDropped;
     } else if (auto written = store_.writeInboxEnvelope({kBridgeDocumentVersion, *token_,
                                                          *state_->sessionIdentifier,

@@ -23,7 +23,8 @@
 // same microsecond keep the order they arrived in.
 //
 // The bridge files are read again only when their size, modification time or
-// inode changed, so that a burst of events costs one stat each, not a read.
+// inode changed, and are looked at once for each batch of frames the browser
+// wrote at once, so that a burst of events costs a few stats, not reads.
 #pragma once
 
 #include <sys/types.h>
@@ -31,6 +32,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -81,7 +83,9 @@ class BrowserHostRelay {
 
     // Sends the first status message and any commands already queued.
     void start();
-    void receive(const NativeFrameReading& reading);
+    // Handles the frames of one read from the browser. The bridge files and
+    // the recorder's process are looked at once for the whole batch.
+    void receive(std::span<const NativeFrameReading> readings);
     // The bridge directory changed (or the loop polls): re-reads what changed,
     // sends the status when it changed and forwards queued commands.
     void bridgeChanged();
@@ -105,7 +109,7 @@ class BrowserHostRelay {
     };
 
     void receiveHello(const ExtensionHello& hello);
-    void receiveEvent(const ExtensionEvent& event);
+    void receiveEvent(const ExtensionEvent& event, bool recording);
     void adoptBrowser(const std::optional<std::string>& identifier);
     void refreshBridgeFiles();
     bool recording() const;

@@ -139,9 +139,7 @@ void runHostLoop(BrowserHostRelay& relay, const BrowserBridgeStore& store,
             }
             frames.clear();
             reader.feed({chunk.data(), static_cast<std::size_t>(length)}, frames);
-            for (const NativeFrameReading& frame : frames) {
-                relay.receive(frame);
-            }
+            relay.receive(frames);
         }
         const auto now = Clock::now();
         if (now >= nextStatus) {
