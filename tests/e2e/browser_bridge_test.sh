@@ -1,0 +1,84 @@
+#!/usr/bin/env bash
+# End-to-end test of the browser bridge: the terminal recorder on a real X
+# server with a window recorded as Chromium, the real TallywiseBrowserHost
+# started as a browser starts it, and a driver that speaks the extension's
+# side of native messaging. Checks that the host learns of the running
+# session, that the reported website becomes what the recorder shows and
+# stores (a `website` segment of the browser, classified by the starter rows),
+# that switching away from the browser closes the website stretch, and that
+# `browser events` lists the accepted events.
+#
+# Usage: browser_bridge_test.sh BIN_DIR. Waits poll with deadlines; every
+# external process runs under timeout and is killed on exit.
+set -euo pipefail
+
+bin=${1:?usage: browser_bridge_test.sh BIN_DIR}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cli="$bin/lumenote-cli"
+
+deadline_seconds=30
+work=$(mktemp -d)
+background=()
+source "$here/desktop_session.sh"
+trap cleanup EXIT
+unset TALLYWISE_BRIDGE_DIR
+start_desktop_session
+start_client chromium
+browser=$window
+start_client LumenoteAlpha
+alpha=$window
+
+status_text() { "$cli" status 2>/dev/null || true; }
+status_matches() { [[ "$(status_text)" == *"$1"* ]]; }
+elapsed() {
+    local text
+    text=$(status_text)
+    [[ "$text" =~ ([0-9]+):([0-9]{2}):([0-9]{2}) ]] || { echo 0; return; }
+    echo $((10#${BASH_REMATCH[1]} * 3600 + 10#${BASH_REMATCH[2]} * 60 + 10#${BASH_REMATCH[3]}))
+}
+elapsed_at_least() { (($(elapsed) >= $1)); }
+
+activate "$alpha"
+timeout 120 "$cli" record --subject "Reading" --open-ended \
+    >"$work/recorder.out" 2>"$work/recorder.err" &
+background+=($!)
+recorder_job=$!
+poll_until "the recorder's status" status_matches "LumenoteAlpha"
+activate "$browser"
+poll_until "the browser in front" status_matches "Chromium"
+
+timeout 60 "$python" "$here/extension_driver.py" "$bin/TallywiseBrowserHost" \
+    org.chromium.Chromium docs.google.com 10 >"$work/extension.out" 2>"$work/extension.err" &
+driver_job=$!
+background+=("$driver_job")
+poll_until "the website in the status" status_matches "docs.google.com"
+on_site_from=$(elapsed)
+poll_until "three seconds on the website" elapsed_at_least $((on_site_from + 3))
+activate "$alpha"
+poll_until "the switch away from the browser" status_matches "LumenoteAlpha"
+wait "$driver_job" || fail "the extension driver failed: $(cat "$work/extension.err")"
+grep -q '"sessionRunning": true' "$work/extension.out" ||
+    fail "the host never told the extension of the session: $(cat "$work/extension.out")"
+
+events=$("$cli" browser events)
+[[ "$events" == *"docs.google.com"* ]] || fail "browser events does not list the website: $events"
+
+"$cli" end >/dev/null
+wait "$recorder_job" || fail "the recorder ended with status $?"
+
+session=$("$cli" sessions --json)
+id=$("$python" -c 'import json,sys; print(json.loads(sys.argv[1])[0]["id"])' "$session")
+"$python" - "$("$cli" show "$id" --json)" <<'CHECK' || fail "the segments do not show the website"
+import json, sys
+segments = json.loads(sys.argv[1])["segments"]
+websites = [g for g in segments if g.get("activitySource") == "website"]
+assert len(websites) == 1, segments
+site = websites[0]
+assert site["hostname"] == "docs.google.com", site
+assert site["classification"] == "focused", site
+assert site["browserBundleIdentifier"] == "org.chromium.Chromium", site
+assert site["duration"] >= 2, site
+after = segments[segments.index(site) + 1:]
+assert after and after[0]["bundleIdentifier"] == "LumenoteAlpha", segments
+CHECK
+echo "browser bridge end to end: ok"
