@@ -1,0 +1,190 @@
+#include "bridge/native_host_registration.hpp"
+
+#include <unistd.h>
+
+#include <nlohmann/json.hpp>
+#include <system_error>
+
+#include "bridge/json_members.hpp"
+#include "foundation/private_file.hpp"
+
+namespace lumenote::bridge {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::size_t kMaximumManifestBytes = 64 * 1024;
+constexpr std::string_view kHostExecutableName = "TallywiseBrowserHost";
+
+bool isExecutableFile(const fs::path& path) {
+    std::error_code error;
+    return fs::is_regular_file(path, error) && ::access(path.c_str(), X_OK) == 0;
+}
+
+const char* allowedListKey(SupportedBrowser browser) {
+    return usesAddonIdentifiers(browser) ? "allowed_extensions" : "allowed_origins";
+}
+
+bool isStringArray(const nlohmann::json& value) {
+    if (!value.is_array()) {
+        return false;
+    }
+    for (const auto& entry : value) {
+        if (!entry.is_string()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+std::string message(NativeHostRegistrationError error) {
+    switch (error) {
+        case NativeHostRegistrationError::bundledHostUnavailable:
+            return "The bundled native host is unavailable";
+        case NativeHostRegistrationError::noManifestFolder:
+            return "This browser has no native messaging on Linux";
+        case NativeHostRegistrationError::writeFailed:
+            return "Could not write native host registration";
+        case NativeHostRegistrationError::removeFailed:
+            return "Could not remove native host registration";
+    }
+    return "Could not write native host registration";
+}
+
+bool usesAddonIdentifiers(SupportedBrowser browser) {
+    return browser == SupportedBrowser::firefox;
+}
+
+std::optional<fs::path> NativeHostRegistrationChecker::manifestFolder(
+    SupportedBrowser browser) const {
+    const fs::path& config = configuration_.configHome;
+    switch (browser) {
+        case SupportedBrowser::googleChrome:
+            return config / "google-chrome" / "NativeMessagingHosts";
+        case SupportedBrowser::chromium:
+            return config / "chromium" / "NativeMessagingHosts";
+        case SupportedBrowser::microsoftEdge:
+            return config / "microsoft-edge" / "NativeMessagingHosts";
+        case SupportedBrowser::brave:
+            return config / "BraveSoftware" / "Brave-Browser" / "NativeMessagingHosts";
+        case SupportedBrowser::vivaldi:
+            return config / "vivaldi" / "NativeMessagingHosts";
+        case SupportedBrowser::opera:
+            return config / "opera" / "NativeMessagingHosts";
+        case SupportedBrowser::firefox:
+            return configuration_.home / ".mozilla" / "native-messaging-hosts";
+        case SupportedBrowser::arc:
+        case SupportedBrowser::safari:
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<fs::path> NativeHostRegistrationChecker::manifestPath(
+    SupportedBrowser browser) const {
+    auto folder = manifestFolder(browser);
+    if (!folder) {
+        return std::nullopt;
+    }
+    return *folder / kNativeHostManifestFileName;
+}
+
+std::string NativeHostRegistrationChecker::configuredOrigin(SupportedBrowser browser) const {
+    if (usesAddonIdentifiers(browser)) {
+        return configuration_.firefoxAddonIdentifier;
+    }
+    return "chrome-extension://" + configuration_.chromiumExtensionIdentifier + "/";
+}
+
+std::string NativeHostRegistrationChecker::manifestText(SupportedBrowser browser) const {
+    nlohmann::ordered_json manifest;
+    manifest["name"] = kNativeHostName;
+    manifest["description"] = kNativeHostDescription;
+    manifest["path"] = configuration_.helperPath.string();
+    manifest["type"] = "stdio";
+    manifest[allowedListKey(browser)] = nlohmann::ordered_json::array({configuredOrigin(browser)});
+    return manifest.dump(2) + "\n";
+}
+
+NativeHostSetupSnapshot NativeHostRegistrationChecker::check(SupportedBrowser browser) const {
+    NativeHostSetupSnapshot snapshot;
+    const auto path = manifestPath(browser);
+    if (!path) {
+        return snapshot;
+    }
+    std::error_code error;
+    snapshot.manifestPresent = fs::exists(*path, error);
+    auto bytes = private_file::read(*path, kMaximumManifestBytes);
+    if (!bytes) {
+        return snapshot;
+    }
+    auto parsed = parseJsonObject(bytes.value());
+    if (!parsed) {
+        return snapshot;
+    }
+    const nlohmann::json& manifest = parsed.value();
+    const auto text = [&](const char* key) -> std::optional<std::string> {
+        const auto found = manifest.find(key);
+        return found != manifest.end() && found->is_string()
+                   ? std::optional(found->get<std::string>())
+                   : std::nullopt;
+    };
+    const auto helper = text("path");
+    const auto allowed = manifest.find(allowedListKey(browser));
+    snapshot.manifestValid = text("name") == kNativeHostName && text("description") && helper &&
+                             fs::path(*helper).is_absolute() && text("type") == "stdio" &&
+                             allowed != manifest.end() && isStringArray(*allowed);
+    if (helper && fs::path(*helper).is_absolute()) {
+        snapshot.helperPresent = fs::exists(*helper, error);
+        snapshot.helperExecutable = isExecutableFile(*helper);
+    }
+    snapshot.exactConfiguredOriginAuthorised =
+        snapshot.manifestValid && allowed->size() == 1 &&
+        (*allowed)[0].get<std::string>() == configuredOrigin(browser);
+    return snapshot;
+}
+
+Result<void, NativeHostRegistrationError> NativeHostRegistrationChecker::repair(
+    SupportedBrowser browser) const {
+    const auto path = manifestPath(browser);
+    if (!path) {
+        return fail(NativeHostRegistrationError::noManifestFolder);
+    }
+    if (!configuration_.helperPath.is_absolute() || !isExecutableFile(configuration_.helperPath)) {
+        return fail(NativeHostRegistrationError::bundledHostUnavailable);
+    }
+    if (!private_file::writeAtomically(*path, manifestText(browser))) {
+        return fail(NativeHostRegistrationError::writeFailed);
+    }
+    return {};
+}
+
+Result<void, NativeHostRegistrationError> NativeHostRegistrationChecker::remove(
+    SupportedBrowser browser) const {
+    const auto path = manifestPath(browser);
+    if (!path) {
+        return {};
+    }
+    std::error_code error;
+    fs::remove(*path, error);
+    if (error) {
+        return fail(NativeHostRegistrationError::removeFailed);
+    }
+    return {};
+}
+
+std::optional<fs::path> locateBundledHost(const fs::path& executableFolder) {
+    for (const fs::path& candidate :
+         {executableFolder.parent_path() / "libexec" / "lumenote" / kHostExecutableName,
+          executableFolder / kHostExecutableName}) {
+        if (isExecutableFile(candidate)) {
+            return candidate;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace lumenote::bridge
