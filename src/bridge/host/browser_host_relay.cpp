@@ -128,6 +128,12 @@ void BrowserHostRelay::sendStatus() {
     lastStatusSent_ = current;
 }
 
+void BrowserHostRelay::periodic() {
+    refreshBridgeFiles();
+    sendStatus();
+    writeReadiness(true);
+}
+
 void BrowserHostRelay::sendStatusIfChanged() {
     if (status() != lastStatusSent_) {
         sendStatus();

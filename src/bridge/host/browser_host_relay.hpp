@@ -8,9 +8,10 @@
 //   runs and browser tracking is not paused; otherwise it is dropped, so the
 //   host never writes into a bridge directory whose token it cannot read and
 //   never keeps activity nobody is recording.
-// - The extension's hello, and every heartbeat after it, writes this
-//   browser's readiness (connection available); the end of input writes it
-//   once more with the connection gone.
+// - The extension's hello, every heartbeat after it and every periodic
+//   status write this browser's readiness (connection available), so that a
+//   connected extension stays visibly connected when no session runs; the
+//   end of input writes it once more with the connection gone.
 // - Commands queued for this browser are sent to the extension in queue order
 //   and deleted once sent; commands for other browsers are left for their
 //   hosts; a command file that cannot be decoded or carries another token is
@@ -91,6 +92,8 @@ class BrowserHostRelay {
     void bridgeChanged();
     // Sends the status whether or not it changed.
     void sendStatus();
+    // The periodic beat: the status, and the readiness while connected.
+    void periodic();
     // Input ended, `midFrame` when part-way through a message (which is
     // dropped): the connection is gone.
     void endOfInput(bool midFrame);

@@ -143,7 +143,7 @@ void runHostLoop(BrowserHostRelay& relay, const BrowserBridgeStore& store,
         }
         const auto now = Clock::now();
         if (now >= nextStatus) {
-            relay.sendStatus();
+            relay.periodic();
             nextStatus = now + options.statusInterval;
         }
         if (!watch.watching() && now >= nextPoll) {
