@@ -60,7 +60,8 @@ BridgeTrackingCoordinator::BridgeTrackingCoordinator(BrowserBridgeStore& store,
     : store_(store),
       clock_(clock),
       processIdentifier_(processIdentifier),
-      receiver_(store, validator) {}
+      receiver_(store, validator),
+      extensionStatus_(store, clock.now()) {}
 
 Result<void, BrowserBridgeStoreError> BridgeTrackingCoordinator::start() {
     auto prepared = store_.prepare();
@@ -207,6 +208,9 @@ void BridgeTrackingCoordinator::apply(const ReceivedBrowserEvent& received, Date
     if (event.localFilePermission) {
         browser.permission = event.localFilePermission;
     }
+    if (const auto supported = supportedBrowser(event.browserBundleIdentifier)) {
+        extensionStatus_.recordEvent(*supported, received.receivedAt, event.localFilePermission);
+    }
     tabSession(received);
     BrowserLiveDiagnostic live;
     live.receivedAt = received.receivedAt;
@@ -236,6 +240,11 @@ std::optional<Uuid> BridgeTrackingCoordinator::tabSession(const ReceivedBrowserE
         tab->second.last = received;
     }
     return tab->second.tabSession;
+}
+
+const BrowserExtensionStatusService& BridgeTrackingCoordinator::extensionStatus() {
+    extensionStatus_.refresh(clock_.now());
+    return extensionStatus_;
 }
 
 void BridgeTrackingCoordinator::applySettings(const BrowserTrackingSettings& settings) {

@@ -18,6 +18,7 @@
 #include "bridge/browser_bridge_store.hpp"
 #include "bridge/browser_diagnostic_types.hpp"
 #include "bridge/browser_event_receiver.hpp"
+#include "bridge/browser_extension_status.hpp"
 #include "recording/platform_services.hpp"
 #include "recording/time_providers.hpp"
 
@@ -66,6 +67,8 @@ class BridgeTrackingCoordinator final : public recording::BrowserTrackingCoordin
     std::optional<BrowserLiveDiagnostic> liveDiagnostic(SupportedBrowser browser) const;
     std::optional<BrowserLocalFilePermission> localFilePermission(SupportedBrowser browser) const;
     std::optional<Date> lastEventReceived(SupportedBrowser browser) const;
+    // Every browser's extension status as of now (reads the readiness files).
+    const BrowserExtensionStatusService& extensionStatus();
     // The last page event of one tab of the running session; nullopt once
     // the tab closed.
     std::optional<ReceivedBrowserEvent> lastTabEvent(const std::string& browserBundleIdentifier,
@@ -96,6 +99,7 @@ class BridgeTrackingCoordinator final : public recording::BrowserTrackingCoordin
     recording::WallClock& clock_;
     std::int32_t processIdentifier_;
     BrowserEventReceiver receiver_;
+    BrowserExtensionStatusService extensionStatus_;
     BrowserTrackingSettings settings_;
     bool ready_ = false;
     std::optional<Uuid> session_;

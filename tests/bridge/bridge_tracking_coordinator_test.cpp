@@ -195,6 +195,21 @@ TEST_F(BridgeTrackingCoordinatorTest, DiagnosticsKeepTheLastEventPerBrowser) {
               "The browser event belongs to another session");
 }
 
+TEST_F(BridgeTrackingCoordinatorTest, AcceptedEventsShowTheExtensionConnectedUntilTheyGrowOld) {
+    EXPECT_EQ(coordinator_.extensionStatus().status(SupportedBrowser::chromium).state,
+              BrowserExtensionConnectionState::notInstalled);
+    coordinator_.setRunningSession(session_);
+    sendPage("github.com", "1");
+    coordinator_.tick();
+    const auto& status = coordinator_.extensionStatus().status(SupportedBrowser::chromium);
+    EXPECT_EQ(status.state, BrowserExtensionConnectionState::connected);
+    EXPECT_EQ(status.lastEventReceived, kStart);
+    clock_.advance(kExtensionFreshSeconds + 1);
+    EXPECT_EQ(coordinator_.extensionStatus().status(SupportedBrowser::chromium).state,
+              BrowserExtensionConnectionState::installed)
+        << "without a readiness file, an extension that fell silent is only known as installed";
+}
+
 TEST_F(BridgeTrackingCoordinatorTest, FilenameLabelChangeIsPublishedAndToldToEveryBrowserSeen) {
     coordinator_.setRunningSession(session_);
     sendPage("github.com", "1");
