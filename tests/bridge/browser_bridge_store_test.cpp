@@ -232,6 +232,27 @@ TEST_F(BrowserBridgeStoreTest, StateAndPreferencesRoundTrip) {
     EXPECT_EQ(readFile(store_.statePath()).find("\"version\":1,\"appProcessIdentifier\":4242"), 1u);
 }
 
+// Found by fuzzing: an inbox file received "in year 10000" was accepted, and
+// its date could not be written again.
+TEST_F(BrowserBridgeStoreTest, EnvelopeDatesOutsideTheFourDigitYearsAreMalformed) {
+    ASSERT_TRUE(store_.prepare());
+    const std::string written = encodeEnvelope(envelope("{}", kNow));
+    const std::string received = "\"receivedAt\":\"" + formatIso8601(kNow, {true}) + "\"";
+    ASSERT_NE(written.find(received), std::string::npos) << written;
+    for (const char* receivedAt : {"9999-12-31T23:59:59-00:01", "0000-01-01T00:00:00.5+00:01"}) {
+        std::string forged = written;
+        forged.replace(written.find(received), received.size(),
+                       "\"receivedAt\":\"" + std::string(receivedAt) + "\"");
+        writeFile(store_.inboxFolder() / ("1-" + std::string(receivedAt) + ".event"), forged);
+        EXPECT_FALSE(decodeEnvelope(forged)) << receivedAt;
+    }
+    const auto drain = store_.drainInbox();
+    EXPECT_TRUE(drain.accepted.empty());
+    ASSERT_EQ(drain.rejected.size(), 2u);
+    EXPECT_EQ(drain.rejected[0].error, BrowserBridgeStoreError::malformedEnvelope);
+    EXPECT_EQ(drain.rejected[1].error, BrowserBridgeStoreError::malformedEnvelope);
+}
+
 class FailingWrites final : public FileWriteOperations {
   public:
     long write(int, const char*, std::size_t) override { return -1; }
