@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -160,6 +161,44 @@ TEST_F(BrowserBridgeStoreTest, DrainHandsOnOldestFirstWithinItsBoundAndDeletesWh
     ASSERT_EQ(second.accepted.size(), 2u);
     EXPECT_FALSE(second.moreWaiting);
     EXPECT_EQ(second.accepted[1].eventData, "event 4");
+    EXPECT_TRUE(namesIn(store_.inboxFolder()).empty());
+}
+
+// The folder lists its files in no particular order: whatever order they were
+// written in, bounded drains hand every file on exactly once, oldest first
+// across drains, and say whether more wait (also when the bound is zero).
+TEST_F(BrowserBridgeStoreTest, BoundedDrainsTakeTheOldestFilesInOrderWhateverTheWriteOrder) {
+    ASSERT_TRUE(store_.prepare());
+    constexpr int kFiles = 40;
+    std::vector<int> order(kFiles);
+    for (int i = 0; i < kFiles; ++i) {
+        order[i] = (i * 17) % kFiles;
+    }
+    for (const int i : order) {
+        ASSERT_TRUE(
+            store_.writeInboxEnvelope(envelope(std::to_string(i), kNow.addingSeconds(i * 0.001))));
+    }
+    const auto none = store_.drainInbox(0);
+    EXPECT_TRUE(none.accepted.empty());
+    EXPECT_TRUE(none.moreWaiting);
+
+    std::vector<std::string> handed;
+    bool more = true;
+    int drains = 0;
+    while (more) {
+        const auto drain = store_.drainInbox(7);
+        ASSERT_LE(drain.accepted.size(), 7u);
+        for (const auto& payload : drain.accepted) {
+            handed.push_back(payload.eventData);
+        }
+        more = drain.moreWaiting;
+        EXPECT_EQ(more, handed.size() < kFiles);
+        ASSERT_LT(++drains, 10);
+    }
+    ASSERT_EQ(handed.size(), static_cast<std::size_t>(kFiles));
+    for (int i = 0; i < kFiles; ++i) {
+        EXPECT_EQ(handed[i], std::to_string(i));
+    }
     EXPECT_TRUE(namesIn(store_.inboxFolder()).empty());
 }
 
