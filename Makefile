@@ -1,6 +1,6 @@
 # Thin wrapper over the CMake presets: every target first makes sure the Debian
 # packages are installed, then hands over to CMake and CTest.
-.PHONY: all deps build run test test-sanitize format format-check bench clean
+.PHONY: all deps build run test test-sanitize format format-check bench fuzz clean
 
 all: build
 
@@ -31,5 +31,12 @@ format-check: build
 bench: build
 	cmake --build --preset default --target bench
 
+# Each fuzz target runs FUZZ_SECONDS seconds from a scratch copy of its corpus.
+FUZZ_SECONDS ?= 60
+fuzz: deps
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	fuzz/run-fuzzers --seconds $(FUZZ_SECONDS) build-fuzz
+
 clean:
-	rm -rf build build-sanitize
+	rm -rf build build-sanitize build-fuzz

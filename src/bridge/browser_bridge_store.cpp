@@ -1,10 +1,13 @@
 #include "bridge/browser_bridge_store.hpp"
 
+#include <dirent.h>
+
 #include <algorithm>
 #include <cinttypes>
 #include <cmath>
 #include <cstdio>
 #include <limits>
+#include <memory>
 #include <system_error>
 
 #include "bridge/bridge_token.hpp"
@@ -25,19 +28,40 @@ bool endsWith(std::string_view text, std::string_view suffix) {
     return text.size() >= suffix.size() && text.substr(text.size() - suffix.size()) == suffix;
 }
 
-// The names in `folder` that end in `extension` (never a ".temporary" one),
-// sorted; an unreadable folder has none.
-std::vector<std::string> namesEndingIn(const fs::path& folder, std::string_view extension) {
-    std::vector<std::string> names;
-    std::error_code error;
-    for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        std::string name = entry->path().filename().string();
-        if (endsWith(name, extension) && !endsWith(name, kTemporarySuffix)) {
-            names.push_back(std::move(name));
+struct FolderNames {
+    std::vector<std::string> first;  // in name order
+    std::size_t total = 0;
+};
+
+// Reads `folder` once: counts the names that end in `extension` (never a
+// ".temporary" one) and keeps the first `limit` of them in name order; an
+// unreadable folder has none. A flooded inbox is listed on every drain while
+// only its oldest batch is taken, so the names go through readdir (no path
+// object per entry) into a bounded max-heap instead of being kept and sorted.
+FolderNames namesEndingIn(const fs::path& folder, std::string_view extension,
+                          std::size_t limit = std::numeric_limits<std::size_t>::max()) {
+    FolderNames names;
+    const std::unique_ptr<DIR, int (*)(DIR*)> directory(::opendir(folder.c_str()), ::closedir);
+    if (!directory) {
+        return names;
+    }
+    std::vector<std::string>& heap = names.first;
+    while (const dirent* entry = ::readdir(directory.get())) {
+        const std::string_view name = entry->d_name;
+        if (!endsWith(name, extension) || endsWith(name, kTemporarySuffix)) {
+            continue;
+        }
+        ++names.total;
+        if (heap.size() < limit) {
+            heap.emplace_back(name);
+            std::push_heap(heap.begin(), heap.end());
+        } else if (!heap.empty() && name < heap.front()) {
+            std::pop_heap(heap.begin(), heap.end());
+            heap.back() = name;
+            std::push_heap(heap.begin(), heap.end());
         }
     }
-    std::sort(names.begin(), names.end());
+    std::sort_heap(heap.begin(), heap.end());
     return names;
 }
 
@@ -187,11 +211,11 @@ Result<BrowserBridgeQueuedPayload, BrowserBridgeStoreError> BrowserBridgeStore::
 
 BrowserBridgeInboxDrain BrowserBridgeStore::drainInbox(std::size_t maximumFiles) {
     BrowserBridgeInboxDrain drain;
-    const std::vector<std::string> names = namesEndingIn(inboxFolder(), kInboxExtension);
-    const std::size_t handled = std::min(names.size(), maximumFiles);
-    drain.moreWaiting = names.size() > handled;
+    const FolderNames listed = namesEndingIn(inboxFolder(), kInboxExtension, maximumFiles);
+    const std::vector<std::string>& names = listed.first;
+    drain.moreWaiting = listed.total > names.size();
     const auto token = readToken();
-    for (std::size_t i = 0; i < handled; ++i) {
+    for (std::size_t i = 0; i < names.size(); ++i) {
         const fs::path path = inboxFolder() / names[i];
         if (!token) {
             drain.rejected.push_back({names[i], BrowserBridgeStoreError::tokenUnavailable});
@@ -212,7 +236,7 @@ std::vector<BrowserBridgeReadiness> BrowserBridgeStore::readReadiness() const {
     if (!token) {
         return found;
     }
-    for (const std::string& name : namesEndingIn(readinessFolder(), kReadinessExtension)) {
+    for (const std::string& name : namesEndingIn(readinessFolder(), kReadinessExtension).first) {
         auto bytes = private_file::read(readinessFolder() / name, kMaximumBridgeDocumentBytes);
         if (!bytes) {
             continue;
@@ -277,7 +301,7 @@ Result<void, BrowserBridgeWriteError> BrowserBridgeStore::writeReadiness(
 }
 
 std::vector<std::string> BrowserBridgeStore::queuedCommandNames() const {
-    return namesEndingIn(commandsFolder(), kCommandExtension);
+    return namesEndingIn(commandsFolder(), kCommandExtension).first;
 }
 
 Result<BrowserBridgeCommand, BrowserBridgeStoreError> BrowserBridgeStore::readCommand(

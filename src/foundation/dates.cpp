@@ -6,6 +6,7 @@
 
 #include <cctype>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
 
 namespace lumenote {
@@ -80,6 +81,20 @@ struct Reader {
         return value;
     }
 };
+
+// Whole seconds since 1970 at the start of year 0000 and of year 10000: the
+// instants whose written form has the four-digit year parseIso8601 reads.
+constexpr std::int64_t kFirstWritableSecond =
+    std::chrono::seconds(date::sys_days{date::year{0} / 1 / 1}.time_since_epoch()).count();
+constexpr std::int64_t kEndOfWritableSeconds =
+    std::chrono::seconds(date::sys_days{date::year{10000} / 1 / 1}.time_since_epoch()).count();
+
+// Whether formatIso8601 writes `date` (in UTC, rounded to the millisecond)
+// with a four-digit year, so that the text reads back.
+bool hasFourDigitYear(Date date) {
+    const std::int64_t seconds = split(date).wholeSeconds;
+    return seconds >= kFirstWritableSecond && seconds < kEndOfWritableSeconds;
+}
 
 std::optional<int> parseZone(Reader& reader) {
     if (reader.atEnd()) {
@@ -185,7 +200,14 @@ std::optional<Date> parseIso8601(std::string_view text) {
     const auto days = date::sys_days{ymd}.time_since_epoch();
     const double unix = static_cast<double>(std::chrono::seconds(days).count()) + *hour * 3600.0 +
                         *minute * 60.0 + *second + fraction - *offset;
-    return Date::fromUnixSeconds(unix);
+    // A zone offset or a rounded fraction can carry the instant out of the
+    // years the written form holds ("0000-01-01T00:00:00+01:00" is in year
+    // -1 in UTC); such a date could be read but never written back.
+    const Date parsed = Date::fromUnixSeconds(unix);
+    if (!hasFourDigitYear(parsed)) {
+        return std::nullopt;
+    }
+    return parsed;
 }
 
 LocalCalendar LocalCalendar::current() {

@@ -58,7 +58,9 @@ std::string formatIso8601(Date date, Iso8601Options options = {});
 // Parses "YYYY-MM-DDTHH:MM:SS" with optional fractional seconds (any number of
 // digits) and a zone designator "Z", "+HH:MM", "+HHMM" or "+HH" (or "-").
 // Without a designator the text is read as UTC. Returns nullopt for anything
-// else, including out-of-range fields (month 13, minute 60).
+// else, including out-of-range fields (month 13, minute 60) and instants that
+// formatIso8601 could not write back: outside the years 0000 to 9999 in UTC
+// once rounded to the millisecond ("9999-12-31T23:59:59-01:00").
 std::optional<Date> parseIso8601(std::string_view text);
 
 // The calendar of one time zone: local days and weeks, which may be 23 or 25

@@ -65,8 +65,8 @@ struct SessionError {
 
     std::string message() const { return sessionFailureMessage(failure, detail); }
     // An error is of the failure it names, whatever its detail.
-    friend bool operator==(const SessionError& error, SessionFailure failure) {
-        return error.failure == failure;
+    friend bool operator==(const SessionError& error, SessionFailure failureCase) {
+        return error.failure == failureCase;
     }
 };
 

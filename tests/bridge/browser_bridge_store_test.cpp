@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -163,6 +164,44 @@ TEST_F(BrowserBridgeStoreTest, DrainHandsOnOldestFirstWithinItsBoundAndDeletesWh
     EXPECT_TRUE(namesIn(store_.inboxFolder()).empty());
 }
 
+// The folder lists its files in no particular order: whatever order they were
+// written in, bounded drains hand every file on exactly once, oldest first
+// across drains, and say whether more wait (also when the bound is zero).
+TEST_F(BrowserBridgeStoreTest, BoundedDrainsTakeTheOldestFilesInOrderWhateverTheWriteOrder) {
+    ASSERT_TRUE(store_.prepare());
+    constexpr int kFiles = 40;
+    std::vector<int> order(kFiles);
+    for (int i = 0; i < kFiles; ++i) {
+        order[i] = (i * 17) % kFiles;
+    }
+    for (const int i : order) {
+        ASSERT_TRUE(
+            store_.writeInboxEnvelope(envelope(std::to_string(i), kNow.addingSeconds(i * 0.001))));
+    }
+    const auto none = store_.drainInbox(0);
+    EXPECT_TRUE(none.accepted.empty());
+    EXPECT_TRUE(none.moreWaiting);
+
+    std::vector<std::string> handed;
+    bool more = true;
+    int drains = 0;
+    while (more) {
+        const auto drain = store_.drainInbox(7);
+        ASSERT_LE(drain.accepted.size(), 7u);
+        for (const auto& payload : drain.accepted) {
+            handed.push_back(payload.eventData);
+        }
+        more = drain.moreWaiting;
+        EXPECT_EQ(more, handed.size() < kFiles);
+        ASSERT_LT(++drains, 10);
+    }
+    ASSERT_EQ(handed.size(), static_cast<std::size_t>(kFiles));
+    for (int i = 0; i < kFiles; ++i) {
+        EXPECT_EQ(handed[i], std::to_string(i));
+    }
+    EXPECT_TRUE(namesIn(store_.inboxFolder()).empty());
+}
+
 TEST_F(BrowserBridgeStoreTest, DrainRefusesForeignOversizedAndDamagedFilesAndSkipsTemporaryOnes) {
     ASSERT_TRUE(store_.prepare());
     BrowserBridgeEnvelope foreign = envelope("forged", kNow);
@@ -230,6 +269,27 @@ TEST_F(BrowserBridgeStoreTest, StateAndPreferencesRoundTrip) {
     ASSERT_TRUE(preferences);
     EXPECT_FALSE(preferences->filenameLabelsEnabled);
     EXPECT_EQ(readFile(store_.statePath()).find("\"version\":1,\"appProcessIdentifier\":4242"), 1u);
+}
+
+// Found by fuzzing: an inbox file received "in year 10000" was accepted, and
+// its date could not be written again.
+TEST_F(BrowserBridgeStoreTest, EnvelopeDatesOutsideTheFourDigitYearsAreMalformed) {
+    ASSERT_TRUE(store_.prepare());
+    const std::string written = encodeEnvelope(envelope("{}", kNow));
+    const std::string received = "\"receivedAt\":\"" + formatIso8601(kNow, {true}) + "\"";
+    ASSERT_NE(written.find(received), std::string::npos) << written;
+    for (const char* receivedAt : {"9999-12-31T23:59:59-00:01", "0000-01-01T00:00:00.5+00:01"}) {
+        std::string forged = written;
+        forged.replace(written.find(received), received.size(),
+                       "\"receivedAt\":\"" + std::string(receivedAt) + "\"");
+        writeFile(store_.inboxFolder() / ("1-" + std::string(receivedAt) + ".event"), forged);
+        EXPECT_FALSE(decodeEnvelope(forged)) << receivedAt;
+    }
+    const auto drain = store_.drainInbox();
+    EXPECT_TRUE(drain.accepted.empty());
+    ASSERT_EQ(drain.rejected.size(), 2u);
+    EXPECT_EQ(drain.rejected[0].error, BrowserBridgeStoreError::malformedEnvelope);
+    EXPECT_EQ(drain.rejected[1].error, BrowserBridgeStoreError::malformedEnvelope);
 }
 
 class FailingWrites final : public FileWriteOperations {

@@ -71,6 +71,32 @@ TEST(BrowserEventValidatorTest, EncodedEventDecodesToTheSameEvent) {
     EXPECT_EQ(*again, *original);
 }
 
+// Found by fuzzing: a zone offset carried these timestamps out of the
+// four-digit years, so the event decoded but was written back as
+// "-001-12-31T23:00:00.000Z" or "10000-01-01T04:59:59.000Z", which no decoder
+// reads. The first and last instants the written form holds still round-trip.
+TEST(BrowserEventValidatorTest, TimestampThatCannotBeWrittenBackDoesNotDecode) {
+    for (const char* timestamp :
+         {"0000-01-01T00:00:00+01:00", "9999-12-31T23:59:59-05:00", "9999-12-31T23:59:59.9996Z"}) {
+        Json event = websiteEvent();
+        event["timestamp"] = timestamp;
+        const auto decoded = decodeBrowserActivityEvent(event.dump());
+        ASSERT_FALSE(decoded) << timestamp;
+        EXPECT_EQ(decoded.error(), kTimestampDecodingMessage) << timestamp;
+    }
+    for (const char* timestamp : {"0000-01-01T00:00:00.000Z", "9999-12-31T23:59:59.999Z"}) {
+        Json event = websiteEvent();
+        event["timestamp"] = timestamp;
+        const auto decoded = decodeBrowserActivityEvent(event.dump());
+        ASSERT_TRUE(decoded) << timestamp;
+        const std::string written = encodeBrowserActivityEvent(*decoded);
+        EXPECT_NE(written.find(timestamp), std::string::npos) << written;
+        const auto again = decodeBrowserActivityEvent(written);
+        ASSERT_TRUE(again) << written;
+        EXPECT_EQ(*again, *decoded);
+    }
+}
+
 TEST(BrowserEventValidatorTest, EmptyPayloadNeverReachesTheDecoder) {
     const auto result = BrowserEventValidator().validate("", kNow);
     ASSERT_FALSE(result);

@@ -76,6 +76,31 @@ TEST(Iso8601Test, RefusesMalformedAndOutOfRangeText) {
     }
 }
 
+// The written form has a four-digit year in UTC: text whose instant falls
+// outside it once the offset is applied and the fraction rounded to the
+// millisecond is refused, since it could never be written back.
+TEST(Iso8601Test, AcceptsOnlyInstantsWhoseWrittenFormHasFourDigitYears) {
+    for (const char* text : {"0000-01-01T00:00:00+00:01", "0000-01-01T00:59:59.999+01:00",
+                             "9999-12-31T23:59:59-00:01", "9999-12-31T23:59:59.9996Z"}) {
+        EXPECT_FALSE(parseIso8601(text)) << text;
+    }
+    const struct {
+        const char* text;
+        const char* written;
+    } kept[] = {
+        {"0000-01-01T00:00:00Z", "0000-01-01T00:00:00.000Z"},
+        {"0000-01-01T01:00:00+01:00", "0000-01-01T00:00:00.000Z"},
+        {"9999-12-31T23:59:59.9994Z", "9999-12-31T23:59:59.999Z"},
+        {"9999-12-31T22:59:59+01:00", "9999-12-31T21:59:59.000Z"},
+    };
+    for (const auto& c : kept) {
+        const auto parsed = parseIso8601(c.text);
+        ASSERT_TRUE(parsed) << c.text;
+        EXPECT_EQ(formatIso8601(*parsed, {.fractionalSeconds = true}), c.written);
+        EXPECT_TRUE(parseIso8601(c.written)) << c.written;
+    }
+}
+
 TEST(Iso8601Test, AcceptsTheLeapDayOnlyInLeapYears) {
     EXPECT_TRUE(parseIso8601("2028-02-29T12:00:00Z"));
     EXPECT_FALSE(parseIso8601("2027-02-29T12:00:00Z"));
