@@ -21,7 +21,7 @@ void NativeFrameReader::feed(std::string_view bytes, std::vector<NativeFrameRead
                 std::memcpy(&length, lengthBytes_, sizeof length);
                 remaining_ = length;
                 if (length > maximumPayloadBytes_) {
-                    out.emplace_back(std::in_place_type<RefusedFrame>, length);
+                    out.emplace_back(std::in_place_type<RefusedFrame>, RefusedFrame{length});
                     stage_ = Stage::skipping;
                 } else if (length == 0) {
                     out.push_back(NativeFrame{});
