@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "bridge/extension_identity.hpp"
 #include "support/temporary_home.hpp"
 
 namespace lumenote::bridge {
@@ -181,6 +182,16 @@ TEST_F(NativeHostRegistrationTest, TheBundledHostIsFoundInstalledOrInTheBuildTre
     EXPECT_EQ(locateBundledHost(prefix / "bin"), prefix / "libexec/lumenote/TallywiseBrowserHost");
     EXPECT_EQ(locateBundledHost(helper_.parent_path()), helper_);
     EXPECT_EQ(locateBundledHost(home_.root() / "empty"), std::nullopt);
+}
+
+TEST(ExtensionIdentityTest, TheCompiledIdentitiesAreTheOnesOfTheExtensionsIdsFile) {
+    const Json ids = Json::parse(readFile(fs::path(LUMENOTE_SOURCE_DIR) / "extension/ids.json"));
+    EXPECT_EQ(chromiumExtensionIdentifier(), ids["chromiumExtensionId"].get<std::string>());
+    EXPECT_EQ(firefoxAddonIdentifier(), ids["firefoxAddonId"].get<std::string>());
+    ASSERT_EQ(chromiumExtensionIdentifier().size(), 32u);
+    for (const char c : chromiumExtensionIdentifier()) {
+        EXPECT_TRUE(c >= 'a' && c <= 'p') << "a Chromium id is written in the letters a to p";
+    }
 }
 
 }  // namespace
