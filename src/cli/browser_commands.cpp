@@ -1,6 +1,16 @@
-// `browser events`: what the running recorder made of the browser events it
-// received lately, to tell why a website is or is not recorded.
+// `browser register|unregister|status|events`: the native-host registration
+// per browser, what the bridge shows of each browser's extension, and what
+// the running recorder made of the browser events it received lately.
+#include <fmt/format.h>
+
+#include <chrono>
+#include <cstdlib>
+
+#include "bridge/browser_bridge_store.hpp"
+#include "bridge/browser_diagnostics.hpp"
 #include "bridge/browser_event_log.hpp"
+#include "bridge/browser_installation.hpp"
+#include "cli/browser_setup.hpp"
 #include "cli/commands.hpp"
 #include "runtime/recorder_control.hpp"
 
@@ -25,12 +35,223 @@ void showBrowserEvents(CliContext& context) {
     }
 }
 
+const char* environmentValue(const char* name) {
+    return std::getenv(name);
+}
+
+Date systemNow() {
+    return Date::fromSystemClock(std::chrono::system_clock::now());
+}
+
+// The browsers named, or `fallback` when none was.
+std::optional<std::vector<bridge::SupportedBrowser>> chosenBrowsers(
+    CliContext& context, const std::vector<std::string>& names,
+    std::vector<bridge::SupportedBrowser> fallback) {
+    if (names.empty()) {
+        return fallback;
+    }
+    std::vector<bridge::SupportedBrowser> browsers;
+    for (const std::string& name : names) {
+        auto browser = parseBrowserName(name);
+        if (!browser) {
+            context.refuse(browser.error());
+            return std::nullopt;
+        }
+        browsers.push_back(*browser);
+    }
+    return browsers;
+}
+
+void registerBrowsers(CliContext& context, const std::vector<std::string>& names) {
+    const auto locations = bridge::BrowserSearchLocations::fromEnvironment(environmentValue);
+    std::vector<bridge::SupportedBrowser> installed;
+    for (const auto browser : registrableBrowsers()) {
+        if (bridge::browserInstalled(browser, locations)) {
+            installed.push_back(browser);
+        }
+    }
+    const auto browsers = chosenBrowsers(context, names, installed);
+    if (!browsers) {
+        return;
+    }
+    if (browsers->empty()) {
+        context.refuse(
+            "No supported browser is installed. Name one to register it anyway, for example "
+            "`lumenote-cli browser register chromium`.");
+        return;
+    }
+    const auto checker = registrationChecker(context);
+    for (const auto browser : *browsers) {
+        const auto repaired = checker.repair(browser);
+        if (repaired) {
+            context.out << fmt::format("{}: {}\n", bridge::displayName(browser),
+                                       bridge::kRegistrationRepairedMessage);
+        } else {
+            context.refuse(fmt::format("{}: {}", bridge::displayName(browser),
+                                       bridge::message(repaired.error())));
+        }
+    }
+}
+
+void unregisterBrowsers(CliContext& context, const std::vector<std::string>& names) {
+    const auto checker = registrationChecker(context);
+    std::vector<bridge::SupportedBrowser> registered;
+    for (const auto browser : registrableBrowsers()) {
+        if (checker.check(browser).manifestPresent) {
+            registered.push_back(browser);
+        }
+    }
+    const auto browsers = chosenBrowsers(context, names, registered);
+    if (!browsers) {
+        return;
+    }
+    if (browsers->empty()) {
+        context.out << "No browser has a Lumenote native host registration.\n";
+        return;
+    }
+    for (const auto browser : *browsers) {
+        const auto removed = checker.remove(browser);
+        if (removed) {
+            context.out << fmt::format("{}: {}\n", bridge::displayName(browser),
+                                       bridge::kRegistrationRemovedMessage);
+        } else {
+            context.refuse(fmt::format("{}: {}", bridge::displayName(browser),
+                                       bridge::message(removed.error())));
+        }
+    }
+}
+
+std::string registrationText(const bridge::NativeHostSetupSnapshot& snapshot) {
+    if (snapshot.isReady()) {
+        return "registered";
+    }
+    if (!snapshot.manifestPresent) {
+        return "not registered (run `lumenote-cli browser register`)";
+    }
+    if (!snapshot.manifestValid) {
+        return "the manifest is damaged (run `lumenote-cli browser register`)";
+    }
+    if (!snapshot.helperPresent || !snapshot.helperExecutable) {
+        return "the manifest names a helper that is missing or cannot run (run `lumenote-cli "
+               "browser register`)";
+    }
+    return "the manifest authorises another extension (run `lumenote-cli browser register`)";
+}
+
+std::string_view stateText(bridge::BrowserExtensionConnectionState state) {
+    using State = bridge::BrowserExtensionConnectionState;
+    switch (state) {
+        case State::notInstalled:
+            return "not seen yet (to load it: `lumenote-cli extension path`)";
+        case State::installed:
+            return "installed, not connected (is the browser open?)";
+        case State::connecting:
+            return "connecting";
+        case State::connected:
+            return "connected";
+        case State::permissionRequired:
+            return "needs permission";
+        case State::extensionDisabled:
+            return "disabled";
+        case State::unsupportedVersion:
+            return "incompatible version";
+        case State::connectionProblem:
+            return "stopped answering";
+    }
+    return "unknown";
+}
+
+std::string extensionText(const bridge::BrowserExtensionStatus& status) {
+    std::string text(stateText(status.state));
+    if (status.extensionVersion) {
+        text += fmt::format(", extension {}", *status.extensionVersion);
+    }
+    if (status.protocolVersion) {
+        text += fmt::format(", protocol {}", *status.protocolVersion);
+    }
+    if (status.lastResponseReceived) {
+        text += fmt::format(" ({})", bridge::displayText(status.compatibility()));
+    }
+    return text;
+}
+
+void showBrowserStatus(CliContext& context, const std::vector<std::string>& names) {
+    const auto browsers = chosenBrowsers(context, names, registrableBrowsers());
+    if (!browsers) {
+        return;
+    }
+    const Date now = systemNow();
+    const auto checker = registrationChecker(context);
+    const auto locations = bridge::BrowserSearchLocations::fromEnvironment(environmentValue);
+    const bridge::BrowserBridgeStore store(
+        bridge::BrowserBridgeStore::defaultRoot(context.paths, environmentValue));
+    // Started long ago: a status read from the files alone is never "connecting".
+    bridge::BrowserExtensionStatusService extensions(
+        store, now.addingSeconds(-2 * bridge::kExtensionConnectingGraceSeconds));
+    extensions.refresh(now);
+    const auto state = store.readState();
+    const LocalCalendar calendar = LocalCalendar::current();
+
+    for (const auto browser : *browsers) {
+        bridge::BrowserDiagnosticFacts facts;
+        facts.browser = browser;
+        facts.browserInstalled = bridge::browserInstalled(browser, locations);
+        facts.registration = checker.check(browser);
+        facts.extension = extensions.status(browser);
+        facts.bridgeState = state;
+        facts.sessionRunning = state && state->sessionRunning;
+        facts.trackingPaused = state && state->browserTrackingPaused;
+        facts.frontmostBundleIdentifier =
+            state ? state->frontmostBrowserBundleIdentifier : std::nullopt;
+        facts.now = now;
+        const auto status = bridge::diagnoseBrowser(facts);
+        context.out << fmt::format("{} ({}): {}\n", bridge::displayName(browser),
+                                   bridge::bundleIdentifier(browser),
+                                   status.browserInstalled ? "installed" : "not installed");
+        context.out << fmt::format("  Native host:  {}\n", registrationText(facts.registration));
+        context.out << fmt::format("  Extension:    {}\n", extensionText(facts.extension));
+        if (facts.extension.lastResponseReceived) {
+            context.out << fmt::format(
+                "  Last heard:   {}\n",
+                calendar.formatIso8601(*facts.extension.lastResponseReceived));
+        }
+        if (status.issue) {
+            context.out << fmt::format("  Issue:        {}\n", bridge::displayText(*status.issue));
+        }
+    }
+}
+
 }  // namespace
 
 void installBrowserCommands(CLI::App& app, CliContext& context) {
     auto* browser =
         app.add_subcommand("browser", "The browser connection: what the recorder receives");
     browser->require_subcommand(1);
+
+    auto registerNames = std::make_shared<std::vector<std::string>>();
+    auto* registerCommand = browser->add_subcommand(
+        "register",
+        "Let browsers start Lumenote's native host: writes its manifest for each browser named "
+        "(chrome, chromium, edge, brave, vivaldi, opera, firefox), or for every installed one");
+    registerCommand->add_option("BROWSER", *registerNames, "The browsers to register");
+    registerCommand->callback(
+        [&context, registerNames] { registerBrowsers(context, *registerNames); });
+
+    auto unregisterNames = std::make_shared<std::vector<std::string>>();
+    auto* unregisterCommand = browser->add_subcommand(
+        "unregister",
+        "Remove Lumenote's native-host manifest from each browser named, or from every browser");
+    unregisterCommand->add_option("BROWSER", *unregisterNames, "The browsers to unregister");
+    unregisterCommand->callback(
+        [&context, unregisterNames] { unregisterBrowsers(context, *unregisterNames); });
+
+    auto statusNames = std::make_shared<std::vector<std::string>>();
+    auto* statusCommand = browser->add_subcommand(
+        "status",
+        "Show, per browser, whether it is installed, the native-host registration, the "
+        "extension's connection and the one issue that keeps its activity from being recorded");
+    statusCommand->add_option("BROWSER", *statusNames, "The browsers to show (all by default)");
+    statusCommand->callback([&context, statusNames] { showBrowserStatus(context, *statusNames); });
     browser
         ->add_subcommand("events",
                          "Show the last browser events the running recorder accepted or "

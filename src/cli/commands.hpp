@@ -27,8 +27,12 @@ void installRulesCommands(CLI::App& app, CliContext& context);
 // `record`, and pause, resume, end, away, back and status for a running recorder.
 void installRecordCommands(CLI::App& app, CliContext& context);
 
-// `browser events`: the browser events the running recorder handled lately.
+// `browser register|unregister|status|events`: the native-host registration,
+// each browser's connection, and the events the running recorder handled.
 void installBrowserCommands(CLI::App& app, CliContext& context);
+
+// `extension path`: where the built extension packages are.
+void installExtensionCommands(CLI::App& app, CliContext& context);
 
 // `help [COMMAND...]`: the same help as `COMMAND... --help`.
 void installHelpCommand(CLI::App& app, CliContext& context);

@@ -20,7 +20,8 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installRecoveryCommands, installBrowserCommands, installHelpCommand}) {
+                         installRecoveryCommands, installBrowserCommands, installExtensionCommands,
+                         installHelpCommand}) {
         install(app, context);
     }
 

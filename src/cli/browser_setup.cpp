@@ -1,0 +1,84 @@
+#include "cli/browser_setup.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <system_error>
+
+#include "bridge/extension_identity.hpp"
+
+namespace lumenote::cli {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string lowered(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return result;
+}
+
+}  // namespace
+
+fs::path executableFolder() {
+    std::error_code error;
+    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+    return error ? fs::current_path(error) : executable.parent_path();
+}
+
+bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context) {
+    const char* home = std::getenv("HOME");
+    return bridge::NativeHostRegistrationChecker(
+        {home && *home == '/' ? fs::path(home) : context.paths.dataHome.parent_path().parent_path(),
+         context.paths.configHome,
+         bridge::locateBundledHost(executableFolder()).value_or(fs::path()),
+         std::string(bridge::chromiumExtensionIdentifier()),
+         std::string(bridge::firefoxAddonIdentifier())});
+}
+
+std::vector<bridge::SupportedBrowser> registrableBrowsers() {
+    std::vector<bridge::SupportedBrowser> browsers;
+    for (const auto& [browser, name] : RawValues<bridge::SupportedBrowser>::entries) {
+        if (browser != bridge::SupportedBrowser::arc &&
+            browser != bridge::SupportedBrowser::safari) {
+            browsers.push_back(browser);
+        }
+    }
+    return browsers;
+}
+
+Result<bridge::SupportedBrowser, std::string> parseBrowserName(std::string_view name) {
+    const std::string wanted = lowered(name);
+    constexpr std::pair<std::string_view, bridge::SupportedBrowser> kShortNames[] = {
+        {"chrome", bridge::SupportedBrowser::googleChrome},
+        {"google-chrome", bridge::SupportedBrowser::googleChrome},
+        {"edge", bridge::SupportedBrowser::microsoftEdge},
+    };
+    for (const auto& [shortName, browser] : kShortNames) {
+        if (wanted == shortName) {
+            return browser;
+        }
+    }
+    for (const auto& [browser, rawName] : RawValues<bridge::SupportedBrowser>::entries) {
+        if (wanted == lowered(rawName) || wanted == lowered(bridge::bundleIdentifier(browser))) {
+            return browser;
+        }
+    }
+    return fail("No supported browser is called \"" + std::string(name) +
+                "\". Name one of: chrome, chromium, edge, brave, vivaldi, opera, firefox.");
+}
+
+std::optional<fs::path> extensionPackagesFolder(const fs::path& folder) {
+    std::error_code error;
+    for (const fs::path& candidate :
+         {folder.parent_path() / "extension", folder.parent_path() / "share/lumenote/extension"}) {
+        if (fs::is_directory(candidate / "chromium", error)) {
+            return candidate;
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace lumenote::cli

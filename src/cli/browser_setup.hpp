@@ -1,0 +1,40 @@
+// What the browser commands of lumenote-cli share: the registration checker
+// for this user and this installation, the browsers named on the command
+// line, and where the built extension packages are.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "bridge/native_host_registration.hpp"
+#include "bridge/supported_browser.hpp"
+#include "cli/cli_context.hpp"
+#include "foundation/result.hpp"
+
+namespace lumenote::cli {
+
+// The folder of the running lumenote-cli, from /proc/self/exe.
+std::filesystem::path executableFolder();
+
+// The checker for this user's folders and the helper bundled with this
+// installation (an empty helper path when none was found).
+bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context);
+
+// The browsers that have a native-messaging folder on Linux, in table order.
+std::vector<bridge::SupportedBrowser> registrableBrowsers();
+
+// A browser as the user may name it: its case name ("googleChrome",
+// "microsoftEdge"), a short name ("chrome", "edge", "chromium", "firefox",
+// "brave", "vivaldi", "opera") or its identifier ("org.mozilla.firefox"), in
+// any case. Fails with a sentence naming the accepted names.
+Result<bridge::SupportedBrowser, std::string> parseBrowserName(std::string_view name);
+
+// The folder of the built extension packages: beside the build tree's bin/
+// (build/extension) or installed under <prefix>/share/lumenote/extension.
+std::optional<std::filesystem::path> extensionPackagesFolder(
+    const std::filesystem::path& executableFolder);
+
+}  // namespace lumenote::cli
