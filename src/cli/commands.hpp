@@ -31,6 +31,9 @@ void installRecordCommands(CLI::App& app, CliContext& context);
 // each browser's connection, and the events the running recorder handled.
 void installBrowserCommands(CLI::App& app, CliContext& context);
 
+// `setup-test [--report]`: every setup check, the recommended action, the report.
+void installSetupTestCommand(CLI::App& app, CliContext& context);
+
 // `extension path`: where the built extension packages are.
 void installExtensionCommands(CLI::App& app, CliContext& context);
 

@@ -81,4 +81,12 @@ assert site["duration"] >= 2, site
 after = segments[segments.index(site) + 1:]
 assert after and after[0]["bundleIdentifier"] == "LumenoteAlpha", segments
 CHECK
+# The setup test reads this desktop: the X display answers, and the report
+# holds nothing but the permitted characters.
+report=$("$cli" setup-test --report || true)
+grep -qx -- "- Frontmost application observation: Available; no additional permission required" \
+    <<<"$report" || fail "the setup report does not see the X display: $report"
+if LC_ALL=C grep -q "[^-a-zA-Z0-9 ._()+:;,]" <<<"$report"; then
+    fail "the setup report holds characters outside the permitted sets: $report"
+fi
 echo "browser bridge end to end: ok"

@@ -1,0 +1,25 @@
+// Gathers the facts the setup test judges: what the desktop lets the
+// recorder observe, the store, Google Chrome and its native-host
+// registration, the extension as the bridge files show it, notifications,
+// and the system. Reads only; changes nothing.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "bridge/setup_test.hpp"
+#include "foundation/user_paths.hpp"
+
+namespace lumenote::runtime {
+
+struct SetupTestSurroundings {
+    UserPaths paths;
+    std::filesystem::path home;
+    std::filesystem::path executableFolder;  // where the bundled helper is looked for
+    std::string appVersion;
+    std::string appBuild;
+};
+
+bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroundings);
+
+}  // namespace lumenote::runtime
