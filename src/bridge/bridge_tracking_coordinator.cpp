@@ -1,5 +1,7 @@
 #include "bridge/bridge_tracking_coordinator.hpp"
 
+#include "bridge/browser_silence.hpp"
+
 namespace lumenote::bridge {
 
 namespace {
@@ -131,8 +133,23 @@ void BridgeTrackingCoordinator::setFrontmostBundleIdentifier(const std::string& 
     }
     if (browser != frontmostBrowser_) {
         frontmostBrowser_ = std::move(browser);
+        frontmostSince_ = clock_.now();
         publishState(clock_.now());
     }
+}
+
+std::optional<SupportedBrowser> BridgeTrackingCoordinator::silentFrontmostBrowser(Date now) const {
+    if (!session_ || !frontmostBrowser_ || !settings_.browserTrackingEnabled ||
+        settings_.browserTrackingPaused ||
+        now.secondsSince(frontmostSince_) < kBrowserSilenceDelaySeconds) {
+        return std::nullopt;
+    }
+    const auto browser = supportedBrowser(*frontmostBrowser_);
+    const auto heard = browser ? lastEventReceived(*browser) : std::nullopt;
+    if (!browser || (heard && isFreshBrowserEvent(*heard, now))) {
+        return std::nullopt;
+    }
+    return browser;
 }
 
 std::optional<recording::BrowserResolution> BridgeTrackingCoordinator::resolution(

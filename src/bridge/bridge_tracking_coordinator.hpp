@@ -67,6 +67,11 @@ class BridgeTrackingCoordinator final : public recording::BrowserTrackingCoordin
     std::optional<BrowserLiveDiagnostic> liveDiagnostic(SupportedBrowser browser) const;
     std::optional<BrowserLocalFilePermission> localFilePermission(SupportedBrowser browser) const;
     std::optional<Date> lastEventReceived(SupportedBrowser browser) const;
+    // The supported browser in front, when a session runs with browser
+    // tracking on, the browser has been in front for at least
+    // kBrowserSilenceDelaySeconds and no fresh event came from it: its
+    // websites are not being recorded.
+    std::optional<SupportedBrowser> silentFrontmostBrowser(Date now) const;
     // Every browser's extension status as of now (reads the readiness files).
     const BrowserExtensionStatusService& extensionStatus();
     // The last page event of one tab of the running session; nullopt once
@@ -104,6 +109,7 @@ class BridgeTrackingCoordinator final : public recording::BrowserTrackingCoordin
     bool ready_ = false;
     std::optional<Uuid> session_;
     std::optional<std::string> frontmostBrowser_;
+    Date frontmostSince_;
     std::optional<Date> lastPublished_;
     std::map<std::string, BrowserState> browsers_;
     // Per browser and extension tab identifier, for this session: the tab

@@ -73,6 +73,9 @@ std::string recorderStatusJson(const RecorderStatus& status) {
     object["classification"] = rawValue(status.currentClassification);
     object["studyState"] = rawValue(status.studyState);
     object["asleep"] = status.asleep;
+    if (!status.browserWarning.empty()) {
+        object["browserWarning"] = status.browserWarning;
+    }
     return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
@@ -124,6 +127,10 @@ Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string
     status.currentClassification = *classification;
     status.studyState = *studyState;
     status.asleep = asleep->get<bool>();
+    if (const auto warning = object.find("browserWarning");
+        warning != object.end() && warning->is_string()) {
+        status.browserWarning = warning->get<std::string>();
+    }
     return status;
 }
 

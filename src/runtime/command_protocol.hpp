@@ -47,6 +47,9 @@ struct RecorderStatus {
         classification::ActivityClassification::unclassified;
     recording::LiveStudyState studyState = recording::LiveStudyState::computerActivity;
     bool asleep = false;  // the computer sleeps or cannot be observed
+    // Why the browser in front has its websites unrecorded, in one sentence;
+    // empty when nothing is amiss.
+    std::string browserWarning;
 
     friend bool operator==(const RecorderStatus&, const RecorderStatus&) = default;
 };

@@ -33,6 +33,9 @@ std::string statusText(const RecorderStatus& status) {
         text += fmt::format(" · {} ({})", status.currentActivity,
                             rawValue(status.currentClassification));
     }
+    if (!status.browserWarning.empty()) {
+        text += "\n" + status.browserWarning;
+    }
     return text;
 }
 

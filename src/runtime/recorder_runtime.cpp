@@ -215,6 +215,7 @@ RecorderStatus RecorderRuntime::status() {
     status.currentClassification = recorder.currentClassification();
     status.studyState = recorder.liveStudyState();
     status.asleep = recorder.isSleeping();
+    status.browserWarning = services_.browserWarning();
     return status;
 }
 

@@ -7,6 +7,8 @@
 #include <optional>
 
 #include "bridge/browser_settings_binding.hpp"
+#include "bridge/browser_silence.hpp"
+#include "bridge/extension_identity.hpp"
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
@@ -23,6 +25,18 @@ namespace {
 
 const char* environmentValue(const char* name) {
     return std::getenv(name);
+}
+
+// The native-host manifests of this user and the helper bundled with the
+// running executable.
+bridge::NativeHostConfiguration nativeHostConfiguration(const UserPaths& paths) {
+    std::error_code error;
+    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
+    const char* home = std::getenv("HOME");
+    return {home ? std::filesystem::path(home) : std::filesystem::path(), paths.configHome,
+            bridge::locateBundledHost(executable.parent_path()).value_or(std::filesystem::path()),
+            std::string(bridge::chromiumExtensionIdentifier()),
+            std::string(bridge::firefoxAddonIdentifier())};
 }
 
 }  // namespace
@@ -42,6 +56,7 @@ struct RecorderServices::Parts {
           checkpoints(paths.applicationData(), wallClock),
           bridgeStore(bridge::BrowserBridgeStore::defaultRoot(paths, environmentValue)),
           browser(bridgeStore, wallClock, static_cast<std::int32_t>(::getpid())),
+          registration(nativeHostConfiguration(paths)),
           notifications(QDBusConnection::sessionBus()) {}
 
     UserPaths paths;
@@ -55,6 +70,7 @@ struct RecorderServices::Parts {
     recording::FileSessionCheckpointStore checkpoints;
     bridge::BrowserBridgeStore bridgeStore;
     bridge::BridgeTrackingCoordinator browser;
+    bridge::NativeHostRegistrationChecker registration;
     platform::linux_desktop::FreedesktopNotificationService notifications;
     platform::system::HeadlessPlatform headless;
     std::unique_ptr<platform::linux_desktop::X11FrontmostApplicationSource> x11;
@@ -145,6 +161,15 @@ settings::PreferencesStore& RecorderServices::preferences() {
 
 const UserPaths& RecorderServices::paths() const {
     return parts_->paths;
+}
+
+std::string RecorderServices::browserWarning() {
+    const auto silent = parts_->browser.silentFrontmostBrowser(parts_->wallClock.now());
+    if (!silent) {
+        return {};
+    }
+    return bridge::browserSilenceSentence(*silent, parts_->registration.check(*silent),
+                                          parts_->browser.extensionStatus().status(*silent).state);
 }
 
 int RecorderServices::activationDescriptor() const {

@@ -42,6 +42,9 @@ class RecorderServices {
     bridge::BridgeTrackingCoordinator& browserTracking();
     settings::PreferencesStore& preferences();
     const UserPaths& paths() const;
+    // Why the browser in front has its websites unrecorded, in one sentence;
+    // empty when nothing is amiss.
+    std::string browserWarning();
 
     // The descriptor that becomes readable when the frontmost window may
     // have changed; -1 without an X display.

@@ -82,7 +82,11 @@ std::string lineWithout(const RecordingSnapshot& snapshot, const std::string& ac
         case recording::LiveStudyState::computerActivity:
             break;
     }
-    return line + activityName + " · " + classificationName(snapshot.classification);
+    line += activityName + " · " + classificationName(snapshot.classification);
+    if (!snapshot.browserWarning.empty()) {
+        line += " · " + snapshot.browserWarning;
+    }
+    return line;
 }
 
 }  // namespace

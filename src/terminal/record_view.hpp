@@ -27,6 +27,9 @@ struct RecordingSnapshot {
     classification::ActivityClassification classification =
         classification::ActivityClassification::unclassified;
     bool sleeping = false;
+    // Why the browser in front has its websites unrecorded; empty when
+    // nothing is amiss. Shown after the classification.
+    std::string browserWarning;
 };
 
 // "Biology · 12:34 left · Text Editor · Focused · Goal: chapter 3",

@@ -20,7 +20,10 @@ using runtime::RecorderControl;
 }  // namespace
 
 TerminalRecorder::TerminalRecorder(Setup setup, runtime::RecorderServices& services)
-    : setup_(std::move(setup)), calendar_(LocalCalendar::current()), runtime_(services, *this) {
+    : setup_(std::move(setup)),
+      calendar_(LocalCalendar::current()),
+      services_(services),
+      runtime_(services, *this) {
     if (setup_.interactive) {
         keyNotifier_ = std::make_unique<QSocketNotifier>(STDIN_FILENO, QSocketNotifier::Read, this);
         connect(keyNotifier_.get(), &QSocketNotifier::activated, this, &TerminalRecorder::onKey);
@@ -358,6 +361,7 @@ void TerminalRecorder::draw() {
     snapshot.activityName = manager().currentApplicationName();
     snapshot.classification = manager().currentClassification();
     snapshot.sleeping = manager().isSleeping();
+    snapshot.browserWarning = services_.browserWarning();
     if (setup_.interactive) {
         if (question_ == Question::none) {
             setup_.out << "\r\033[2K" << statusLine(snapshot, lineWidth()) << std::flush;

@@ -83,6 +83,7 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
 
     Setup setup_;
     LocalCalendar calendar_;
+    runtime::RecorderServices& services_;
     runtime::RecorderRuntime runtime_;
     std::unique_ptr<QSocketNotifier> keyNotifier_;
     Question question_ = Question::none;

@@ -1,4 +1,5 @@
 #include "bridge/bridge_tracking_coordinator.hpp"
+#include "bridge/browser_silence.hpp"
 
 #include <gtest/gtest.h>
 
@@ -208,6 +209,47 @@ TEST_F(BridgeTrackingCoordinatorTest, AcceptedEventsShowTheExtensionConnectedUnt
     EXPECT_EQ(coordinator_.extensionStatus().status(SupportedBrowser::chromium).state,
               BrowserExtensionConnectionState::installed)
         << "without a readiness file, an extension that fell silent is only known as installed";
+}
+
+TEST_F(BridgeTrackingCoordinatorTest, ABrowserInFrontWithoutFreshEventsIsReportedSilent) {
+    coordinator_.setRunningSession(session_);
+    coordinator_.setFrontmostBundleIdentifier(kChromium);
+    clock_.advance(kBrowserSilenceDelaySeconds - 0.1);
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), std::nullopt)
+        << "a working extension reports within a second of a switch";
+    clock_.advance(0.1);
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), SupportedBrowser::chromium);
+
+    sendPage("github.com", "1");
+    coordinator_.tick();
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), std::nullopt);
+    clock_.advance(kBrowserEventFreshSeconds + 1);
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), SupportedBrowser::chromium);
+
+    coordinator_.applySettings({.browserTrackingPaused = true});
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), std::nullopt);
+    coordinator_.applySettings({});
+    coordinator_.setFrontmostBundleIdentifier("org.gnome.TextEditor");
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), std::nullopt);
+    coordinator_.setFrontmostBundleIdentifier(kChromium);
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), std::nullopt)
+        << "the delay starts again with each switch";
+    coordinator_.setRunningSession(std::nullopt);
+    clock_.advance(kBrowserSilenceDelaySeconds);
+    EXPECT_EQ(coordinator_.silentFrontmostBrowser(clock_.now()), std::nullopt);
+}
+
+TEST(BrowserSilenceSentenceTest, NamesTheFirstCause) {
+    using State = BrowserExtensionConnectionState;
+    const NativeHostSetupSnapshot registered{true, true, true, true, true};
+    EXPECT_EQ(browserSilenceSentence(SupportedBrowser::chromium, {}, State::connected),
+              "Websites in Chromium are not recorded: the native host is not registered "
+              "(lumenote-cli browser register).");
+    EXPECT_EQ(browserSilenceSentence(SupportedBrowser::firefox, registered, State::notInstalled),
+              "Websites in Firefox are not recorded: the Lumenote extension is not installed "
+              "(lumenote-cli extension path).");
+    EXPECT_EQ(browserSilenceSentence(SupportedBrowser::brave, registered, State::connectionProblem),
+              "Websites in Brave are not recorded: the Lumenote extension is disconnected.");
 }
 
 TEST_F(BridgeTrackingCoordinatorTest, FilenameLabelChangeIsPublishedAndToldToEveryBrowserSeen) {

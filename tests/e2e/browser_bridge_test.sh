@@ -46,12 +46,19 @@ recorder_job=$!
 poll_until "the recorder's status" status_matches "LumenoteAlpha"
 activate "$browser"
 poll_until "the browser in front" status_matches "Chromium"
+# With no extension heard from, the recorder says why websites go unrecorded
+# instead of silently recording the browser's name.
+poll_until "the browser watchdog" status_matches \
+    "Websites in Chromium are not recorded: the native host is not registered"
+recorder_warned() { grep -q "Unclassified · Websites in Chromium are not recorded" "$work/recorder.out"; }
+poll_until "the watchdog in the recorder's status line" recorder_warned
 
 timeout 60 "$python" "$here/extension_driver.py" "$bin/TallywiseBrowserHost" \
     org.chromium.Chromium docs.google.com 10 >"$work/extension.out" 2>"$work/extension.err" &
 driver_job=$!
 background+=("$driver_job")
 poll_until "the website in the status" status_matches "docs.google.com"
+status_matches "are not recorded" && fail "the watchdog still warns with the website recorded"
 on_site_from=$(elapsed)
 poll_until "three seconds on the website" elapsed_at_least $((on_site_from + 3))
 activate "$alpha"

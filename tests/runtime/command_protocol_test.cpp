@@ -65,6 +65,11 @@ TEST(RecorderStatusJson, SessionsRoundTripInWholeSeconds) {
         cases.push_back(status);
     }
 
+    RecorderStatus warned = runningStatus();
+    warned.browserWarning =
+        "Websites in Chromium are not recorded: the Lumenote extension is disconnected.";
+    cases.push_back(warned);
+
     for (const RecorderStatus& status : cases) {
         const std::string json = recorderStatusJson(status);
         const auto parsed = parseRecorderStatus(json);

@@ -81,6 +81,21 @@ TEST(RecordView, LiveLineFitsTheTerminalWidth) {
     }
 }
 
+TEST(RecordView, TheBrowserWarningFollowsTheClassificationAndOutranksTheGoal) {
+    RecordingSnapshot snapshot;
+    snapshot.subject = "Biology";
+    snapshot.goal = "Chapter 3";
+    snapshot.plannedDuration = 1500;
+    snapshot.activityName = "Chromium";
+    snapshot.browserWarning =
+        "Websites in Chromium are not recorded: the Lumenote extension is disconnected.";
+    const std::string line =
+        "Biology · 0:25:00 left · Chromium · Unclassified · Websites in Chromium are not "
+        "recorded: the Lumenote extension is disconnected.";
+    EXPECT_EQ(statusLine(snapshot, text::characterCount(line)), line) << "the goal goes first";
+    EXPECT_EQ(statusLine(snapshot), line + " · Goal: Chapter 3");
+}
+
 TEST(RecordView, SummaryLeadsWithStudyTimeAndLeavesOutUnconfirmedTime) {
     recording::StudySession session(Uuid::generate(), "Biology", "", 3600, Date{0});
     session.setStatus(recording::StudySessionStatus::completed);
