@@ -1,6 +1,6 @@
 // The two browsers behind one shape, for the scenario:
 //   prepare({profileDir, packagesDir}) -> { bundleIdentifier, launch() }
-//   launch() -> { goto(url), openPrivateWindow(url), close() }
+//   launch() -> { goto(url), openTab(url) -> { close() }, openPrivateWindow(url), close() }
 // prepare() readies a fresh profile with the extension allowed in private
 // windows (as a user allows it); launch() starts the browser on it, headed,
 // so that its window comes to the front.
@@ -19,6 +19,13 @@ function navigate(page, url) {
   return page.goto(url, { waitUntil: "domcontentloaded", timeout: NAVIGATION_TIMEOUT_MS });
 }
 
+// A new tab in front of the browser's window, showing `url`.
+async function openTab(browser, url) {
+  const page = await browser.newPage();
+  await navigate(page, url);
+  return { close: () => page.close() };
+}
+
 export const chromiumDriver = {
   async prepare({ profileDir, packagesDir }) {
     const extensionDir = join(packagesDir, "chromium");
@@ -35,6 +42,7 @@ export const chromiumDriver = {
         const [page] = await chromium.browser.pages();
         return {
           goto: (url) => navigate(page, url),
+          openTab: (url) => openTab(chromium.browser, url),
           openPrivateWindow: (url) => openIncognitoWindow(chromium.browser, ids.chromiumExtensionId, url),
           close: chromium.close,
         };
@@ -66,6 +74,7 @@ export const firefoxDriver = {
         const [page] = await firefox.browser.pages();
         return {
           goto: (url) => navigate(page, url),
+          openTab: (url) => openTab(firefox.browser, url),
           // WebDriver BiDi opens no private windows: the user's shortcut
           // does, typed into the Firefox window in front.
           async openPrivateWindow(url) {

@@ -1,11 +1,13 @@
 #!/usr/bin/env node
 // One browser's end-to-end scenario: the terminal recorder records while a
-// real browser with the extension and the real native host shows two
-// websites, a local PDF and a private window, and the stored session must
-// hold exactly what the extension may tell: the two hostnames with the
-// classes their rules give, the PDF by its identity and file name, and the
-// private window without any hostname. Runs inside the private desktop of
-// browser_bridge_test.sh (X display, buses, HOME, TMPDIR).
+// real browser with the extension and the real native host shows a website
+// already open when recording starts, a second one in a new tab that is
+// closed again, a local PDF, another application and back, and a private
+// window. The stored session must hold exactly what the extension may tell:
+// the two hostnames with the classes their rules give, the PDF by its
+// identity and file name, and the private window without any hostname. Runs
+// inside the private desktop of browser_bridge_test.sh (X display, buses,
+// HOME, TMPDIR).
 
 import { mkdirSync } from "node:fs";
 import { join } from "node:path";
@@ -82,18 +84,23 @@ async function run({ browser: browserName, bin, extension, work, "other-window":
     step("preparing the browser profile");
     const prepared = await DRIVERS[browserName].prepare({ profileDir, packagesDir: extension });
 
-    recorder = cli.startRecording("Reading", work);
-    await cli.waitForStatus("the recorder", (text) => text.includes("Reading · recording"));
-    step("recording; starting the browser");
+    step("starting the browser before the recorder");
     driver = await prepared.launch();
-
     await driver.goto(site.url("127.0.0.1", "/first.html"));
+    recorder = cli.startRecording("Reading", work);
+    // The extension stays quiet until the host says a session records, then
+    // reports the page at once: well before its first heartbeat.
+    await cli.waitForStatus("the page already open reported when recording starts",
+      shows("127.0.0.1"), 10_000);
     await cli.holdWhileShown("127.0.0.1", SECONDS_PER_PAGE, shows("127.0.0.1"));
     step("first website recorded");
 
-    await driver.goto(site.url("localhost", "/second.html"));
+    const tab = await driver.openTab(site.url("localhost", "/second.html"));
     await cli.holdWhileShown("localhost", SECONDS_PER_PAGE, shows("localhost"));
-    step("second website recorded");
+    step("second website recorded in a new tab");
+    await tab.close();
+    await cli.holdWhileShown("the first tab again", 1, shows("127.0.0.1"));
+    step("the new tab closed; the first tab is back in front");
 
     await driver.goto(pdfURL);
     await cli.holdWhileShown("notes.pdf", SECONDS_PER_PAGE, shows("notes.pdf"));

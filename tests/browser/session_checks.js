@@ -1,5 +1,6 @@
 // What the stored session and the recorder's event log must show after the
-// scenario: the two websites with their rules' classes, the local PDF by
+// scenario: the two websites with their rules' classes (the first again once
+// the second one's tab closed), the local PDF by
 // its identity and file name, the private window without any hostname, and
 // no event refused by the recorder's validation.
 
@@ -11,7 +12,7 @@ const MINIMUM_SECONDS = 1;
 export function checkBrowserEvents(log) {
   assert.ok(!/\brefused\b/.test(log), `the recorder refused events:\n${log}`);
   for (const expected of [/accepted .* website 127\.0\.0\.1/, /accepted .* website localhost/,
-    /accepted .* localPDF/, /accepted .* private/]) {
+    /accepted .* tabClosed/, /accepted .* localPDF/, /accepted .* private/]) {
     assert.match(log, expected);
   }
 }
@@ -53,6 +54,8 @@ export function checkSegments(segments, { browserBundleIdentifier }) {
 
   const second = index((s) => s.first.hostname === "localhost", "second website");
   assert.equal(stretches[second].first.classification, "distracting");
+  const firstAgain = stretches.findIndex((s, at) => at > second && s.first.hostname === "127.0.0.1");
+  assert.ok(firstAgain > second, `the first website did not come back after its tab:\n${describe}`);
 
   const pdf = index((s) => s.first.activitySource === "localPDF", "local PDF");
   const pdfSegment = stretches[pdf].first;
@@ -67,7 +70,8 @@ export function checkSegments(segments, { browserBundleIdentifier }) {
   for (const stretch of afterPDF) {
     assert.equal(stretch.first.hostname, undefined, `a hostname after the private window opened:\n${describe}`);
   }
-  assert.ok(first < second && second < pdf, `the pages are out of order:\n${describe}`);
+  assert.ok(first < second && second < firstAgain && firstAgain < pdf,
+    `the pages are out of order:\n${describe}`);
 
   const hostnames = new Set(segments.map((segment) => segment.hostname).filter(Boolean));
   assert.deepEqual([...hostnames].sort(), ["127.0.0.1", "localhost"]);
