@@ -77,5 +77,22 @@ export function recorderCli(binDir) {
       { stdio: ["ignore", out, err] });
   }
 
-  return { run, statusText, waitForStatus, holdWhileShown, startRecording };
+  // Resolves once the recording process ended with status 0; rejects when it
+  // failed or is still running after `timeoutMs`.
+  function recorderExited(recorder, timeoutMs = 20_000) {
+    return new Promise((resolve, reject) => {
+      const settle = (code) => (code === 0 ? resolve() : reject(new Error(`the recorder ended with ${code}`)));
+      if (recorder.exitCode !== null) {
+        settle(recorder.exitCode);
+        return;
+      }
+      const timer = setTimeout(() => reject(new Error("the recorder did not end")), timeoutMs);
+      recorder.once("exit", (code) => {
+        clearTimeout(timer);
+        settle(code);
+      });
+    });
+  }
+
+  return { run, statusText, waitForStatus, holdWhileShown, startRecording, recorderExited };
 }

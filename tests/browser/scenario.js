@@ -125,7 +125,7 @@ async function run({ browser: browserName, bin, extension, work, "other-window":
     step("browser closed");
 
     await cli.run("end");
-    await new Promise((resolve) => recorder.once("exit", resolve));
+    await cli.recorderExited(recorder);
     recorder = undefined;
     const [session] = JSON.parse(await cli.run("sessions", "--json"));
     const stored = JSON.parse(await cli.run("show", session.id, "--json"));

@@ -25,7 +25,10 @@ export function startTestSite() {
       const { port } = server.address();
       resolve({
         url: (hostname, path) => `http://${hostname}:${port}${path}`,
-        close: () => new Promise((done) => server.close(done)),
+        close: () => new Promise((done) => {
+          server.close(done);
+          server.closeAllConnections();
+        }),
       });
     });
   });
