@@ -9,8 +9,9 @@ const DESCRIPTION =
   "Nothing leaves this computer.";
 const PERMISSIONS = ["nativeMessaging", "tabs", "storage"];
 
-// Chromium 110 keeps a service worker alive while a native-messaging port is
-// open and has storage.session and promise-based APIs.
+// From Chromium 110 an extension's service worker stays alive for as long as
+// its native-messaging port is open; it also has storage.session and the
+// promise-returning APIs the background uses.
 const MINIMUM_CHROMIUM_VERSION = "110";
 // Firefox 128 ESR is the oldest release with every API the background uses
 // (module background scripts, storage.session, Manifest V3); Debian 12
