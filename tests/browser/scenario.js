@@ -15,7 +15,6 @@ import { parseArgs } from "node:util";
 
 import { activateWindow, activeWindow } from "./desktop.js";
 import { chromiumDriver, firefoxDriver } from "./drivers.js";
-import { registerNativeHost } from "./native_host_manifest.js";
 import { recorderCli } from "./recorder_cli.js";
 import { checkBrowserEvents, checkSegments } from "./session_checks.js";
 import { startTestSite, writeLocalPDF } from "./test_site.js";
@@ -77,10 +76,14 @@ async function run({ browser: browserName, bin, extension, work, "other-window":
     await cli.run("rules", "set-website", "127.0.0.1", "focused");
     await cli.run("rules", "set-website", "localhost", "distracting");
 
-    const profileDir = join(work, `${browserName}-profile`);
+    // Chromium's profile is its default one under the test's XDG_CONFIG_HOME,
+    // where `browser register` writes the manifest; Firefox reads the
+    // manifest under the test's HOME whatever its profile.
+    const profileDir = browserName === "chromium"
+      ? join(process.env.XDG_CONFIG_HOME, "chromium")
+      : join(work, `${browserName}-profile`);
     mkdirSync(profileDir, { recursive: true });
-    registerNativeHost({ browser: browserName, hostPath: join(bin, "TallywiseBrowserHost"),
-      userDataDir: profileDir, home: process.env.HOME });
+    await cli.run("browser", "register", browserName);
     step("preparing the browser profile");
     const prepared = await DRIVERS[browserName].prepare({ profileDir, packagesDir: extension });
 
