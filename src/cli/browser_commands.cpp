@@ -161,6 +161,27 @@ std::string_view stateText(bridge::BrowserExtensionConnectionState state) {
     return "unknown";
 }
 
+std::string_view connectionText(bridge::BrowserConnectionTestResult result) {
+    using Result = bridge::BrowserConnectionTestResult;
+    switch (result) {
+        case Result::successful:
+            return "works";
+        case Result::browserNotInstalled:
+            return "the browser is not installed";
+        case Result::nativeHostMissing:
+            return "the native host is not registered";
+        case Result::bridgeUnavailable:
+            return "Lumenote has not prepared its browser bridge yet (it does when it records)";
+        case Result::extensionDidNotRespond:
+            return "the extension did not respond";
+        case Result::versionMismatch:
+            return "the extension and Lumenote versions do not match";
+        case Result::permissionRequired:
+            return "the extension needs permission";
+    }
+    return "unknown";
+}
+
 std::string extensionText(const bridge::BrowserExtensionStatus& status) {
     std::string text(stateText(status.state));
     if (status.extensionVersion) {
@@ -215,6 +236,8 @@ void showBrowserStatus(CliContext& context, const std::vector<std::string>& name
                 "  Last heard:   {}\n",
                 calendar.formatIso8601(*facts.extension.lastResponseReceived));
         }
+        context.out << fmt::format("  Connection:   {}\n", connectionText(bridge::testConnection(
+                                                               status, facts.extension.state)));
         if (status.issue) {
             context.out << fmt::format("  Issue:        {}\n", bridge::displayText(*status.issue));
         }

@@ -49,6 +49,9 @@ TEST_F(BrowserCommandsTest, RegisterStatusAndUnregisterNamedBrowsers) {
     run = runIn(home_, {"browser", "status", "chromium"});
     EXPECT_EQ(run.status, 0) << run.err;
     EXPECT_NE(run.out.find("  Native host:  registered\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("  Connection:   Lumenote has not prepared its browser bridge yet"),
+              std::string::npos)
+        << run.out;
     EXPECT_NE(run.out.find("  Issue:        No active Lumenote session\n"), std::string::npos);
 
     run = runIn(home_, {"browser", "unregister"});
