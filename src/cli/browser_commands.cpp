@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <functional>
 
 #include "bridge/browser_bridge_store.hpp"
 #include "bridge/browser_diagnostics.hpp"
@@ -62,6 +63,23 @@ std::optional<std::vector<bridge::SupportedBrowser>> chosenBrowsers(
     return browsers;
 }
 
+// Runs `change` on each browser and prints "<browser>: <sentence>" for each:
+// `done` when it succeeded, the error's message (a refusal) when not.
+void changeEach(CliContext& context, const std::vector<bridge::SupportedBrowser>& browsers,
+                std::string_view done,
+                const std::function<Result<void, bridge::NativeHostRegistrationError>(
+                    bridge::SupportedBrowser)>& change) {
+    for (const auto browser : browsers) {
+        const auto changed = change(browser);
+        if (changed) {
+            context.out << fmt::format("{}: {}\n", bridge::displayName(browser), done);
+        } else {
+            context.refuse(fmt::format("{}: {}", bridge::displayName(browser),
+                                       bridge::message(changed.error())));
+        }
+    }
+}
+
 void registerBrowsers(CliContext& context, const std::vector<std::string>& names) {
     const auto locations = bridge::BrowserSearchLocations::fromEnvironment(environmentValue);
     std::vector<bridge::SupportedBrowser> installed;
@@ -81,16 +99,8 @@ void registerBrowsers(CliContext& context, const std::vector<std::string>& names
         return;
     }
     const auto checker = registrationChecker(context);
-    for (const auto browser : *browsers) {
-        const auto repaired = checker.repair(browser);
-        if (repaired) {
-            context.out << fmt::format("{}: {}\n", bridge::displayName(browser),
-                                       bridge::kRegistrationRepairedMessage);
-        } else {
-            context.refuse(fmt::format("{}: {}", bridge::displayName(browser),
-                                       bridge::message(repaired.error())));
-        }
-    }
+    changeEach(context, *browsers, bridge::kRegistrationRepairedMessage,
+               [&checker](bridge::SupportedBrowser browser) { return checker.repair(browser); });
 }
 
 void unregisterBrowsers(CliContext& context, const std::vector<std::string>& names) {
@@ -109,16 +119,8 @@ void unregisterBrowsers(CliContext& context, const std::vector<std::string>& nam
         context.out << "No browser has a Lumenote native host registration.\n";
         return;
     }
-    for (const auto browser : *browsers) {
-        const auto removed = checker.remove(browser);
-        if (removed) {
-            context.out << fmt::format("{}: {}\n", bridge::displayName(browser),
-                                       bridge::kRegistrationRemovedMessage);
-        } else {
-            context.refuse(fmt::format("{}: {}", bridge::displayName(browser),
-                                       bridge::message(removed.error())));
-        }
-    }
+    changeEach(context, *browsers, bridge::kRegistrationRemovedMessage,
+               [&checker](bridge::SupportedBrowser browser) { return checker.remove(browser); });
 }
 
 std::string registrationText(const bridge::NativeHostSetupSnapshot& snapshot) {

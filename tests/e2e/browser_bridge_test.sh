@@ -28,15 +28,6 @@ browser=$window
 start_client LumenoteAlpha
 alpha=$window
 
-status_text() { "$cli" status 2>/dev/null || true; }
-status_matches() { [[ "$(status_text)" == *"$1"* ]]; }
-elapsed() {
-    local text
-    text=$(status_text)
-    [[ "$text" =~ ([0-9]+):([0-9]{2}):([0-9]{2}) ]] || { echo 0; return; }
-    echo $((10#${BASH_REMATCH[1]} * 3600 + 10#${BASH_REMATCH[2]} * 60 + 10#${BASH_REMATCH[3]}))
-}
-elapsed_at_least() { (($(elapsed) >= $1)); }
 
 activate "$alpha"
 timeout 120 "$cli" record --subject "Reading" --open-ended \

@@ -135,6 +135,18 @@ activate() {
     timeout 5 xdotool windowactivate --sync "$1" || fail "could not activate window $1"
 }
 
+# What `lumenote-cli status` says (the script sets $cli), whether it says
+# $1, and the session's seconds so far as it shows them.
+status_text() { "$cli" status 2>/dev/null || true; }
+status_matches() { [[ "$(status_text)" == *"$1"* ]]; }
+elapsed() {
+    local text
+    text=$(status_text)
+    [[ "$text" =~ ([0-9]+):([0-9]{2}):([0-9]{2}) ]] || { echo 0; return; }
+    echo $((10#${BASH_REMATCH[1]} * 3600 + 10#${BASH_REMATCH[2]} * 60 + 10#${BASH_REMATCH[3]}))
+}
+elapsed_at_least() { (($(elapsed) >= $1)); }
+
 # login1 METHOD [ARGS...]: drives the test logind.
 login1() {
     timeout 5 dbus-send --bus="$DBUS_SYSTEM_BUS_ADDRESS" --print-reply \
