@@ -39,6 +39,9 @@ class BridgeTrackingCoordinator final : public recording::BrowserTrackingCoordin
     // cannot be made: browsers are then recorded as plain applications.
     Result<void, BrowserBridgeStoreError> start();
     bool ready() const { return ready_; }
+    // The running session and the supported browser in front, as told.
+    const std::optional<Uuid>& runningSession() const { return session_; }
+    const std::optional<std::string>& frontmostBrowser() const { return frontmostBrowser_; }
     // The folder the host drops events into, for a front end to watch.
     std::filesystem::path inboxFolder() const { return store_.inboxFolder(); }
 

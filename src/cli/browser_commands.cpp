@@ -6,11 +6,13 @@
 #include <chrono>
 #include <cstdlib>
 #include <functional>
+#include <map>
 
 #include "bridge/browser_bridge_store.hpp"
 #include "bridge/browser_diagnostics.hpp"
 #include "bridge/browser_event_log.hpp"
 #include "bridge/browser_installation.hpp"
+#include "bridge/browser_status_report.hpp"
 #include "cli/browser_setup.hpp"
 #include "cli/commands.hpp"
 #include "runtime/recorder_control.hpp"
@@ -123,126 +125,51 @@ void unregisterBrowsers(CliContext& context, const std::vector<std::string>& nam
                [&checker](bridge::SupportedBrowser browser) { return checker.remove(browser); });
 }
 
-std::string registrationText(const bridge::NativeHostSetupSnapshot& snapshot) {
-    if (snapshot.isReady()) {
-        return "registered";
-    }
-    if (!snapshot.manifestPresent) {
-        return "not registered (run `lumenote-cli browser register`)";
-    }
-    if (!snapshot.manifestValid) {
-        return "the manifest is damaged (run `lumenote-cli browser register`)";
-    }
-    if (!snapshot.helperPresent || !snapshot.helperExecutable) {
-        return "the manifest names a helper that is missing or cannot run (run `lumenote-cli "
-               "browser register`)";
-    }
-    return "the manifest authorises another extension (run `lumenote-cli browser register`)";
-}
-
-std::string_view stateText(bridge::BrowserExtensionConnectionState state) {
-    using State = bridge::BrowserExtensionConnectionState;
-    switch (state) {
-        case State::notInstalled:
-            return "not seen yet (to load it: `lumenote-cli extension path`)";
-        case State::installed:
-            return "installed, not connected (is the browser open?)";
-        case State::connecting:
-            return "connecting";
-        case State::connected:
-            return "connected";
-        case State::permissionRequired:
-            return "needs permission";
-        case State::extensionDisabled:
-            return "disabled";
-        case State::unsupportedVersion:
-            return "incompatible version";
-        case State::connectionProblem:
-            return "stopped answering";
-    }
-    return "unknown";
-}
-
-std::string_view connectionText(bridge::BrowserConnectionTestResult result) {
-    using Result = bridge::BrowserConnectionTestResult;
-    switch (result) {
-        case Result::successful:
-            return "works";
-        case Result::browserNotInstalled:
-            return "the browser is not installed";
-        case Result::nativeHostMissing:
-            return "the native host is not registered";
-        case Result::bridgeUnavailable:
-            return "Lumenote has not prepared its browser bridge yet (it does when it records)";
-        case Result::extensionDidNotRespond:
-            return "the extension did not respond";
-        case Result::versionMismatch:
-            return "the extension and Lumenote versions do not match";
-        case Result::permissionRequired:
-            return "the extension needs permission";
-    }
-    return "unknown";
-}
-
-std::string extensionText(const bridge::BrowserExtensionStatus& status) {
-    std::string text(stateText(status.state));
-    if (status.extensionVersion) {
-        text += fmt::format(", extension {}", *status.extensionVersion);
-    }
-    if (status.protocolVersion) {
-        text += fmt::format(", protocol {}", *status.protocolVersion);
-    }
-    if (status.lastResponseReceived) {
-        text += fmt::format(" ({})", bridge::displayText(status.compatibility()));
-    }
-    return text;
-}
-
+// Each chosen browser's lines: from the running recorder when there is one
+// (it knows the last events and what is in front), else from the bridge
+// files alone.
 void showBrowserStatus(CliContext& context, const std::vector<std::string>& names) {
     const auto browsers = chosenBrowsers(context, names, registrableBrowsers());
     if (!browsers) {
         return;
     }
-    const Date now = systemNow();
-    const auto checker = registrationChecker(context);
-    const auto locations = bridge::BrowserSearchLocations::fromEnvironment(environmentValue);
-    const bridge::BrowserBridgeStore store(
-        bridge::BrowserBridgeStore::defaultRoot(context.paths, environmentValue));
-    // Started long ago: a status read from the files alone is never "connecting".
-    bridge::BrowserExtensionStatusService extensions(
-        store, now.addingSeconds(-2 * bridge::kExtensionConnectingGraceSeconds));
-    extensions.refresh(now);
-    const auto state = store.readState();
-    const LocalCalendar calendar = LocalCalendar::current();
-
+    std::map<std::string, std::string> texts;
+    if (auto live = runtime::recorderBrowserStatus()) {
+        texts = std::move(live).value();
+    } else {
+        const Date now = systemNow();
+        const auto checker = registrationChecker(context);
+        const bridge::BrowserBridgeStore store(
+            bridge::BrowserBridgeStore::defaultRoot(context.paths, environmentValue));
+        // Started long ago: a status read from the files alone is never "connecting".
+        bridge::BrowserExtensionStatusService extensions(
+            store, now.addingSeconds(-2 * bridge::kExtensionConnectingGraceSeconds));
+        extensions.refresh(now);
+        const auto state = store.readState();
+        const bridge::BrowserStatusSources sources{
+            checker,
+            extensions,
+            bridge::BrowserSearchLocations::fromEnvironment(environmentValue),
+            state,
+            std::nullopt,
+            state && state->sessionRunning,
+            state && state->browserTrackingPaused,
+            state ? state->frontmostBrowserBundleIdentifier : std::nullopt,
+            false,
+            {},
+            now};
+        const LocalCalendar calendar = LocalCalendar::current();
+        for (const bridge::BrowserStatusRow& row : bridge::browserStatusRows(sources)) {
+            texts[std::string(rawValue(row.diagnosis.browser))] =
+                bridge::browserStatusText(row, calendar);
+        }
+    }
     for (const auto browser : *browsers) {
-        bridge::BrowserDiagnosticFacts facts;
-        facts.browser = browser;
-        facts.browserInstalled = bridge::browserInstalled(browser, locations);
-        facts.registration = checker.check(browser);
-        facts.extension = extensions.status(browser);
-        facts.bridgeState = state;
-        facts.sessionRunning = state && state->sessionRunning;
-        facts.trackingPaused = state && state->browserTrackingPaused;
-        facts.frontmostBundleIdentifier =
-            state ? state->frontmostBrowserBundleIdentifier : std::nullopt;
-        facts.now = now;
-        const auto status = bridge::diagnoseBrowser(facts);
-        context.out << fmt::format("{} ({}): {}\n", bridge::displayName(browser),
-                                   bridge::bundleIdentifier(browser),
-                                   status.browserInstalled ? "installed" : "not installed");
-        context.out << fmt::format("  Native host:  {}\n", registrationText(facts.registration));
-        context.out << fmt::format("  Extension:    {}\n", extensionText(facts.extension));
-        if (facts.extension.lastResponseReceived) {
-            context.out << fmt::format(
-                "  Last heard:   {}\n",
-                calendar.formatIso8601(*facts.extension.lastResponseReceived));
-        }
-        context.out << fmt::format("  Connection:   {}\n", connectionText(bridge::testConnection(
-                                                               status, facts.extension.state)));
-        if (status.issue) {
-            context.out << fmt::format("  Issue:        {}\n", bridge::displayText(*status.issue));
-        }
+        const auto text = texts.find(std::string(rawValue(browser)));
+        context.out << (text != texts.end()
+                            ? text->second
+                            : std::string(bridge::displayName(browser)) +
+                                  ": no native messaging on Linux, so never recorded by website\n");
     }
 }
 

@@ -9,13 +9,14 @@ namespace lumenote::runtime {
 
 namespace {
 
-constexpr std::array<std::pair<RecorderCommand, std::string_view>, 6> kMethods{{
+constexpr std::array<std::pair<RecorderCommand, std::string_view>, 7> kMethods{{
     {RecorderCommand::togglePause, "TogglePause"},
     {RecorderCommand::endSession, "EndSession"},
     {RecorderCommand::startPassiveStudy, "StartPassiveStudy"},
     {RecorderCommand::returnToComputerStudy, "ReturnToComputerStudy"},
     {RecorderCommand::status, "Status"},
     {RecorderCommand::browserEvents, "BrowserEvents"},
+    {RecorderCommand::browserStatus, "BrowserStatus"},
 }};
 
 constexpr std::string_view kIdleState = "idle";

@@ -25,7 +25,8 @@ enum class RecorderCommand {
     startPassiveStudy,
     returnToComputerStudy,
     status,
-    browserEvents  // answered with the browser event log, not the status
+    browserEvents,  // answered with the browser event log, not the status
+    browserStatus   // answered with each browser's status text
 };
 
 // The D-Bus method of each command ("TogglePause", "Status", ...).

@@ -23,6 +23,7 @@ class CommandServiceObject : public QObject, protected QDBusContext {
     QString ReturnToComputerStudy() { return answer(handler_.returnToComputerStudy()); }
     QString Status() { return currentStatus(); }
     QString BrowserEvents() { return QString::fromStdString(handler_.browserEvents()); }
+    QString BrowserStatus() { return QString::fromStdString(handler_.browserStatus()); }
 
   private:
     QString answer(const Result<void, std::string>& outcome) {

@@ -32,6 +32,9 @@ class RecorderCommandHandler {
     // The browser events handled lately, as bridge/browser_event_log.hpp's
     // JSON document.
     virtual std::string browserEvents() = 0;
+    // Each browser's status, as a JSON object from the browser's case name to
+    // its lines of `browser status`.
+    virtual std::string browserStatus() = 0;
 };
 
 enum class CommandServiceFailure { noSessionBus, nameTaken, objectNotExported };
@@ -40,7 +43,8 @@ std::string commandServiceFailureMessage(CommandServiceFailure failure);
 // Exports kCommandServicePath with the methods TogglePause, EndSession,
 // StartPassiveStudy, ReturnToComputerStudy and Status, which return the status
 // document (command_protocol.hpp) after the command, and BrowserEvents, which
-// returns the browser event log; a refused command replies
+// returns the browser event log, and BrowserStatus, which returns each
+// browser's status; a refused command replies
 // with the kCommandRefusedError error carrying the handler's sentence.
 //
 // The name is requested without queueing and without allowing replacement,

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <nlohmann/json.hpp>
+
 #include "bridge/browser_event_log.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_figures.hpp"
@@ -114,6 +116,24 @@ Result<std::vector<bridge::BrowserEventLogEntry>, std::string> recorderBrowserEv
         return fail(std::string("The recorder's answer about browser events could not be read."));
     }
     return std::move(parsed).value();
+}
+
+Result<std::map<std::string, std::string>, std::string> recorderBrowserStatus() {
+    auto answer = callRecorderCommand(RecorderCommand::browserStatus);
+    if (!answer.ok()) {
+        return fail(commandClientErrorMessage(answer.error()));
+    }
+    const nlohmann::json parsed = nlohmann::json::parse(*answer, nullptr, false);
+    if (!parsed.is_object()) {
+        return fail(std::string("The recorder's answer about the browsers could not be read."));
+    }
+    std::map<std::string, std::string> texts;
+    for (const auto& [browser, text] : parsed.items()) {
+        if (text.is_string()) {
+            texts[browser] = text.get<std::string>();
+        }
+    }
+    return texts;
 }
 
 }  // namespace lumenote::runtime

@@ -2,6 +2,7 @@
 // `resume`, `end`, `away`, `back`, `status`) over the session bus.
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -22,5 +23,9 @@ Result<std::string, std::string> controlRecorder(RecorderControl control);
 // The browser events the running recorder handled lately, oldest first.
 // Fails with the sentence to show, including when nothing is recording.
 Result<std::vector<bridge::BrowserEventLogEntry>, std::string> recorderBrowserEvents();
+
+// Each browser's lines of `browser status` as the running recorder sees them,
+// keyed by the browser's case name.
+Result<std::map<std::string, std::string>, std::string> recorderBrowserStatus();
 
 }  // namespace lumenote::runtime

@@ -197,6 +197,10 @@ std::string RecorderRuntime::CommandAnswers::browserEvents() {
     return bridge::browserEventLogJson(runtime_.services().browserTracking().eventLog());
 }
 
+std::string RecorderRuntime::CommandAnswers::browserStatus() {
+    return runtime_.services().browserStatusJson();
+}
+
 RecorderStatus RecorderRuntime::status() {
     recording::SessionManager& recorder = manager();
     RecorderStatus status;

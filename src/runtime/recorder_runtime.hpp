@@ -87,6 +87,7 @@ class RecorderRuntime final : public QObject {
         Result<void, std::string> returnToComputerStudy() override;
         RecorderStatus status() override { return runtime_.status(); }
         std::string browserEvents() override;
+        std::string browserStatus() override;
 
       private:
         RecorderRuntime& runtime_;

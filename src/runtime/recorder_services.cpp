@@ -4,10 +4,12 @@
 
 #include <QDBusConnection>
 #include <cstdlib>
+#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "bridge/browser_settings_binding.hpp"
 #include "bridge/browser_silence.hpp"
+#include "bridge/browser_status_report.hpp"
 #include "bridge/extension_identity.hpp"
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
@@ -161,6 +163,31 @@ settings::PreferencesStore& RecorderServices::preferences() {
 
 const UserPaths& RecorderServices::paths() const {
     return parts_->paths;
+}
+
+std::string RecorderServices::browserStatusJson() {
+    bridge::BridgeTrackingCoordinator& browser = parts_->browser;
+    const bridge::BrowserStatusSources sources{
+        parts_->registration,
+        browser.extensionStatus(),
+        bridge::BrowserSearchLocations::fromEnvironment(environmentValue),
+        parts_->bridgeStore.readState(),
+        static_cast<std::int32_t>(::getpid()),
+        browser.runningSession().has_value(),
+        browser.settings().browserTrackingPaused,
+        browser.frontmostBrowser(),
+        browser.settings().filenameLabelsEnabled,
+        [&browser](bridge::SupportedBrowser supported) {
+            return browser.liveDiagnostic(supported);
+        },
+        parts_->wallClock.now()};
+    const LocalCalendar calendar = LocalCalendar::current();
+    nlohmann::ordered_json answer = nlohmann::ordered_json::object();
+    for (const bridge::BrowserStatusRow& row : bridge::browserStatusRows(sources)) {
+        answer[std::string(rawValue(row.diagnosis.browser))] =
+            bridge::browserStatusText(row, calendar);
+    }
+    return answer.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
 std::string RecorderServices::browserWarning() {

@@ -45,6 +45,9 @@ class RecorderServices {
     // Why the browser in front has its websites unrecorded, in one sentence;
     // empty when nothing is amiss.
     std::string browserWarning();
+    // Each browser's status text, as the recorder sees it now, keyed by the
+    // browser's case name (a JSON object).
+    std::string browserStatusJson();
 
     // The descriptor that becomes readable when the frontmost window may
     // have changed; -1 without an X display.

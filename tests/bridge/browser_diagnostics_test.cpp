@@ -1,5 +1,8 @@
 #include "bridge/browser_diagnostics.hpp"
 
+#include "bridge/browser_status_report.hpp"
+#include "support/temporary_home.hpp"
+
 #include <functional>
 
 #include <gtest/gtest.h>
@@ -128,6 +131,45 @@ TEST(BrowserDiagnosticsTest, TheSummaryNamesTheBrowserAndTheIssue) {
     EXPECT_EQ(diagnosticSummary(diagnoseBrowser(facts)),
               "Chromium: installed, native host registered, extension connected, Compatible. No "
               "active Lumenote session.");
+}
+
+TEST(BrowserStatusReportTest, RowsCoverTheRegistrableBrowsersWithTheRecordersLastEvent) {
+    lumenote::testing::TemporaryHome home;
+    const NativeHostRegistrationChecker checker(
+        {home.root(), home.root() / ".config", home.root() / "missing-helper", "a", "b"});
+    BrowserBridgeStore store(home.root() / "bridge");
+    ASSERT_TRUE(store.prepare());
+    BrowserExtensionStatusService extensions(store, kNow.addingSeconds(-600));
+    extensions.recordEvent(SupportedBrowser::chromium, kNow.addingSeconds(-3), std::nullopt);
+    extensions.refresh(kNow);
+    const BrowserStatusSources sources{
+        checker,
+        extensions,
+        {},
+        healthy().bridgeState,
+        77,
+        true,
+        false,
+        std::string("org.chromium.Chromium"),
+        false,
+        [](SupportedBrowser browser) {
+            return browser == SupportedBrowser::chromium ? healthy().liveDiagnostic : std::nullopt;
+        },
+        kNow};
+    const auto rows = browserStatusRows(sources);
+    ASSERT_EQ(rows.size(), 7u) << "all but Arc and Safari";
+    const auto chromium = std::find_if(rows.begin(), rows.end(), [](const BrowserStatusRow& row) {
+        return row.diagnosis.browser == SupportedBrowser::chromium;
+    });
+    ASSERT_NE(chromium, rows.end());
+    const std::string text = browserStatusText(*chromium, *LocalCalendar::named("UTC"));
+    EXPECT_EQ(text,
+              "Chromium (org.chromium.Chromium): not installed\n"
+              "  Native host:  not registered (run `lumenote-cli browser register`)\n"
+              "  Extension:    connected\n"
+              "  Last event:   2026-11-25 09:59:57 (Website)\n"
+              "  Connection:   the browser is not installed\n"
+              "  Issue:        The native host is not registered\n");
 }
 
 }  // namespace

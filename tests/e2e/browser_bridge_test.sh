@@ -50,6 +50,9 @@ driver_job=$!
 background+=("$driver_job")
 poll_until "the website in the status" status_matches "docs.google.com"
 status_matches "are not recorded" && fail "the watchdog still warns with the website recorded"
+live=$("$cli" browser status chromium)
+[[ "$live" == *"Last event:   "*"(Website)"* ]] ||
+    fail "browser status does not show the running recorder's last event: $live"
 on_site_from=$(elapsed)
 poll_until "three seconds on the website" elapsed_at_least $((on_site_from + 3))
 activate "$alpha"

@@ -62,6 +62,7 @@ class StubRecorder final : public lumenote::runtime::RecorderCommandHandler {
         return {};
     }
     std::string browserEvents() override { return R"({"events":[]})"; }
+    std::string browserStatus() override { return "{}"; }
     lumenote::runtime::RecorderStatus status() override {
         lumenote::runtime::RecorderStatus status;
         status.sessionActive = active_;
