@@ -75,7 +75,15 @@ BrowserExtensionStatus extensionStatus(SupportedBrowser browser,
 BrowserExtensionStatusService::BrowserExtensionStatusService(const BrowserBridgeStore& store,
                                                              Date startedAt)
     : store_(store), startedAt_(startedAt) {
-    refresh(startedAt);
+    recompute({}, startedAt);
+}
+
+BrowserExtensionStatusService BrowserExtensionStatusService::readNow(
+    const BrowserBridgeStore& store, Date now) {
+    BrowserExtensionStatusService service(store,
+                                          now.addingSeconds(-2 * kExtensionConnectingGraceSeconds));
+    service.refresh(now);
+    return service;
 }
 
 void BrowserExtensionStatusService::recordEvent(
@@ -94,6 +102,11 @@ void BrowserExtensionStatusService::refresh(Date now) {
             readiness[*browser] = std::move(found);
         }
     }
+    recompute(readiness, now);
+}
+
+void BrowserExtensionStatusService::recompute(
+    const std::map<SupportedBrowser, BrowserBridgeReadiness>& readiness, Date now) {
     statuses_.clear();
     for (const auto& [browser, name] : RawValues<SupportedBrowser>::entries) {
         const auto ready = readiness.find(browser);

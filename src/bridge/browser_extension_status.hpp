@@ -96,7 +96,14 @@ BrowserExtensionStatus extensionStatus(SupportedBrowser browser,
 
 class BrowserExtensionStatusService {
   public:
+    // Reads nothing: until the first refresh every browser is notInstalled.
     BrowserExtensionStatusService(const BrowserBridgeStore& store, Date startedAt);
+
+    // The statuses the files alone show at `now`, for a process that was not
+    // watching (a command, the setup test): it started long ago as far as the
+    // rules go, so an old "connected" readiness is a problem, never
+    // `connecting`.
+    static BrowserExtensionStatusService readNow(const BrowserBridgeStore& store, Date now);
 
     // An accepted event from `browser` at `receivedAt`.
     void recordEvent(SupportedBrowser browser, Date receivedAt,
@@ -109,6 +116,8 @@ class BrowserExtensionStatusService {
     const BrowserExtensionStatus& status(SupportedBrowser browser) const;
 
   private:
+    void recompute(const std::map<SupportedBrowser, BrowserBridgeReadiness>& readiness, Date now);
+
     const BrowserBridgeStore& store_;
     Date startedAt_;
     std::map<SupportedBrowser, Date> lastEvents_;

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "bridge/extension_identity.hpp"
 #include "bridge/json_members.hpp"
 #include "foundation/private_file.hpp"
 
@@ -174,6 +175,20 @@ Result<void, NativeHostRegistrationError> NativeHostRegistrationChecker::remove(
         return fail(NativeHostRegistrationError::removeFailed);
     }
     return {};
+}
+
+NativeHostConfiguration nativeHostConfiguration(const UserPaths& paths,
+                                                const EnvironmentLookup& environment) {
+    const char* home = environment("HOME");
+    return {home && *home == '/' ? fs::path(home) : paths.configHome.parent_path(),
+            paths.configHome, locateBundledHost(runningExecutableFolder()).value_or(fs::path()),
+            std::string(chromiumExtensionIdentifier()), std::string(firefoxAddonIdentifier())};
+}
+
+fs::path runningExecutableFolder() {
+    std::error_code error;
+    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
+    return error ? fs::current_path(error) : executable.parent_path();
 }
 
 std::optional<fs::path> locateBundledHost(const fs::path& executableFolder) {

@@ -30,6 +30,7 @@
 
 #include "bridge/supported_browser.hpp"
 #include "foundation/result.hpp"
+#include "foundation/user_paths.hpp"
 
 namespace lumenote::bridge {
 
@@ -79,6 +80,18 @@ struct NativeHostConfiguration {
     std::string chromiumExtensionIdentifier;
     std::string firefoxAddonIdentifier;
 };
+
+// The configuration of this user and this installation: the home folder
+// from HOME (the folder above the configuration folder without it), the
+// configuration folder of `paths`, the helper bundled with the running
+// executable (an empty path when none is found) and the extension's
+// compiled-in identities.
+NativeHostConfiguration nativeHostConfiguration(const UserPaths& paths,
+                                                const EnvironmentLookup& environment);
+
+// The folder of the running executable, from /proc/self/exe; the current
+// folder when that cannot be read.
+std::filesystem::path runningExecutableFolder();
 
 class NativeHostRegistrationChecker {
   public:

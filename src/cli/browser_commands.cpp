@@ -141,10 +141,7 @@ void showBrowserStatus(CliContext& context, const std::vector<std::string>& name
         const auto checker = registrationChecker(context);
         const bridge::BrowserBridgeStore store(
             bridge::BrowserBridgeStore::defaultRoot(context.paths, environmentValue));
-        // Started long ago: a status read from the files alone is never "connecting".
-        bridge::BrowserExtensionStatusService extensions(
-            store, now.addingSeconds(-2 * bridge::kExtensionConnectingGraceSeconds));
-        extensions.refresh(now);
+        const auto extensions = bridge::BrowserExtensionStatusService::readNow(store, now);
         const auto state = store.readState();
         const bridge::BrowserStatusSources sources{
             checker,

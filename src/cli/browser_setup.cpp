@@ -5,8 +5,6 @@
 #include <cstdlib>
 #include <system_error>
 
-#include "bridge/extension_identity.hpp"
-
 namespace lumenote::cli {
 
 namespace fs = std::filesystem;
@@ -22,20 +20,9 @@ std::string lowered(std::string_view text) {
 
 }  // namespace
 
-fs::path executableFolder() {
-    std::error_code error;
-    const fs::path executable = fs::read_symlink("/proc/self/exe", error);
-    return error ? fs::current_path(error) : executable.parent_path();
-}
-
 bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context) {
-    const char* home = std::getenv("HOME");
-    return bridge::NativeHostRegistrationChecker(
-        {home && *home == '/' ? fs::path(home) : context.paths.dataHome.parent_path().parent_path(),
-         context.paths.configHome,
-         bridge::locateBundledHost(executableFolder()).value_or(fs::path()),
-         std::string(bridge::chromiumExtensionIdentifier()),
-         std::string(bridge::firefoxAddonIdentifier())});
+    return bridge::NativeHostRegistrationChecker(bridge::nativeHostConfiguration(
+        context.paths, [](const char* name) { return std::getenv(name); }));
 }
 
 std::vector<bridge::SupportedBrowser> registrableBrowsers() {

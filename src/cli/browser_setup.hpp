@@ -16,9 +16,6 @@
 
 namespace lumenote::cli {
 
-// The folder of the running lumenote-cli, from /proc/self/exe.
-std::filesystem::path executableFolder();
-
 // The checker for this user's folders and the helper bundled with this
 // installation (an empty helper path when none was found).
 bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context);

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "bridge/extension_identity.hpp"
+#include "bridge/native_host_registration.hpp"
 #include "cli/browser_setup.hpp"
 #include "cli/commands.hpp"
 
@@ -11,7 +12,7 @@ namespace lumenote::cli {
 namespace {
 
 void showExtensionPath(CliContext& context) {
-    const auto folder = extensionPackagesFolder(executableFolder());
+    const auto folder = extensionPackagesFolder(bridge::runningExecutableFolder());
     if (!folder) {
         context.refuse(
             "The extension packages were not found beside this lumenote-cli. Build them with "

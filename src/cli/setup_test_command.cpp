@@ -3,11 +3,9 @@
 #include <fmt/format.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <memory>
 
 #include "bridge/setup_test.hpp"
-#include "cli/browser_setup.hpp"
 #include "cli/commands.hpp"
 #include "cli/run_cli.hpp"
 #include "runtime/setup_test_input.hpp"
@@ -17,10 +15,8 @@ namespace lumenote::cli {
 namespace {
 
 void runSetupTestCommand(CliContext& context, bool reportOnly) {
-    const char* home = std::getenv("HOME");
-    const runtime::SetupTestSurroundings surroundings{
-        context.paths, home ? std::filesystem::path(home) : std::filesystem::path(),
-        executableFolder(), LUMENOTE_VERSION, LUMENOTE_BUILD_NUMBER};
+    const runtime::SetupTestSurroundings surroundings{context.paths, LUMENOTE_VERSION,
+                                                      LUMENOTE_BUILD_NUMBER};
     const bridge::SetupTestReport report =
         bridge::runSetupTest(runtime::gatherSetupTestInput(surroundings),
                              Date::fromSystemClock(std::chrono::system_clock::now()));

@@ -10,7 +10,6 @@
 #include "bridge/browser_settings_binding.hpp"
 #include "bridge/browser_silence.hpp"
 #include "bridge/browser_status_report.hpp"
-#include "bridge/extension_identity.hpp"
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
@@ -27,18 +26,6 @@ namespace {
 
 const char* environmentValue(const char* name) {
     return std::getenv(name);
-}
-
-// The native-host manifests of this user and the helper bundled with the
-// running executable.
-bridge::NativeHostConfiguration nativeHostConfiguration(const UserPaths& paths) {
-    std::error_code error;
-    const std::filesystem::path executable = std::filesystem::read_symlink("/proc/self/exe", error);
-    const char* home = std::getenv("HOME");
-    return {home ? std::filesystem::path(home) : std::filesystem::path(), paths.configHome,
-            bridge::locateBundledHost(executable.parent_path()).value_or(std::filesystem::path()),
-            std::string(bridge::chromiumExtensionIdentifier()),
-            std::string(bridge::firefoxAddonIdentifier())};
 }
 
 }  // namespace
@@ -58,7 +45,7 @@ struct RecorderServices::Parts {
           checkpoints(paths.applicationData(), wallClock),
           bridgeStore(bridge::BrowserBridgeStore::defaultRoot(paths, environmentValue)),
           browser(bridgeStore, wallClock, static_cast<std::int32_t>(::getpid())),
-          registration(nativeHostConfiguration(paths)),
+          registration(bridge::nativeHostConfiguration(paths, environmentValue)),
           notifications(QDBusConnection::sessionBus()) {}
 
     UserPaths paths;

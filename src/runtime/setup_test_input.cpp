@@ -91,17 +91,12 @@ bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroun
     input.notificationPreferenceEnabled = preferences.notificationsEnabled();
 
     const bridge::NativeHostRegistrationChecker checker(
-        {surroundings.home, surroundings.paths.configHome,
-         bridge::locateBundledHost(surroundings.executableFolder).value_or(std::filesystem::path()),
-         std::string(bridge::chromiumExtensionIdentifier()),
-         std::string(bridge::firefoxAddonIdentifier())});
+        bridge::nativeHostConfiguration(surroundings.paths, environmentValue));
     input.nativeHost = checker.check(SupportedBrowser::googleChrome);
 
     const bridge::BrowserBridgeStore store(
         bridge::BrowserBridgeStore::defaultRoot(surroundings.paths, environmentValue));
-    bridge::BrowserExtensionStatusService extensions(
-        store, now.addingSeconds(-2 * bridge::kExtensionConnectingGraceSeconds));
-    extensions.refresh(now);
+    const auto extensions = bridge::BrowserExtensionStatusService::readNow(store, now);
     const bridge::BrowserExtensionStatus& chrome =
         extensions.status(SupportedBrowser::googleChrome);
     input.extensionState = chrome.state;

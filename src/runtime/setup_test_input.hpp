@@ -14,8 +14,6 @@ namespace lumenote::runtime {
 
 struct SetupTestSurroundings {
     UserPaths paths;
-    std::filesystem::path home;
-    std::filesystem::path executableFolder;  // where the bundled helper is looked for
     std::string appVersion;
     std::string appBuild;
 };

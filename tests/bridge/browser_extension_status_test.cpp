@@ -67,6 +67,9 @@ TEST(BrowserExtensionStatusTest, TheServiceReadsTheReadinessFilesAndTheEventsItW
 
     BrowserExtensionStatusService service(store, kStart);
     ASSERT_EQ(service.statuses().size(), 9u);
+    EXPECT_EQ(service.status(SupportedBrowser::chromium).state, State::notInstalled)
+        << "nothing is read before the first refresh";
+    service.refresh(kStart);
     EXPECT_EQ(service.status(SupportedBrowser::chromium).state, State::connected);
     EXPECT_EQ(service.status(SupportedBrowser::chromium).extensionVersion, "1.0.0");
     EXPECT_EQ(service.status(SupportedBrowser::firefox).state, State::installed);
