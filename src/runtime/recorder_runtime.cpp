@@ -246,6 +246,9 @@ void RecorderRuntime::onTick() {
     if (stopped_) {
         return;
     }
+    // A setting changed with the command line (pausing browser tracking,
+    // file-name labels, the no-input threshold) takes effect within a tick.
+    services_.preferences().adoptChangesMadeElsewhere();
     manager().tick();
     drainBrowserEvents();
     // Xlib may have read activation events off the socket during the tick's

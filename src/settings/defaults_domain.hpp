@@ -49,6 +49,10 @@ class DefaultsDomain {
     // Why the last change could not be kept, if it could not. The change stays
     // visible to this process's reads either way; the store itself never fails.
     virtual std::optional<PrivateFileError> lastWriteError() const { return std::nullopt; }
+    // Takes in what another process stored since this one last read or wrote
+    // the domain; whether anything was read again. A domain that no other
+    // process shares never changes behind this one's back.
+    virtual bool refreshFromStorage() { return false; }
 
     // The plain typed getters, which take the zero value (false, 0, 0.0) when
     // the key is missing. A value of another type is converted: numbers and

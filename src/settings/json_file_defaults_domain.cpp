@@ -93,6 +93,12 @@ void JsonFileDefaultsDomain::refreshIfChanged() {
     }
 }
 
+bool JsonFileDefaultsDomain::refreshFromStorage() {
+    const bool changed = seen_ && !(*seen_ == currentSignature());
+    refreshIfChanged();
+    return changed;
+}
+
 void JsonFileDefaultsDomain::reload() {
     values_.clear();
     auto bytes = private_file::read(path_, kMaximumDefaultsBytes);

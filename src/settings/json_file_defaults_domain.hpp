@@ -60,6 +60,9 @@ class JsonFileDefaultsDomain final : public DefaultsDomain {
     void remove(const std::vector<std::string>& keys) override;
     using DefaultsDomain::remove;
     std::optional<PrivateFileError> lastWriteError() const override { return lastWriteError_; }
+    // One stat of the file; the document is read again only when it was
+    // replaced (or first appeared, or went away) since this process saw it.
+    bool refreshFromStorage() override;
 
     const std::filesystem::path& path() const { return path_; }
     // Where the last unusable document was moved, when one was found.

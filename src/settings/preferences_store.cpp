@@ -41,6 +41,60 @@ CalendarDay calendarDay(std::string_view dayKey) {
     return result;
 }
 
+// The stored properties whose values differ, in property order.
+std::vector<PreferenceProperty> changedProperties(const PreferenceValues& before,
+                                                  const PreferenceValues& after) {
+    std::vector<PreferenceProperty> changed;
+    const auto note = [&changed](bool differs, PreferenceProperty property) {
+        if (differs) {
+            changed.push_back(property);
+        }
+    };
+    note(before.launchAtLogin != after.launchAtLogin, P::launchAtLogin);
+    note(before.startHidden != after.startHidden, P::startHidden);
+    note(before.appearance != after.appearance, P::appearance);
+    note(before.defaultDuration != after.defaultDuration, P::defaultDuration);
+    note(before.rememberLastDuration != after.rememberLastDuration, P::rememberLastDuration);
+    note(before.defaultSubject != after.defaultSubject, P::defaultSubject);
+    note(before.rememberLastSubject != after.rememberLastSubject, P::rememberLastSubject);
+    note(before.defaultGoal != after.defaultGoal, P::defaultGoal);
+    note(before.rememberLastGoal != after.rememberLastGoal, P::rememberLastGoal);
+    note(before.defaultStudyMode != after.defaultStudyMode, P::defaultStudyMode);
+    note(before.lastTimingMode != after.lastTimingMode, P::lastTimingMode);
+    note(before.hasSeenPassiveStudyIntroduction != after.hasSeenPassiveStudyIntroduction,
+         P::hasSeenPassiveStudyIntroduction);
+    note(before.globalHotkeyEnabled != after.globalHotkeyEnabled, P::globalHotkeyEnabled);
+    note(before.globalHotkey != after.globalHotkey, P::globalHotkey);
+    note(before.passiveStudyPromptThreshold != after.passiveStudyPromptThreshold,
+         P::passiveStudyPromptThreshold);
+    note(before.inactivityThreshold != after.inactivityThreshold, P::inactivityThreshold);
+    note(before.longSleep != after.longSleep, P::longSleep);
+    note(before.notificationsEnabled != after.notificationsEnabled, P::notificationsEnabled);
+    note(before.notificationsIncludeSubject != after.notificationsIncludeSubject,
+         P::notificationsIncludeSubject);
+    note(before.browserTrackingEnabled != after.browserTrackingEnabled, P::browserTrackingEnabled);
+    note(before.hostnameTrackingEnabled != after.hostnameTrackingEnabled,
+         P::hostnameTrackingEnabled);
+    note(before.localPDFDetectionEnabled != after.localPDFDetectionEnabled,
+         P::localPDFDetectionEnabled);
+    note(before.manualPDFLabelsEnabled != after.manualPDFLabelsEnabled, P::manualPDFLabelsEnabled);
+    note(before.pauseAllBrowserTracking != after.pauseAllBrowserTracking,
+         P::pauseAllBrowserTracking);
+    note(before.onboardingCompletedVersion != after.onboardingCompletedVersion,
+         P::onboardingCompletedVersion);
+    note(before.onboardingLastStep != after.onboardingLastStep, P::onboardingLastStep);
+    note(before.firstName != after.firstName, P::firstName);
+    note(before.dailyStudyGoalMinutes != after.dailyStudyGoalMinutes, P::dailyStudyGoalMinutes);
+    note(before.sessionCelebrationsEnabled != after.sessionCelebrationsEnabled,
+         P::sessionCelebrationsEnabled);
+    note(before.insightsAIPhrasingEnabled != after.insightsAIPhrasingEnabled,
+         P::insightsAIPhrasingEnabled);
+    note(before.insightsAIProviderIdentifier != after.insightsAIProviderIdentifier,
+         P::insightsAIProviderIdentifier);
+    note(before.derivedRevision != after.derivedRevision, P::derivedRevision);
+    return changed;
+}
+
 }  // namespace
 
 PreferencesStore::PreferencesStore(DefaultsDomain& domain,
@@ -51,47 +105,53 @@ PreferencesStore::PreferencesStore(DefaultsDomain& domain,
 
 void PreferencesStore::readAll() {
     DefaultsDomain& d = domain_;
-    launchAtLogin_ = d.boolForKey(keys::launchAtLogin);
-    startHidden_ = d.boolForKey(keys::startHidden);
-    appearance_ = appearanceFromStored(d.stringForKey(keys::appearance));
-    defaultDuration_ = clampedThreshold(
+    values_.launchAtLogin = d.boolForKey(keys::launchAtLogin);
+    values_.startHidden = d.boolForKey(keys::startHidden);
+    values_.appearance = appearanceFromStored(d.stringForKey(keys::appearance));
+    values_.defaultDuration = clampedThreshold(
         asDouble(d.object(keys::defaultDuration)).value_or(kDefaultDurationRange.fallback),
         kDefaultDurationRange);
-    rememberLastDuration_ = d.boolForKey(keys::rememberLastDuration);
-    defaultSubject_ = d.stringForKey(keys::defaultSubject).value_or("");
-    rememberLastSubject_ = d.boolForKey(keys::rememberLastSubject);
-    defaultGoal_ = d.stringForKey(keys::defaultGoal).value_or("");
-    rememberLastGoal_ = d.boolForKey(keys::rememberLastGoal);
-    defaultStudyMode_ = studyModeFromStored(d.stringForKey(keys::defaultStudyMode));
-    lastTimingMode_ = timingModeFromStored(d.stringForKey(keys::lastTimingMode));
-    hasSeenPassiveStudyIntroduction_ = d.boolForKey(keys::hasSeenPassiveStudyIntroduction);
+    values_.rememberLastDuration = d.boolForKey(keys::rememberLastDuration);
+    values_.defaultSubject = d.stringForKey(keys::defaultSubject).value_or("");
+    values_.rememberLastSubject = d.boolForKey(keys::rememberLastSubject);
+    values_.defaultGoal = d.stringForKey(keys::defaultGoal).value_or("");
+    values_.rememberLastGoal = d.boolForKey(keys::rememberLastGoal);
+    values_.defaultStudyMode = studyModeFromStored(d.stringForKey(keys::defaultStudyMode));
+    values_.lastTimingMode = timingModeFromStored(d.stringForKey(keys::lastTimingMode));
+    values_.hasSeenPassiveStudyIntroduction = d.boolForKey(keys::hasSeenPassiveStudyIntroduction);
     globalHotkeyStatusMessage_.reset();
-    globalHotkeyEnabled_ = d.boolForKey(keys::globalHotkeyEnabled);
-    globalHotkey_ = globalHotkeyBindingFromStored(asInteger(d.object(keys::globalHotkeyKeyCode)),
-                                                  asInteger(d.object(keys::globalHotkeyModifiers)));
-    passiveStudyPromptThreshold_ =
+    values_.globalHotkeyEnabled = d.boolForKey(keys::globalHotkeyEnabled);
+    values_.globalHotkey =
+        globalHotkeyBindingFromStored(asInteger(d.object(keys::globalHotkeyKeyCode)),
+                                      asInteger(d.object(keys::globalHotkeyModifiers)));
+    values_.passiveStudyPromptThreshold =
         clampedThreshold(asDouble(d.object(keys::passiveStudyPromptThreshold))
                              .value_or(kPassiveStudyPromptRange.fallback),
                          kPassiveStudyPromptRange);
-    inactivityThreshold_ = clampedThreshold(
+    values_.inactivityThreshold = clampedThreshold(
         asDouble(d.object(keys::inactivityThreshold)).value_or(kInactivityThresholdRange.fallback),
         kInactivityThresholdRange);
-    longSleep_ = longSleepPreferenceFromStored(asInteger(d.object(keys::longSleep)));
-    notificationsEnabled_ = d.boolForKey(keys::notificationsEnabled);
-    notificationsIncludeSubject_ = d.boolForKey(keys::notificationsIncludeSubject);
-    browserTrackingEnabled_ = asBool(d.object(keys::browserTrackingEnabled)).value_or(true);
-    hostnameTrackingEnabled_ = asBool(d.object(keys::hostnameTrackingEnabled)).value_or(true);
-    localPDFDetectionEnabled_ = asBool(d.object(keys::localPDFDetectionEnabled)).value_or(true);
-    manualPDFLabelsEnabled_ = asBool(d.object(keys::manualPDFLabelsEnabled)).value_or(true);
-    pauseAllBrowserTracking_ = d.boolForKey(keys::pauseAllBrowserTracking);
-    onboardingCompletedVersion_ = d.integerForKey(keys::onboardingCompletedVersion);
-    onboardingLastStep_ = d.integerForKey(keys::onboardingLastStep);
-    firstName_ = normalisedFirstName(d.stringForKey(keys::firstName).value_or(""));
-    dailyStudyGoalMinutes_ = clampedDailyStudyGoal(d.integerForKey(keys::dailyStudyGoalMinutes));
-    sessionCelebrationsEnabled_ = asBool(d.object(keys::sessionCelebrationsEnabled)).value_or(true);
-    insightsAIPhrasingEnabled_ = asBool(d.object(keys::insightsAIPhrasingEnabled)).value_or(false);
-    insightsAIProviderIdentifier_ = std::string(kNoAIProvider);
-    derivedRevision_ = d.integerForKey(keys::derivedRevision);
+    values_.longSleep = longSleepPreferenceFromStored(asInteger(d.object(keys::longSleep)));
+    values_.notificationsEnabled = d.boolForKey(keys::notificationsEnabled);
+    values_.notificationsIncludeSubject = d.boolForKey(keys::notificationsIncludeSubject);
+    values_.browserTrackingEnabled = asBool(d.object(keys::browserTrackingEnabled)).value_or(true);
+    values_.hostnameTrackingEnabled =
+        asBool(d.object(keys::hostnameTrackingEnabled)).value_or(true);
+    values_.localPDFDetectionEnabled =
+        asBool(d.object(keys::localPDFDetectionEnabled)).value_or(true);
+    values_.manualPDFLabelsEnabled = asBool(d.object(keys::manualPDFLabelsEnabled)).value_or(true);
+    values_.pauseAllBrowserTracking = d.boolForKey(keys::pauseAllBrowserTracking);
+    values_.onboardingCompletedVersion = d.integerForKey(keys::onboardingCompletedVersion);
+    values_.onboardingLastStep = d.integerForKey(keys::onboardingLastStep);
+    values_.firstName = normalisedFirstName(d.stringForKey(keys::firstName).value_or(""));
+    values_.dailyStudyGoalMinutes =
+        clampedDailyStudyGoal(d.integerForKey(keys::dailyStudyGoalMinutes));
+    values_.sessionCelebrationsEnabled =
+        asBool(d.object(keys::sessionCelebrationsEnabled)).value_or(true);
+    values_.insightsAIPhrasingEnabled =
+        asBool(d.object(keys::insightsAIPhrasingEnabled)).value_or(false);
+    values_.insightsAIProviderIdentifier = std::string(kNoAIProvider);
+    values_.derivedRevision = d.integerForKey(keys::derivedRevision);
 }
 
 void PreferencesStore::write(std::string_view key, DefaultsValue value,
@@ -107,57 +167,59 @@ void PreferencesStore::writeBool(std::string_view key, bool& member, bool value,
 }
 
 void PreferencesStore::setLaunchAtLogin(bool value) {
-    writeBool(keys::launchAtLogin, launchAtLogin_, value, P::launchAtLogin);
+    writeBool(keys::launchAtLogin, values_.launchAtLogin, value, P::launchAtLogin);
 }
 
 void PreferencesStore::setStartHidden(bool value) {
-    writeBool(keys::startHidden, startHidden_, value, P::startHidden);
+    writeBool(keys::startHidden, values_.startHidden, value, P::startHidden);
 }
 
 void PreferencesStore::setAppearance(TallywiseAppearance value) {
-    appearance_ = value;
+    values_.appearance = value;
     write(keys::appearance, std::string(rawValue(value)), P::appearance);
 }
 
 void PreferencesStore::setDefaultDuration(double seconds) {
-    defaultDuration_ = clampedThreshold(seconds, kDefaultDurationRange);
-    write(keys::defaultDuration, defaultDuration_, P::defaultDuration);
+    values_.defaultDuration = clampedThreshold(seconds, kDefaultDurationRange);
+    write(keys::defaultDuration, values_.defaultDuration, P::defaultDuration);
 }
 
 void PreferencesStore::setRememberLastDuration(bool value) {
-    writeBool(keys::rememberLastDuration, rememberLastDuration_, value, P::rememberLastDuration);
+    writeBool(keys::rememberLastDuration, values_.rememberLastDuration, value,
+              P::rememberLastDuration);
 }
 
 void PreferencesStore::setDefaultSubject(std::string value) {
-    defaultSubject_ = std::move(value);
-    write(keys::defaultSubject, defaultSubject_, P::defaultSubject);
+    values_.defaultSubject = std::move(value);
+    write(keys::defaultSubject, values_.defaultSubject, P::defaultSubject);
 }
 
 void PreferencesStore::setRememberLastSubject(bool value) {
-    writeBool(keys::rememberLastSubject, rememberLastSubject_, value, P::rememberLastSubject);
+    writeBool(keys::rememberLastSubject, values_.rememberLastSubject, value,
+              P::rememberLastSubject);
 }
 
 void PreferencesStore::setDefaultGoal(std::string value) {
-    defaultGoal_ = std::move(value);
-    write(keys::defaultGoal, defaultGoal_, P::defaultGoal);
+    values_.defaultGoal = std::move(value);
+    write(keys::defaultGoal, values_.defaultGoal, P::defaultGoal);
 }
 
 void PreferencesStore::setRememberLastGoal(bool value) {
-    writeBool(keys::rememberLastGoal, rememberLastGoal_, value, P::rememberLastGoal);
+    writeBool(keys::rememberLastGoal, values_.rememberLastGoal, value, P::rememberLastGoal);
 }
 
 void PreferencesStore::setDefaultStudyMode(recording::StudySessionMode value) {
-    defaultStudyMode_ = value;
+    values_.defaultStudyMode = value;
     write(keys::defaultStudyMode, std::string(rawValue(value)), P::defaultStudyMode);
 }
 
 void PreferencesStore::setLastTimingMode(recording::SessionTimingMode value) {
-    lastTimingMode_ = value;
+    values_.lastTimingMode = value;
     write(keys::lastTimingMode, std::string(rawValue(value)), P::lastTimingMode);
 }
 
 void PreferencesStore::setHasSeenPassiveStudyIntroduction(bool value) {
-    writeBool(keys::hasSeenPassiveStudyIntroduction, hasSeenPassiveStudyIntroduction_, value,
+    writeBool(keys::hasSeenPassiveStudyIntroduction, values_.hasSeenPassiveStudyIntroduction, value,
               P::hasSeenPassiveStudyIntroduction);
 }
 
@@ -167,113 +229,115 @@ void PreferencesStore::setGlobalHotkeyStatusMessage(std::optional<std::string> v
 }
 
 void PreferencesStore::setGlobalHotkeyEnabled(bool value) {
-    writeBool(keys::globalHotkeyEnabled, globalHotkeyEnabled_, value, P::globalHotkeyEnabled);
+    writeBool(keys::globalHotkeyEnabled, values_.globalHotkeyEnabled, value,
+              P::globalHotkeyEnabled);
 }
 
 void PreferencesStore::setGlobalHotkey(GlobalHotkeyBinding value) {
-    globalHotkey_ = value;
+    values_.globalHotkey = value;
     domain_.set(keys::globalHotkeyKeyCode, static_cast<long long>(value.keyCode));
     write(keys::globalHotkeyModifiers, static_cast<long long>(value.modifiers), P::globalHotkey);
 }
 
 void PreferencesStore::setPassiveStudyPromptThreshold(double seconds) {
-    passiveStudyPromptThreshold_ = clampedThreshold(seconds, kPassiveStudyPromptRange);
-    write(keys::passiveStudyPromptThreshold, passiveStudyPromptThreshold_,
+    values_.passiveStudyPromptThreshold = clampedThreshold(seconds, kPassiveStudyPromptRange);
+    write(keys::passiveStudyPromptThreshold, values_.passiveStudyPromptThreshold,
           P::passiveStudyPromptThreshold);
 }
 
 void PreferencesStore::setInactivityThreshold(double seconds) {
-    inactivityThreshold_ = clampedThreshold(seconds, kInactivityThresholdRange);
-    write(keys::inactivityThreshold, inactivityThreshold_, P::inactivityThreshold);
+    values_.inactivityThreshold = clampedThreshold(seconds, kInactivityThresholdRange);
+    write(keys::inactivityThreshold, values_.inactivityThreshold, P::inactivityThreshold);
 }
 
 void PreferencesStore::setLongSleep(LongSleepPreference value) {
-    longSleep_ = value;
+    values_.longSleep = value;
     write(keys::longSleep, longSleepSeconds(value), P::longSleep);
 }
 
 void PreferencesStore::setNotificationsEnabled(bool value) {
-    writeBool(keys::notificationsEnabled, notificationsEnabled_, value, P::notificationsEnabled);
+    writeBool(keys::notificationsEnabled, values_.notificationsEnabled, value,
+              P::notificationsEnabled);
 }
 
 void PreferencesStore::setNotificationsIncludeSubject(bool value) {
-    writeBool(keys::notificationsIncludeSubject, notificationsIncludeSubject_, value,
+    writeBool(keys::notificationsIncludeSubject, values_.notificationsIncludeSubject, value,
               P::notificationsIncludeSubject);
 }
 
 void PreferencesStore::setBrowserTrackingEnabled(bool value) {
-    writeBool(keys::browserTrackingEnabled, browserTrackingEnabled_, value,
+    writeBool(keys::browserTrackingEnabled, values_.browserTrackingEnabled, value,
               P::browserTrackingEnabled);
 }
 
 void PreferencesStore::setHostnameTrackingEnabled(bool value) {
-    writeBool(keys::hostnameTrackingEnabled, hostnameTrackingEnabled_, value,
+    writeBool(keys::hostnameTrackingEnabled, values_.hostnameTrackingEnabled, value,
               P::hostnameTrackingEnabled);
 }
 
 void PreferencesStore::setLocalPDFDetectionEnabled(bool value) {
-    writeBool(keys::localPDFDetectionEnabled, localPDFDetectionEnabled_, value,
+    writeBool(keys::localPDFDetectionEnabled, values_.localPDFDetectionEnabled, value,
               P::localPDFDetectionEnabled);
 }
 
 void PreferencesStore::setManualPDFLabelsEnabled(bool value) {
-    writeBool(keys::manualPDFLabelsEnabled, manualPDFLabelsEnabled_, value,
+    writeBool(keys::manualPDFLabelsEnabled, values_.manualPDFLabelsEnabled, value,
               P::manualPDFLabelsEnabled);
 }
 
 void PreferencesStore::setPauseAllBrowserTracking(bool value) {
-    writeBool(keys::pauseAllBrowserTracking, pauseAllBrowserTracking_, value,
+    writeBool(keys::pauseAllBrowserTracking, values_.pauseAllBrowserTracking, value,
               P::pauseAllBrowserTracking);
 }
 
 void PreferencesStore::setOnboardingCompletedVersion(long long value) {
-    onboardingCompletedVersion_ = value;
+    values_.onboardingCompletedVersion = value;
     write(keys::onboardingCompletedVersion, value, P::onboardingCompletedVersion);
 }
 
 void PreferencesStore::setOnboardingLastStep(long long value) {
-    onboardingLastStep_ = value;
+    values_.onboardingLastStep = value;
     write(keys::onboardingLastStep, value, P::onboardingLastStep);
 }
 
 void PreferencesStore::setFirstName(std::string_view value) {
-    firstName_ = normalisedFirstName(value);
-    write(keys::firstName, firstName_, P::firstName);
+    values_.firstName = normalisedFirstName(value);
+    write(keys::firstName, values_.firstName, P::firstName);
 }
 
 void PreferencesStore::setDailyStudyGoalMinutes(long long minutes) {
-    dailyStudyGoalMinutes_ = clampedDailyStudyGoal(minutes);
-    write(keys::dailyStudyGoalMinutes, dailyStudyGoalMinutes_, P::dailyStudyGoalMinutes);
+    values_.dailyStudyGoalMinutes = clampedDailyStudyGoal(minutes);
+    write(keys::dailyStudyGoalMinutes, values_.dailyStudyGoalMinutes, P::dailyStudyGoalMinutes);
 }
 
 void PreferencesStore::setSessionCelebrationsEnabled(bool value) {
-    writeBool(keys::sessionCelebrationsEnabled, sessionCelebrationsEnabled_, value,
+    writeBool(keys::sessionCelebrationsEnabled, values_.sessionCelebrationsEnabled, value,
               P::sessionCelebrationsEnabled);
 }
 
 void PreferencesStore::setInsightsAIPhrasingEnabled(bool value) {
-    writeBool(keys::insightsAIPhrasingEnabled, insightsAIPhrasingEnabled_, value,
+    writeBool(keys::insightsAIPhrasingEnabled, values_.insightsAIPhrasingEnabled, value,
               P::insightsAIPhrasingEnabled);
 }
 
 void PreferencesStore::setInsightsAIProviderIdentifier(std::string_view) {
-    insightsAIProviderIdentifier_ = std::string(kNoAIProvider);
-    write(keys::insightsAIProviderIdentifier, insightsAIProviderIdentifier_,
+    values_.insightsAIProviderIdentifier = std::string(kNoAIProvider);
+    write(keys::insightsAIProviderIdentifier, values_.insightsAIProviderIdentifier,
           P::insightsAIProviderIdentifier);
 }
 
 void PreferencesStore::setDerivedRevision(long long value) {
-    derivedRevision_ = value;
+    values_.derivedRevision = value;
     write(keys::derivedRevision, value, P::derivedRevision);
 }
 
 bool PreferencesStore::acknowledgeDailyGoalIfNeeded(Date date, const LocalCalendar& calendar) {
-    if (dailyStudyGoalMinutes_ < 1) {
+    if (values_.dailyStudyGoalMinutes < 1) {
         return false;
     }
     const CalendarDay day = calendarDay(calendar.dayKey(date));
     const std::string mark = fmt::format("{}-{}-{}-{}-{}", day.era, day.year, day.month, day.day,
-                                         dailyStudyGoalMinutes_);
+                                         values_.dailyStudyGoalMinutes);
     if (domain_.stringForKey(keys::dailyGoalAcknowledgement) == mark) {
         return false;
     }
@@ -282,7 +346,7 @@ bool PreferencesStore::acknowledgeDailyGoalIfNeeded(Date date, const LocalCalend
 }
 
 bool PreferencesStore::shouldCelebrate(const recording::StudySession& session, Date now) {
-    if (!sessionCelebrationsEnabled_ ||
+    if (!values_.sessionCelebrationsEnabled ||
         !insights::countsForAnalytics(session, now, isSetupTestSession_)) {
         return false;
     }
@@ -299,6 +363,19 @@ bool PreferencesStore::shouldCelebrate(const recording::StudySession& session, D
     }
     domain_.set(keys::celebratedSessionIDs, std::move(celebrated));
     return true;
+}
+
+void PreferencesStore::adoptChangesMadeElsewhere() {
+    if (!domain_.refreshFromStorage()) {
+        return;
+    }
+    const PreferenceValues before = values_;
+    std::optional<std::string> statusMessage = std::move(globalHotkeyStatusMessage_);
+    readAll();
+    globalHotkeyStatusMessage_ = std::move(statusMessage);
+    for (const PreferenceProperty property : changedProperties(before, values_)) {
+        observers_.notify(property);
+    }
 }
 
 void PreferencesStore::resetToDefaults() {

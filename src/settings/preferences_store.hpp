@@ -38,6 +38,44 @@ namespace lumenote::settings {
 // At most this many celebrated session ids are remembered; older ones drop out.
 inline constexpr std::size_t kMaximumCelebratedSessions = 100;
 
+// The stored settings as this process holds them.
+struct PreferenceValues {
+    bool launchAtLogin = false;
+    bool startHidden = false;
+    TallywiseAppearance appearance = TallywiseAppearance::system;
+    double defaultDuration = 1500.0;
+    bool rememberLastDuration = false;
+    std::string defaultSubject;
+    bool rememberLastSubject = false;
+    std::string defaultGoal;
+    bool rememberLastGoal = false;
+    recording::StudySessionMode defaultStudyMode = recording::StudySessionMode::mixedStudy;
+    recording::SessionTimingMode lastTimingMode = recording::SessionTimingMode::timer;
+    bool hasSeenPassiveStudyIntroduction = false;
+    bool globalHotkeyEnabled = false;
+    GlobalHotkeyBinding globalHotkey;
+    double passiveStudyPromptThreshold = 300.0;
+    double inactivityThreshold = 90.0;
+    LongSleepPreference longSleep = LongSleepPreference::tenMinutes;
+    bool notificationsEnabled = false;
+    bool notificationsIncludeSubject = false;
+    bool browserTrackingEnabled = true;
+    bool hostnameTrackingEnabled = true;
+    bool localPDFDetectionEnabled = true;
+    bool manualPDFLabelsEnabled = true;
+    bool pauseAllBrowserTracking = false;
+    long long onboardingCompletedVersion = 0;
+    long long onboardingLastStep = 0;
+    std::string firstName;
+    long long dailyStudyGoalMinutes = 0;
+    bool sessionCelebrationsEnabled = true;
+    bool insightsAIPhrasingEnabled = false;
+    std::string insightsAIProviderIdentifier{"none"};
+    long long derivedRevision = 0;
+
+    friend bool operator==(const PreferenceValues&, const PreferenceValues&) = default;
+};
+
 class PreferencesStore {
   public:
     using Observers = ObserverList<PreferenceProperty>;
@@ -47,86 +85,86 @@ class PreferencesStore {
     explicit PreferencesStore(DefaultsDomain& domain,
                               insights::SetupTestSessionPredicate isSetupTestSession = {});
 
-    bool launchAtLogin() const { return launchAtLogin_; }
+    bool launchAtLogin() const { return values_.launchAtLogin; }
     void setLaunchAtLogin(bool value);
-    bool startHidden() const { return startHidden_; }
+    bool startHidden() const { return values_.startHidden; }
     void setStartHidden(bool value);
-    TallywiseAppearance appearance() const { return appearance_; }
+    TallywiseAppearance appearance() const { return values_.appearance; }
     void setAppearance(TallywiseAppearance value);
     // Seconds, 60 ... 86400.
-    double defaultDuration() const { return defaultDuration_; }
+    double defaultDuration() const { return values_.defaultDuration; }
     void setDefaultDuration(double seconds);
-    bool rememberLastDuration() const { return rememberLastDuration_; }
+    bool rememberLastDuration() const { return values_.rememberLastDuration; }
     void setRememberLastDuration(bool value);
-    const std::string& defaultSubject() const { return defaultSubject_; }
+    const std::string& defaultSubject() const { return values_.defaultSubject; }
     void setDefaultSubject(std::string value);
-    bool rememberLastSubject() const { return rememberLastSubject_; }
+    bool rememberLastSubject() const { return values_.rememberLastSubject; }
     void setRememberLastSubject(bool value);
-    const std::string& defaultGoal() const { return defaultGoal_; }
+    const std::string& defaultGoal() const { return values_.defaultGoal; }
     void setDefaultGoal(std::string value);
-    bool rememberLastGoal() const { return rememberLastGoal_; }
+    bool rememberLastGoal() const { return values_.rememberLastGoal; }
     void setRememberLastGoal(bool value);
-    recording::StudySessionMode defaultStudyMode() const { return defaultStudyMode_; }
+    recording::StudySessionMode defaultStudyMode() const { return values_.defaultStudyMode; }
     void setDefaultStudyMode(recording::StudySessionMode value);
-    recording::SessionTimingMode lastTimingMode() const { return lastTimingMode_; }
+    recording::SessionTimingMode lastTimingMode() const { return values_.lastTimingMode; }
     void setLastTimingMode(recording::SessionTimingMode value);
-    bool hasSeenPassiveStudyIntroduction() const { return hasSeenPassiveStudyIntroduction_; }
+    bool hasSeenPassiveStudyIntroduction() const { return values_.hasSeenPassiveStudyIntroduction; }
     void setHasSeenPassiveStudyIntroduction(bool value);
     // Status text of the shortcut service; never stored.
     const std::optional<std::string>& globalHotkeyStatusMessage() const {
         return globalHotkeyStatusMessage_;
     }
     void setGlobalHotkeyStatusMessage(std::optional<std::string> value);
-    bool globalHotkeyEnabled() const { return globalHotkeyEnabled_; }
+    bool globalHotkeyEnabled() const { return values_.globalHotkeyEnabled; }
     void setGlobalHotkeyEnabled(bool value);
     // Written as two integers. An unusable binding is held and written as
     // given (the shortcut service refuses to register it); it reads back as
     // the default.
-    const GlobalHotkeyBinding& globalHotkey() const { return globalHotkey_; }
+    const GlobalHotkeyBinding& globalHotkey() const { return values_.globalHotkey; }
     void setGlobalHotkey(GlobalHotkeyBinding value);
     // Seconds, 300 ... 3600.
-    double passiveStudyPromptThreshold() const { return passiveStudyPromptThreshold_; }
+    double passiveStudyPromptThreshold() const { return values_.passiveStudyPromptThreshold; }
     void setPassiveStudyPromptThreshold(double seconds);
     // Seconds, 90 ... 1800.
-    double inactivityThreshold() const { return inactivityThreshold_; }
+    double inactivityThreshold() const { return values_.inactivityThreshold; }
     void setInactivityThreshold(double seconds);
-    LongSleepPreference longSleep() const { return longSleep_; }
+    LongSleepPreference longSleep() const { return values_.longSleep; }
     void setLongSleep(LongSleepPreference value);
-    bool notificationsEnabled() const { return notificationsEnabled_; }
+    bool notificationsEnabled() const { return values_.notificationsEnabled; }
     void setNotificationsEnabled(bool value);
-    bool notificationsIncludeSubject() const { return notificationsIncludeSubject_; }
+    bool notificationsIncludeSubject() const { return values_.notificationsIncludeSubject; }
     void setNotificationsIncludeSubject(bool value);
-    bool browserTrackingEnabled() const { return browserTrackingEnabled_; }
+    bool browserTrackingEnabled() const { return values_.browserTrackingEnabled; }
     void setBrowserTrackingEnabled(bool value);
-    bool hostnameTrackingEnabled() const { return hostnameTrackingEnabled_; }
+    bool hostnameTrackingEnabled() const { return values_.hostnameTrackingEnabled; }
     void setHostnameTrackingEnabled(bool value);
-    bool localPDFDetectionEnabled() const { return localPDFDetectionEnabled_; }
+    bool localPDFDetectionEnabled() const { return values_.localPDFDetectionEnabled; }
     void setLocalPDFDetectionEnabled(bool value);
-    bool manualPDFLabelsEnabled() const { return manualPDFLabelsEnabled_; }
+    bool manualPDFLabelsEnabled() const { return values_.manualPDFLabelsEnabled; }
     void setManualPDFLabelsEnabled(bool value);
-    bool pauseAllBrowserTracking() const { return pauseAllBrowserTracking_; }
+    bool pauseAllBrowserTracking() const { return values_.pauseAllBrowserTracking; }
     void setPauseAllBrowserTracking(bool value);
-    long long onboardingCompletedVersion() const { return onboardingCompletedVersion_; }
+    long long onboardingCompletedVersion() const { return values_.onboardingCompletedVersion; }
     void setOnboardingCompletedVersion(long long value);
-    long long onboardingLastStep() const { return onboardingLastStep_; }
+    long long onboardingLastStep() const { return values_.onboardingLastStep; }
     void setOnboardingLastStep(long long value);
     // Normalised: trimmed, single spaces, at most 40 characters.
-    const std::string& firstName() const { return firstName_; }
+    const std::string& firstName() const { return values_.firstName; }
     void setFirstName(std::string_view value);
     // Minutes; 0 is no goal, otherwise 1 ... 720.
-    long long dailyStudyGoalMinutes() const { return dailyStudyGoalMinutes_; }
+    long long dailyStudyGoalMinutes() const { return values_.dailyStudyGoalMinutes; }
     void setDailyStudyGoalMinutes(long long minutes);
-    bool sessionCelebrationsEnabled() const { return sessionCelebrationsEnabled_; }
+    bool sessionCelebrationsEnabled() const { return values_.sessionCelebrationsEnabled; }
     void setSessionCelebrationsEnabled(bool value);
-    bool insightsAIPhrasingEnabled() const { return insightsAIPhrasingEnabled_; }
+    bool insightsAIPhrasingEnabled() const { return values_.insightsAIPhrasingEnabled; }
     void setInsightsAIPhrasingEnabled(bool value);
     // Always "none"; any assignment stores "none".
     const std::string& insightsAIProviderIdentifier() const {
-        return insightsAIProviderIdentifier_;
+        return values_.insightsAIProviderIdentifier;
     }
     void setInsightsAIProviderIdentifier(std::string_view value);
     // The revision of the derived session totals the stored history carries.
-    long long derivedRevision() const { return derivedRevision_; }
+    long long derivedRevision() const { return values_.derivedRevision; }
     void setDerivedRevision(long long value);
 
     // The once-a-day gate for the daily-goal-complete moment. False without a
@@ -147,6 +185,14 @@ class PreferencesStore {
     // observers about each.
     void resetToDefaults();
 
+    // Reads every property again when another process (the command line, the
+    // other front end) changed the stored settings, and tells the observers
+    // about each property whose value differs from what this store held, in
+    // property order. The hotkey status message is this process's own and is
+    // kept. Cheap enough to call every second: without an outside change it
+    // costs one look at the domain.
+    void adoptChangesMadeElsewhere();
+
     Observers::Token addObserver(Observers::Callback callback) {
         return observers_.add(std::move(callback));
     }
@@ -163,39 +209,8 @@ class PreferencesStore {
     insights::SetupTestSessionPredicate isSetupTestSession_;
     Observers observers_;
 
-    bool launchAtLogin_ = false;
-    bool startHidden_ = false;
-    TallywiseAppearance appearance_ = TallywiseAppearance::system;
-    double defaultDuration_ = 1500.0;
-    bool rememberLastDuration_ = false;
-    std::string defaultSubject_;
-    bool rememberLastSubject_ = false;
-    std::string defaultGoal_;
-    bool rememberLastGoal_ = false;
-    recording::StudySessionMode defaultStudyMode_ = recording::StudySessionMode::mixedStudy;
-    recording::SessionTimingMode lastTimingMode_ = recording::SessionTimingMode::timer;
-    bool hasSeenPassiveStudyIntroduction_ = false;
     std::optional<std::string> globalHotkeyStatusMessage_;
-    bool globalHotkeyEnabled_ = false;
-    GlobalHotkeyBinding globalHotkey_;
-    double passiveStudyPromptThreshold_ = 300.0;
-    double inactivityThreshold_ = 90.0;
-    LongSleepPreference longSleep_ = LongSleepPreference::tenMinutes;
-    bool notificationsEnabled_ = false;
-    bool notificationsIncludeSubject_ = false;
-    bool browserTrackingEnabled_ = true;
-    bool hostnameTrackingEnabled_ = true;
-    bool localPDFDetectionEnabled_ = true;
-    bool manualPDFLabelsEnabled_ = true;
-    bool pauseAllBrowserTracking_ = false;
-    long long onboardingCompletedVersion_ = 0;
-    long long onboardingLastStep_ = 0;
-    std::string firstName_;
-    long long dailyStudyGoalMinutes_ = 0;
-    bool sessionCelebrationsEnabled_ = true;
-    bool insightsAIPhrasingEnabled_ = false;
-    std::string insightsAIProviderIdentifier_{"none"};
-    long long derivedRevision_ = 0;
+    PreferenceValues values_;
 };
 
 }  // namespace lumenote::settings

@@ -2,8 +2,8 @@
 // One browser's end-to-end scenario: the terminal recorder records while a
 // real browser with the extension and the real native host shows a website
 // already open when recording starts, a second one in a new tab that is
-// closed again, a local PDF, another application and back, and a private
-// window. The stored session must hold exactly what the extension may tell:
+// closed again, browser tracking paused and resumed from the command line,
+// a local PDF, another application and back, and a private window. The stored session must hold exactly what the extension may tell:
 // the two hostnames with the classes their rules give, the PDF by its
 // identity and file name, and the private window without any hostname. Runs
 // inside the private desktop of browser_bridge_test.sh (X display, buses,
@@ -104,6 +104,18 @@ async function run({ browser: browserName, bin, extension, work, "other-window":
     await tab.close();
     await cli.holdWhileShown("the first tab again", 1, shows("127.0.0.1"));
     step("the new tab closed; the first tab is back in front");
+
+    // Pausing browser tracking from the command line reaches the running
+    // recorder, the host and the extension: the browser is recorded by its
+    // own name, a page opened meanwhile is not reported until tracking
+    // resumes, and then at once.
+    await cli.run("prefs", "set", "tracking.browser.paused", "true");
+    await cli.holdWhileShown("the browser while tracking is paused", SECONDS_PER_PAGE, showsNoPage);
+    await driver.goto(site.url("127.0.0.1", "/while-paused.html"));
+    await cli.holdWhileShown("the browser after navigating while paused", 1, showsNoPage);
+    await cli.run("prefs", "set", "tracking.browser.paused", "false");
+    await cli.waitForStatus("the page reported when tracking resumes", shows("127.0.0.1"), 10_000);
+    step("browser tracking paused and resumed");
 
     await driver.goto(pdfURL);
     await cli.holdWhileShown("notes.pdf", SECONDS_PER_PAGE, shows("notes.pdf"));

@@ -1,6 +1,7 @@
 // What the stored session and the recorder's event log must show after the
 // scenario: the two websites with their rules' classes (the first again once
-// the second one's tab closed), the local PDF by
+// the second one's tab closed, and again after tracking was paused and
+// resumed, with the paused time recorded without a page), the local PDF by
 // its identity and file name, the private window without any hostname, and
 // no event refused by the recorder's validation.
 
@@ -70,8 +71,12 @@ export function checkSegments(segments, { browserBundleIdentifier }) {
   for (const stretch of afterPDF) {
     assert.equal(stretch.first.hostname, undefined, `a hostname after the private window opened:\n${describe}`);
   }
-  assert.ok(first < second && second < firstAgain && firstAgain < pdf,
-    `the pages are out of order:\n${describe}`);
+  const paused = stretches.findIndex((s, at) => at > firstAgain && s.first.browserFallbackReason === "paused");
+  assert.ok(paused > firstAgain && stretches[paused].duration >= MINIMUM_SECONDS,
+    `no paused stretch after the first website came back:\n${describe}`);
+  const resumed = stretches.findIndex((s, at) => at > paused && s.first.hostname === "127.0.0.1");
+  assert.ok(first < second && second < firstAgain && firstAgain < paused && paused < resumed &&
+    resumed < pdf, `the pages are out of order:\n${describe}`);
 
   const hostnames = new Set(segments.map((segment) => segment.hostname).filter(Boolean));
   assert.deepEqual([...hostnames].sort(), ["127.0.0.1", "localhost"]);

@@ -302,6 +302,57 @@ TEST_F(PreferencesStoreTest, EveryAssignmentIsWrittenThroughAndAnnounced) {
     EXPECT_FALSE(reopened.globalHotkeyStatusMessage().has_value());
 }
 
+TEST_F(PreferencesStoreTest, ChangesMadeByAnotherProcessAreAdoptedAndAnnouncedOnce) {
+    PreferencesStore& running = open();
+    running.setGlobalHotkeyStatusMessage("Registered");
+    std::vector<PreferenceProperty> announced;
+    running.addObserver([&](PreferenceProperty property) { announced.push_back(property); });
+
+    running.adoptChangesMadeElsewhere();  // nothing changed elsewhere: nothing announced
+    EXPECT_TRUE(announced.empty());
+
+    JsonFileDefaultsDomain otherDomain(path(), [] { return kNow; });
+    PreferencesStore other(otherDomain);
+    other.setPauseAllBrowserTracking(true);
+    other.setInactivityThreshold(300.0);
+    other.setDefaultSubject(running.defaultSubject());  // rewritten with the same value
+    EXPECT_FALSE(running.pauseAllBrowserTracking());    // held until adopted
+
+    running.adoptChangesMadeElsewhere();
+    EXPECT_TRUE(running.pauseAllBrowserTracking());
+    EXPECT_EQ(running.inactivityThreshold(), 300.0);
+    EXPECT_EQ(announced,
+              (std::vector<PreferenceProperty>{PreferenceProperty::inactivityThreshold,
+                                               PreferenceProperty::pauseAllBrowserTracking}));
+    EXPECT_EQ(running.globalHotkeyStatusMessage(), "Registered");
+
+    announced.clear();
+    running.adoptChangesMadeElsewhere();
+    EXPECT_TRUE(announced.empty());
+}
+
+TEST_F(PreferencesStoreTest, AFileReplacedByHandOrRemovedIsAdoptedLikeAnyOtherChange) {
+    PreferencesStore& running = open();
+    running.setManualPDFLabelsEnabled(false);
+    std::vector<PreferenceProperty> announced;
+    running.addObserver([&](PreferenceProperty property) { announced.push_back(property); });
+
+    stored(R"({"tracking.browser.enabled": false, "tracking.pdf.manualLabels": false})");
+    running.adoptChangesMadeElsewhere();
+    EXPECT_FALSE(running.browserTrackingEnabled());
+    EXPECT_EQ(announced,
+              std::vector<PreferenceProperty>{PreferenceProperty::browserTrackingEnabled});
+
+    announced.clear();
+    fs::remove(path());
+    running.adoptChangesMadeElsewhere();
+    EXPECT_TRUE(running.browserTrackingEnabled());
+    EXPECT_TRUE(running.manualPDFLabelsEnabled());
+    EXPECT_EQ(announced,
+              (std::vector<PreferenceProperty>{PreferenceProperty::browserTrackingEnabled,
+                                               PreferenceProperty::manualPDFLabelsEnabled}));
+}
+
 recording::StudySession sessionStartedAt(Date start) {
     recording::StudySession session;
     session.id = Uuid::generate();
