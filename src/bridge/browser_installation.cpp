@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <fstream>
 #include <string>
 #include <system_error>
 
@@ -63,7 +64,118 @@ std::vector<fs::path> splitFolders(const char* value) {
     return folders;
 }
 
+// The longest version text accepted, and the most of a version file read.
+constexpr std::size_t kMaximumVersionLength = 32;
+constexpr std::size_t kMaximumVersionFileBytes = 4096;
+
+std::optional<std::string> versionText(std::string_view text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r' || text.back() == ' ')) {
+        text.remove_suffix(1);
+    }
+    if (text.empty() || text.size() > kMaximumVersionLength ||
+        !(text.front() >= '0' && text.front() <= '9')) {
+        return std::nullopt;
+    }
+    for (const char c : text) {
+        const bool allowed =
+            (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '.';
+        if (!allowed) {
+            return std::nullopt;
+        }
+    }
+    return std::string(text);
+}
+
+// The start of a regular file, at most kMaximumVersionFileBytes of it.
+std::optional<std::string> smallFile(const fs::path& path) {
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) {
+        return std::nullopt;
+    }
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes(kMaximumVersionFileBytes, '\0');
+    in.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    bytes.resize(static_cast<std::size_t>(in.gcount()));
+    return in.bad() ? std::nullopt : std::optional<std::string>(std::move(bytes));
+}
+
+// "Version=" under "[App]" of an application.ini.
+std::optional<std::string> applicationIniVersion(const std::string& text) {
+    bool inApp = false;
+    std::size_t start = 0;
+    while (start < text.size()) {
+        std::size_t end = text.find('\n', start);
+        if (end == std::string::npos) {
+            end = text.size();
+        }
+        std::string_view line(text.data() + start, end - start);
+        if (!line.empty() && line.back() == '\r') {
+            line.remove_suffix(1);
+        }
+        if (!line.empty() && line.front() == '[') {
+            inApp = line == "[App]";
+        } else if (inApp && line.starts_with("Version=")) {
+            return versionText(line.substr(8));
+        }
+        start = end + 1;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> firefoxVersion(const BrowserSearchLocations& locations) {
+    std::error_code error;
+    for (const fs::path& folder : locations.executableFolders) {
+        for (const std::string_view name : namesOf(SupportedBrowser::firefox).executables) {
+            const fs::path real = fs::canonical(folder / name, error);
+            if (error) {
+                continue;
+            }
+            if (const auto ini = smallFile(real.parent_path() / "application.ini")) {
+                if (auto version = applicationIniVersion(*ini)) {
+                    return version;
+                }
+            }
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace
+
+std::optional<fs::path> chromiumUserDataFolderName(SupportedBrowser browser) {
+    switch (browser) {
+        case SupportedBrowser::googleChrome:
+            return fs::path("google-chrome");
+        case SupportedBrowser::chromium:
+            return fs::path("chromium");
+        case SupportedBrowser::microsoftEdge:
+            return fs::path("microsoft-edge");
+        case SupportedBrowser::brave:
+            return fs::path("BraveSoftware") / "Brave-Browser";
+        case SupportedBrowser::vivaldi:
+            return fs::path("vivaldi");
+        case SupportedBrowser::opera:
+            return fs::path("opera");
+        case SupportedBrowser::firefox:
+        case SupportedBrowser::arc:
+        case SupportedBrowser::safari:
+            return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> installedBrowserVersion(SupportedBrowser browser,
+                                                   const BrowserSearchLocations& locations) {
+    if (browser == SupportedBrowser::firefox) {
+        return firefoxVersion(locations);
+    }
+    const auto userData = chromiumUserDataFolderName(browser);
+    if (!userData || locations.configHome.empty()) {
+        return std::nullopt;
+    }
+    const auto text = smallFile(locations.configHome / *userData / "Last Version");
+    return text ? versionText(*text) : std::nullopt;
+}
 
 BrowserSearchLocations BrowserSearchLocations::fromEnvironment(
     const char* (*environment)(const char*)) {
@@ -81,6 +193,11 @@ BrowserSearchLocations BrowserSearchLocations::fromEnvironment(
     }
     locations.dataFolders = std::move(dataHome);
     locations.dataFolders.insert(locations.dataFolders.end(), dataDirs.begin(), dataDirs.end());
+    if (const auto configHome = splitFolders(environment("XDG_CONFIG_HOME")); !configHome.empty()) {
+        locations.configHome = configHome.front();
+    } else if (const char* home = environment("HOME"); home && *home == '/') {
+        locations.configHome = fs::path(home) / ".config";
+    }
     return locations;
 }
 

@@ -97,6 +97,7 @@ std::vector<BrowserStatusRow> browserStatusRows(const BrowserStatusSources& sour
         BrowserDiagnosticFacts facts;
         facts.browser = browser;
         facts.browserInstalled = browserInstalled(browser, sources.installations);
+        facts.browserVersion = installedBrowserVersion(browser, sources.installations);
         facts.registration = sources.registration.check(browser);
         facts.extension = sources.extensions.status(browser);
         facts.bridgeState = sources.bridgeState;
@@ -118,7 +119,11 @@ std::string browserStatusText(const BrowserStatusRow& row, const LocalCalendar& 
     const BrowserDiagnosticStatus& status = row.diagnosis;
     std::string text = std::string(displayName(status.browser)) + " (" +
                        std::string(bundleIdentifier(status.browser)) +
-                       "): " + (status.browserInstalled ? "installed" : "not installed") + "\n";
+                       "): " + (status.browserInstalled ? "installed" : "not installed");
+    if (status.browserInstalled && status.browserVersion) {
+        text += ", version " + *status.browserVersion;
+    }
+    text += "\n";
     text += "  Native host:  " + registrationText(row.registration) + "\n";
     text += "  Extension:    " + extensionText(row.extension) + "\n";
     if (row.extension.lastResponseReceived) {

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <system_error>
 
+#include "bridge/browser_installation.hpp"
 #include "bridge/extension_identity.hpp"
 #include "bridge/json_members.hpp"
 #include "foundation/private_file.hpp"
@@ -61,25 +62,11 @@ bool usesAddonIdentifiers(SupportedBrowser browser) {
 
 std::optional<fs::path> NativeHostRegistrationChecker::manifestFolder(
     SupportedBrowser browser) const {
-    const fs::path& config = configuration_.configHome;
-    switch (browser) {
-        case SupportedBrowser::googleChrome:
-            return config / "google-chrome" / "NativeMessagingHosts";
-        case SupportedBrowser::chromium:
-            return config / "chromium" / "NativeMessagingHosts";
-        case SupportedBrowser::microsoftEdge:
-            return config / "microsoft-edge" / "NativeMessagingHosts";
-        case SupportedBrowser::brave:
-            return config / "BraveSoftware" / "Brave-Browser" / "NativeMessagingHosts";
-        case SupportedBrowser::vivaldi:
-            return config / "vivaldi" / "NativeMessagingHosts";
-        case SupportedBrowser::opera:
-            return config / "opera" / "NativeMessagingHosts";
-        case SupportedBrowser::firefox:
-            return configuration_.home / ".mozilla" / "native-messaging-hosts";
-        case SupportedBrowser::arc:
-        case SupportedBrowser::safari:
-            return std::nullopt;
+    if (browser == SupportedBrowser::firefox) {
+        return configuration_.home / ".mozilla" / "native-messaging-hosts";
+    }
+    if (const auto userData = chromiumUserDataFolderName(browser)) {
+        return configuration_.configHome / *userData / "NativeMessagingHosts";
     }
     return std::nullopt;
 }

@@ -64,12 +64,52 @@ TEST_F(BrowserInstallationTest, LocationsFollowTheEnvironmentWithTheStandardDefa
     EXPECT_EQ(found.executableFolders, (std::vector<fs::path>{"/usr/bin", "/opt/bin"}));
     EXPECT_EQ(found.dataFolders, (std::vector<fs::path>{"/home/student/.local/share",
                                                         "/usr/local/share", "/usr/share"}));
+    EXPECT_EQ(found.configHome, "/home/student/.config");
     gEnvironment = {{"XDG_DATA_HOME", "/data"},
                     {"XDG_DATA_DIRS", "/var/lib/flatpak/exports/share"}};
     found = BrowserSearchLocations::fromEnvironment(lookup);
     EXPECT_TRUE(found.executableFolders.empty());
     EXPECT_EQ(found.dataFolders,
               (std::vector<fs::path>{"/data", "/var/lib/flatpak/exports/share"}));
+    EXPECT_TRUE(found.configHome.empty());
+    gEnvironment = {{"XDG_CONFIG_HOME", "/config"}, {"HOME", "/home/student"}};
+    EXPECT_EQ(BrowserSearchLocations::fromEnvironment(lookup).configHome, "/config");
+}
+
+TEST_F(BrowserInstallationTest, AChromiumFamilyVersionIsTheOneItLastRanAs) {
+    BrowserSearchLocations where = locations();
+    where.configHome = home_.root() / "config";
+    EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::chromium, where)) << "never started";
+    writeFile(where.configHome / "chromium/Last Version", "142.0.7444.175");
+    writeFile(where.configHome / "BraveSoftware/Brave-Browser/Last Version", "1.84.139\n");
+    EXPECT_EQ(installedBrowserVersion(SupportedBrowser::chromium, where), "142.0.7444.175");
+    EXPECT_EQ(installedBrowserVersion(SupportedBrowser::brave, where), "1.84.139");
+    EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::googleChrome, where));
+
+    for (const std::string& bad : std::vector<std::string>{"", "\n", "v142", "142.0; rm -rf",
+                                                           std::string(33, '1'), "142.0\n143.0"}) {
+        writeFile(where.configHome / "chromium/Last Version", bad);
+        EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::chromium, where)) << bad;
+    }
+    fs::remove(where.configHome / "chromium/Last Version");
+    fs::create_directories(where.configHome / "chromium/Last Version");
+    EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::chromium, where)) << "a folder";
+}
+
+TEST_F(BrowserInstallationTest, FirefoxVersionComesFromTheIniBesideItsRealExecutable) {
+    const fs::path lib = home_.root() / "lib/firefox-esr";
+    writeFile(lib / "firefox-esr", "#!/bin/sh\n");
+    writeFile(lib / "application.ini",
+              "[Crash Reporter]\nVersion=1\r\n[App]\r\nVendor=Mozilla\r\nVersion=115.5.0esr\r\n");
+    fs::create_directories(home_.root() / "bin");
+    fs::create_symlink(lib / "firefox-esr", home_.root() / "bin/firefox-esr");
+    EXPECT_EQ(installedBrowserVersion(SupportedBrowser::firefox, locations()), "115.5.0esr");
+
+    writeFile(lib / "application.ini", "[App]\nName=Firefox\n");
+    EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::firefox, locations()));
+    fs::remove(lib / "firefox-esr");  // a dangling link
+    EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::firefox, locations()));
+    EXPECT_FALSE(installedBrowserVersion(SupportedBrowser::safari, locations()));
 }
 
 }  // namespace
