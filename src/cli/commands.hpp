@@ -37,6 +37,9 @@ void installSetupTestCommand(CLI::App& app, CliContext& context);
 // `extension path`: where the built extension packages are.
 void installExtensionCommands(CLI::App& app, CliContext& context);
 
+// `report [--feedback]`: the diagnostic report, or the feedback mail link.
+void installReportCommand(CLI::App& app, CliContext& context);
+
 // `help [COMMAND...]`: the same help as `COMMAND... --help`.
 void installHelpCommand(CLI::App& app, CliContext& context);
 

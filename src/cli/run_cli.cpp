@@ -21,7 +21,7 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
                          installRecoveryCommands, installBrowserCommands, installExtensionCommands,
-                         installSetupTestCommand, installHelpCommand}) {
+                         installSetupTestCommand, installReportCommand, installHelpCommand}) {
         install(app, context);
     }
 

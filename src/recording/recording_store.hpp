@@ -73,6 +73,8 @@ class RecordingStore : public classification::ClassificationRuleStore {
     // Sessions whose status is running or paused (found after a crash).
     virtual Result<std::vector<StudySession>, StoreError> liveSessions() = 0;
     virtual Result<std::size_t, StoreError> sessionCount() = 0;
+    // Activity segments of every stored session.
+    virtual Result<std::size_t, StoreError> segmentCount() = 0;
     virtual Result<void, StoreError> deleteAllSessions() = 0;
 };
 

@@ -2,19 +2,16 @@
 
 #include <sys/utsname.h>
 
-#include <QCoreApplication>
-#include <QDBusConnection>
 #include <chrono>
 #include <cstdlib>
-#include <fstream>
 
 #include "bridge/browser_bridge_store.hpp"
 #include "bridge/browser_extension_status.hpp"
 #include "bridge/browser_installation.hpp"
 #include "bridge/extension_identity.hpp"
-#include "platform/linux/notifications.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "recording/sampling_self_test.hpp"
+#include "runtime/system_facts.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 #include "store/store_files.hpp"
@@ -29,44 +26,6 @@ const char* environmentValue(const char* name) {
 
 Date systemNow() {
     return Date::fromSystemClock(std::chrono::system_clock::now());
-}
-
-// PRETTY_NAME of /etc/os-release and the kernel's release.
-std::string systemName(const utsname& system) {
-    std::ifstream release("/etc/os-release");
-    std::string line;
-    std::string name = "Linux";
-    while (std::getline(release, line)) {
-        if (line.rfind("PRETTY_NAME=", 0) == 0) {
-            name = line.substr(12);
-            if (name.size() >= 2 && name.front() == '"' && name.back() == '"') {
-                name = name.substr(1, name.size() - 2);
-            }
-        }
-    }
-    return name + " (Linux " + system.release + ")";
-}
-
-bridge::NotificationAuthorizationState notificationState() {
-    int argc = 1;
-    char name[] = "lumenote-cli";
-    char* argv[] = {name, nullptr};
-    const bool ownApplication = QCoreApplication::instance() == nullptr;
-    std::unique_ptr<QCoreApplication> application;
-    if (ownApplication) {
-        application = std::make_unique<QCoreApplication>(argc, argv);
-    }
-    platform::linux_desktop::FreedesktopNotificationService notifications(
-        QDBusConnection::sessionBus());
-    switch (notifications.authorization()) {
-        case recording::NotificationAuthorization::authorized:
-            return bridge::NotificationAuthorizationState::authorized;
-        case recording::NotificationAuthorization::denied:
-            return bridge::NotificationAuthorizationState::denied;
-        case recording::NotificationAuthorization::unavailable:
-            return bridge::NotificationAuthorizationState::unavailable;
-    }
-    return bridge::NotificationAuthorizationState::unavailable;
 }
 
 }  // namespace
@@ -105,12 +64,12 @@ bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroun
     input.protocolVersion = chrome.protocolVersion;
     input.lastReadinessAt = chrome.lastResponseReceived;
 
-    input.notificationState = notificationState();
+    input.notificationState = desktopNotificationState();
     input.appVersion = surroundings.appVersion;
     input.appBuild = surroundings.appBuild;
     utsname system{};
     ::uname(&system);
-    input.macOSVersion = systemName(system);
+    input.macOSVersion = operatingSystemName();
     input.architecture = system.machine;
     input.configuredExtensionIdentifier = std::string(bridge::chromiumExtensionIdentifier());
     return input;

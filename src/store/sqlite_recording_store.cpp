@@ -382,12 +382,20 @@ Result<std::vector<recording::StudySession>, StoreError> SqliteRecordingStore::l
     return readSessions(*statement, true);
 }
 
-Result<std::size_t, StoreError> SqliteRecordingStore::sessionCount() {
-    auto count = connection_->queryInteger("SELECT count(*) FROM sessions");
+Result<std::size_t, StoreError> SqliteRecordingStore::rowCount(const char* sql) {
+    auto count = connection_->queryInteger(sql);
     if (!count) {
         return fail(count.error());
     }
     return static_cast<std::size_t>(*count);
+}
+
+Result<std::size_t, StoreError> SqliteRecordingStore::sessionCount() {
+    return rowCount("SELECT count(*) FROM sessions");
+}
+
+Result<std::size_t, StoreError> SqliteRecordingStore::segmentCount() {
+    return rowCount("SELECT count(*) FROM segments");
 }
 
 Result<void, StoreError> SqliteRecordingStore::deleteAllSessions() {

@@ -61,6 +61,7 @@ class SqliteRecordingStore final : public recording::RecordingStore,
     // With their children, oldest first.
     Result<std::vector<recording::StudySession>, StoreError> liveSessions() override;
     Result<std::size_t, StoreError> sessionCount() override;
+    Result<std::size_t, StoreError> segmentCount() override;
     Result<void, StoreError> deleteAllSessions() override;
 
     // Walks hold one read transaction from their first row to their end, so
@@ -123,6 +124,8 @@ class SqliteRecordingStore final : public recording::RecordingStore,
     Result<std::vector<recording::StudySession>, StoreError> readSessions(StatementLoan& statement,
                                                                           bool includeChildren);
     Result<void, StoreError> execute(const std::string& sql);
+    // The one integer a count query gives.
+    Result<std::size_t, StoreError> rowCount(const char* sql);
     // The sessions of `range` in walk order, ready to step.
     Result<std::unique_ptr<SqliteStatement>, StoreError> prepareSessionWalk(
         const recording::SessionRange& range);

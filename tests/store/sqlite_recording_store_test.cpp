@@ -249,8 +249,10 @@ TEST_F(SqliteRecordingStoreTest, DeletingASessionTakesItsChildrenAndNothingElse)
     ASSERT_TRUE(restored.ok() && restored->has_value());
     EXPECT_EQ((*restored)->segments, std::vector<recording::ActivitySegment>{changes.segments[0]});
 
+    EXPECT_EQ(*store->segmentCount(), 2u);
     ASSERT_TRUE(store->deleteAllSessions());
     EXPECT_EQ(*store->sessionCount(), 0u);
+    EXPECT_EQ(*store->segmentCount(), 0u) << "segments go with their session";
     // Only the identity that belonged to no session is left.
     EXPECT_EQ(store->pdfIdentities(std::nullopt)->size(), 1u);
 }
