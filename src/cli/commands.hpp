@@ -37,6 +37,10 @@ void installSetupTestCommand(CLI::App& app, CliContext& context);
 // `extension path`: where the built extension packages are.
 void installExtensionCommands(CLI::App& app, CliContext& context);
 
+// `review [--json]` and `review classify GROUP-ID CLASS [--scope]`: the
+// unclassified activity of every session, and classifying it once.
+void installReviewCommands(CLI::App& app, CliContext& context);
+
 // `report [--feedback]`: the diagnostic report, or the feedback mail link.
 void installReportCommand(CLI::App& app, CliContext& context);
 

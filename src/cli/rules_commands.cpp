@@ -21,6 +21,7 @@
 #include "classification/hostname_validation.hpp"
 #include "classification/rule_keys.hpp"
 #include "classification/starter_suggestions.hpp"
+#include "cli/classification_argument.hpp"
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
 #include "cli/recorded_activity.hpp"
@@ -31,15 +32,6 @@ namespace lumenote::cli {
 
 namespace {
 
-std::vector<std::string> classificationNames() {
-    std::vector<std::string> names;
-    for (const classification::ActivityClassification classification :
-         allCases<classification::ActivityClassification>()) {
-        names.emplace_back(rawValue(classification));
-    }
-    return names;
-}
-
 // Rejects keys that are empty once trimmed: a rule needs something to match.
 const CLI::Validator& nonEmptyKey() {
     static const CLI::Validator validator(
@@ -48,18 +40,6 @@ const CLI::Validator& nonEmptyKey() {
         },
         "NOT EMPTY");
     return validator;
-}
-
-void addClassificationArgument(CLI::App& command, std::string& target) {
-    command.add_option("CLASS", target, "focused, distracting, neutral, unclassified or ignored")
-        ->required()
-        ->check(CLI::IsMember(classificationNames()));
-}
-
-classification::ActivityClassification parsedClassification(const std::string& name) {
-    // The argument parser admitted only the raw values.
-    return fromRawValue<classification::ActivityClassification>(name).value_or(
-        classification::ActivityClassification::unclassified);
 }
 
 // "3", or "50 most recent of 73" when the list was cut.

@@ -218,4 +218,60 @@ std::string sessionDetailText(const recording::StudySession& session, const Loca
     return detail;
 }
 
+namespace {
+
+void appendReplayRows(std::string& text, const std::vector<recording::ReplayDisplaySegment>& rows,
+                      const LocalCalendar& calendar, std::string_view indent) {
+    for (const recording::ReplayDisplaySegment& row : rows) {
+        const recording::ActivitySegment& first = row.rawSegments.front();
+        const recording::ActivitySegment& last = row.rawSegments.back();
+        const bool inactive = !row.directSegments.empty() && first.isInactive;
+        text += fmt::format("{}{}–{}  {:>8}  {:<12}  {}{}\n", indent,
+                            localTimeOfDay(first.startDate, calendar),
+                            localTimeOfDay(last.endDate, calendar),
+                            recording::clockDurationText(row.totalDuration()),
+                            row.children.empty() ? first.classificationRawValue : "",
+                            cellText(row.title, 60), inactive ? " · no input" : "");
+        appendReplayRows(text, row.children, calendar, "    ");
+    }
+}
+
+nlohmann::json replayRowJson(const recording::ReplayDisplaySegment& row) {
+    nlohmann::json segments = nlohmann::json::array();
+    for (const recording::ActivitySegment& segment : row.directSegments) {
+        segments.push_back(segment.id.upperString());
+    }
+    nlohmann::json json{{"title", row.title},
+                        {"startDate", formatIso8601(row.rawSegments.front().startDate)},
+                        {"endDate", formatIso8601(row.rawSegments.back().endDate)},
+                        {"duration", row.totalDuration()},
+                        {"segments", std::move(segments)}};
+    if (row.children.empty()) {
+        json["classification"] = row.rawSegments.front().classificationRawValue;
+    } else {
+        json["children"] = replayRowsJson(row.children);
+    }
+    return json;
+}
+
+}  // namespace
+
+std::string replayRowsText(const std::vector<recording::ReplayDisplaySegment>& rows,
+                           const LocalCalendar& calendar) {
+    if (rows.empty()) {
+        return "No segments recorded.\n";
+    }
+    std::string text;
+    appendReplayRows(text, rows, calendar, "  ");
+    return text;
+}
+
+nlohmann::json replayRowsJson(const std::vector<recording::ReplayDisplaySegment>& rows) {
+    nlohmann::json array = nlohmann::json::array();
+    for (const recording::ReplayDisplaySegment& row : rows) {
+        array.push_back(replayRowJson(row));
+    }
+    return array;
+}
+
 }  // namespace lumenote::cli

@@ -1,8 +1,9 @@
 // The readable forms of stored sessions that lumenote-cli prints: the history
-// table and the detail of one session with its segments. Pure functions: the
+// table, the detail of one session with its segments, and its replay rows. Pure functions: the
 // caller passes the time zone dates are shown in.
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 
 #include "foundation/dates.hpp"
 #include "recording/active_session_checkpoint.hpp"
+#include "recording/replay_rows.hpp"
 #include "recording/session_figures.hpp"
 #include "recording/session_records.hpp"
 
@@ -48,5 +50,11 @@ struct NoInputThresholds {
 // per line in start order.
 std::string sessionDetailText(const recording::StudySession& session, const LocalCalendar& calendar,
                               const NoInputThresholds& thresholds = {});
+
+// The replay rows, one line each with its times, length, class and title;
+// the rows nested under a browser indented beneath it.
+std::string replayRowsText(const std::vector<recording::ReplayDisplaySegment>& rows,
+                           const LocalCalendar& calendar);
+nlohmann::json replayRowsJson(const std::vector<recording::ReplayDisplaySegment>& rows);
 
 }  // namespace lumenote::cli

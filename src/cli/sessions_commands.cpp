@@ -14,6 +14,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
+#include "cli/json_output.hpp"
 #include "cli/recovery_state.hpp"
 #include "cli/session_listing_query.hpp"
 #include "cli/session_text.hpp"
@@ -35,11 +36,6 @@ NoInputThresholds noInputThresholds(const UserPaths& paths) {
                                               [&clock] { return clock.now(); });
     const settings::PreferencesStore preferences(defaults);
     return {preferences.passiveStudyPromptThreshold(), preferences.inactivityThreshold()};
-}
-
-void printJson(CliContext& context, const nlohmann::json& value) {
-    // Text that is not valid UTF-8 is replaced rather than failing the output.
-    context.out << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
 }
 
 // Refuses with the sentence of a history change that failed; the history
@@ -124,14 +120,27 @@ void installShow(CLI::App& app, CliContext& context) {
     auto asJson = std::make_shared<bool>(false);
     command->add_option("ID", *id, "The session's id, or at least its first 8 hex digits")
         ->required();
+    auto rows = std::make_shared<bool>(false);
     command->add_flag("--json", *asJson, "Print the session and its segments as JSON");
-    command->callback([&context, id, asJson] {
+    command->add_flag("--rows", *rows,
+                      "Print the replay rows instead: neighbouring segments of one activity as "
+                      "one row, browser activity nested under its browser");
+    command->callback([&context, id, asJson, rows] {
         auto environment = openHistoryEnvironment(context);
         if (!environment) {
             return;
         }
         const auto session = loadResolved(*environment, context, *id);
         if (!session) {
+            return;
+        }
+        if (*rows) {
+            const auto replay = recording::replayRows(session->segments);
+            if (*asJson) {
+                printJson(context, replayRowsJson(replay));
+            } else {
+                context.out << replayRowsText(replay, environment->calendar());
+            }
             return;
         }
         if (*asJson) {

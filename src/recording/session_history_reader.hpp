@@ -13,6 +13,7 @@
 #include "foundation/store_error.hpp"
 #include "foundation/uuid.hpp"
 #include "recording/session_records.hpp"
+#include "recording/unclassified_activity_review.hpp"
 
 namespace lumenote::recording {
 
@@ -71,6 +72,14 @@ class SessionHistoryReader {
     // Sessions without segments are passed over. Fails like forEachSession.
     virtual Result<void, StoreError> forEachSegment(const SegmentWalkQuery& query,
                                                     const SegmentVisitor& visitor) = 0;
+
+    // Visits one tally per activity and session of every stored segment that
+    // is unclassified, not time without input and not a system segment: the
+    // store sums them, so the review never holds the segments themselves.
+    // The order is unspecified. Fails like forEachSession.
+    using TallyVisitor = std::function<bool(const UnclassifiedActivityTally& tally)>;
+    virtual Result<void, StoreError> forEachUnclassifiedActivityTally(
+        const TallyVisitor& visitor) = 0;
 };
 
 }  // namespace lumenote::recording

@@ -78,6 +78,9 @@ class SqliteRecordingStore final : public recording::RecordingStore,
     // row is decoded.
     Result<void, StoreError> forEachSegment(const recording::SegmentWalkQuery& query,
                                             const SegmentVisitor& visitor) override;
+    // One grouped scan of the segments table, joined to each PDF identity's
+    // current class.
+    Result<void, StoreError> forEachUnclassifiedActivityTally(const TallyVisitor& visitor) override;
 
     // Rules come ordered by their key.
     Result<std::vector<classification::AppClassification>, StoreError> appClassifications()
