@@ -56,7 +56,8 @@ struct SessionSnapshot {
     // Computer study plus confirmed study away (recording/study_time.hpp).
     double studyTime = 0.0;
     double longestFocusedRun = 0.0;
-    // Focused and Distracting activities only, largest first.
+    // Focused and Distracting activities only, largest first; equal times in
+    // label order.
     std::vector<ActivityTime> activities;
 
     recording::TrackingCalculationVersion effectiveVersion() const {
