@@ -20,8 +20,9 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installRecoveryCommands, installBrowserCommands, installExtensionCommands,
-                         installSetupTestCommand, installReportCommand, installHelpCommand}) {
+                         installRecoveryCommands, installWeekCommands, installBrowserCommands,
+                         installExtensionCommands, installSetupTestCommand, installReportCommand,
+                         installHelpCommand}) {
         install(app, context);
     }
 
