@@ -51,4 +51,7 @@ void installHelpCommand(CLI::App& app, CliContext& context);
 // and relabelling time without input.
 void installRecoveryCommands(CLI::App& app, CliContext& context);
 
+// `week` and `insights [dismiss ID]`: a week's figures and its insights.
+void installWeekCommands(CLI::App& app, CliContext& context);
+
 }  // namespace lumenote::cli

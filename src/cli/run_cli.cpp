@@ -20,7 +20,8 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installReviewCommands, installRecoveryCommands, installBrowserCommands,
+                         installReviewCommands, installRecoveryCommands, installWeekCommands,
+                         installBrowserCommands,
                          installExtensionCommands, installSetupTestCommand, installReportCommand,
                          installHelpCommand}) {
         install(app, context);

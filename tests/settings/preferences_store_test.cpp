@@ -358,6 +358,9 @@ recording::StudySession sessionStartedAt(Date start) {
     session.id = Uuid::generate();
     session.subject = "Maths";
     session.startDate = start;
+    session.endDate = start.addingSeconds(1800);
+    session.setStatus(recording::StudySessionStatus::completed);
+    session.timerDuration = 1800;
     return session;
 }
 

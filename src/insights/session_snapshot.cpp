@@ -1,0 +1,108 @@
+#include "insights/session_snapshot.hpp"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include "foundation/numeric.hpp"
+#include "recording/focus_runs.hpp"
+#include "recording/study_time.hpp"
+#include "recording/tracking_calculation.hpp"
+
+namespace lumenote::insights {
+
+namespace {
+
+namespace Tracking = recording::TrackingCalculationService;
+using Tracking::AccountedState;
+
+std::string activityLabel(const recording::ActivitySegment& segment) {
+    switch (segment.activitySource()) {
+        case recording::ActivitySourceType::website:
+            if (segment.hostname && !segment.hostname->empty()) {
+                return *segment.hostname;
+            }
+            break;
+        case recording::ActivitySourceType::localPDF:
+            if (segment.pdfDisplayLabel() && !segment.pdfDisplayLabel()->empty()) {
+                return *segment.pdfDisplayLabel();
+            }
+            break;
+        default:
+            break;
+    }
+    return segment.applicationName.empty() ? segment.bundleIdentifier : segment.applicationName;
+}
+
+}  // namespace
+
+SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
+    SessionSnapshot snapshot;
+    snapshot.id = session.id;
+    snapshot.subject = session.subject;
+    snapshot.startDate = session.startDate;
+    snapshot.duration = clampDuration(session.timerDuration);
+    snapshot.calculationVersion = session.calculationVersion();
+    snapshot.focused = clampDuration(session.focusedDuration);
+    snapshot.distracted = clampDuration(session.distractedDuration);
+    snapshot.neutral = clampDuration(session.neutralDuration);
+    snapshot.unclassified = clampDuration(session.unclassifiedDuration());
+    snapshot.passiveStudy = clampDuration(session.passiveStudyDuration());
+    snapshot.studyTime = recording::studyTime(session);
+
+    const auto calculated = Tracking::calculateSessionTotals(
+        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
+        Tracking::effectiveCalculationVersion(session));
+    snapshot.longestFocusedRun = Tracking::longestFocusedRun(calculated.contributions);
+
+    // The first segment with an identifier names it: later segments of the
+    // same application may carry a renamed window title but the same id.
+    std::map<std::string, std::string> labels;
+    for (const recording::ActivitySegment& segment : session.segments) {
+        labels.try_emplace(Tracking::makeAccountingSample(segment).stableIdentifier,
+                           activityLabel(segment));
+    }
+    std::map<std::pair<std::string, AccountedState>, ActivityTime> byActivity;
+    for (const auto& piece : calculated.contributions) {
+        if (piece.classification != AccountedState::focused &&
+            piece.classification != AccountedState::distracting) {
+            continue;
+        }
+        if (!(piece.duration > 0.0)) {
+            continue;
+        }
+        const auto found = labels.find(piece.stableIdentifier);
+        const std::string& label = found == labels.end() ? piece.stableIdentifier : found->second;
+        ActivityTime& time = byActivity[{label, piece.classification}];
+        time.label = label;
+        time.classification = piece.classification;
+        time.seconds = addClampedDuration(time.seconds, piece.duration);
+        ++time.intervals;
+    }
+    for (auto& entry : byActivity) {
+        snapshot.activities.push_back(std::move(entry.second));
+    }
+    std::stable_sort(
+        snapshot.activities.begin(), snapshot.activities.end(),
+        [](const ActivityTime& a, const ActivityTime& b) { return a.seconds > b.seconds; });
+    return snapshot;
+}
+
+Result<std::vector<SessionSnapshot>, StoreError> readAnalyticsSnapshots(
+    recording::SessionHistoryReader& reader, const recording::SessionRange& range, Date now,
+    const SetupTestSessionPredicate& isSetupTestSession) {
+    std::vector<SessionSnapshot> snapshots;
+    auto walked = reader.forEachSession(
+        {.range = range, .includeChildren = true}, [&](const recording::StudySession& session) {
+            if (countsForAnalytics(session, now, isSetupTestSession)) {
+                snapshots.push_back(makeSessionSnapshot(session));
+            }
+            return true;
+        });
+    if (!walked) {
+        return fail(walked.error());
+    }
+    return snapshots;
+}
+
+}  // namespace lumenote::insights
