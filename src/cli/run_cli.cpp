@@ -21,9 +21,8 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
                          installReviewCommands, installRecoveryCommands, installWeekCommands,
-                         installBrowserCommands,
-                         installExtensionCommands, installSetupTestCommand, installReportCommand,
-                         installHelpCommand}) {
+                         installBrowserCommands, installExtensionCommands, installSetupTestCommand,
+                         installReportCommand, installHelpCommand}) {
         install(app, context);
     }
 
