@@ -156,6 +156,18 @@ auto queryAll(SqliteConnection& connection, const std::string& sql, Read read)
 
 Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::open(
     const std::filesystem::path& path, const SqliteStoreOptions& options) {
+    if (options.readOnly) {
+        auto connection = SqliteConnection::open(path.string(), SqliteOpenMode::readOnly);
+        if (!connection) {
+            return fail(connection.error());
+        }
+        (*connection)->setBusyTimeout(static_cast<int>(options.busyTimeout.count()));
+        if (auto current = requireCurrentLayout(**connection, storeMigrations()); !current) {
+            return fail(current.error());
+        }
+        return std::unique_ptr<SqliteRecordingStore>(
+            new SqliteRecordingStore(std::move(*connection)));
+    }
     if (auto file = ensurePrivateFile(path); !file) {
         return fail(file.error());
     }
