@@ -19,9 +19,9 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.require_subcommand(0, 1);
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
-                         installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installRecoveryCommands, installBrowserCommands, installExtensionCommands,
-                         installSetupTestCommand, installHelpCommand}) {
+                         installTemplatesCommands, installSessionCommands, installExportCommand,
+                         installRulesCommands, installRecoveryCommands, installBrowserCommands,
+                         installExtensionCommands, installSetupTestCommand, installHelpCommand}) {
         install(app, context);
     }
 
