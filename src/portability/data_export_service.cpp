@@ -12,10 +12,13 @@ namespace lumenote::portability {
 
 namespace {
 
-// One format's frame and its sessions. A session is given with its children.
+// One format's frame and its sessions, each given with its children unless
+// the format does without them.
 class SessionFormat {
   public:
     virtual ~SessionFormat() = default;
+    // Whether writeSession needs the session's children.
+    virtual bool readsChildren() const { return true; }
     virtual void begin() = 0;
     virtual void writeSession(const recording::StudySession& session, ExportSummary& summary) = 0;
     virtual void end() = 0;
@@ -27,7 +30,7 @@ class JsonFormat final : public SessionFormat {
         : writer_(output), document_{kExportFormatVersion, exportedAt} {}
     void begin() override { writer_.begin(document_); }
     void writeSession(const recording::StudySession& session, ExportSummary& summary) override {
-        writer_.writeSession(makeExportSession(session, SegmentInclusion::included));
+        writer_.writeSession(makeExportSession(session, ExportContent::segmentsAndRuns));
         ++summary.sessions;
         summary.segments += session.segments.size();
     }
@@ -43,7 +46,7 @@ class SessionTableFormat final : public SessionFormat {
     explicit SessionTableFormat(ExportOutput& output) : writer_(output) {}
     void begin() override { writer_.writeSessionHeader(); }
     void writeSession(const recording::StudySession& session, ExportSummary& summary) override {
-        writer_.writeSessionRow(makeExportSession(session, SegmentInclusion::omitted),
+        writer_.writeSessionRow(makeExportSession(session, ExportContent::runs),
                                 recording::unconfirmedNoInputTime(session));
         ++summary.sessions;
     }
@@ -77,9 +80,10 @@ class SegmentTableFormat final : public SessionFormat {
 class CalendarFormat final : public SessionFormat {
   public:
     CalendarFormat(ExportOutput& output, Date exportedAt) : writer_(output, exportedAt) {}
+    bool readsChildren() const override { return false; }
     void begin() override { writer_.begin(); }
     void writeSession(const recording::StudySession& session, ExportSummary& summary) override {
-        if (writer_.writeSession(makeExportSession(session, SegmentInclusion::omitted))) {
+        if (writer_.writeSession(makeExportSession(session, ExportContent::fieldsOnly))) {
             ++summary.sessions;
         }
     }
@@ -177,7 +181,7 @@ Result<ExportSummary, ExportError> DataExportService::write(const ExportRequest&
             sessionDone();
         }
     } else {
-        auto walked = history_.forEachSession({.includeChildren = true},
+        auto walked = history_.forEachSession({.includeChildren = format->readsChildren()},
                                               [&](const recording::StudySession& session) {
                                                   format->writeSession(session, summary);
                                                   sessionDone();

@@ -45,7 +45,7 @@ ExportSegment makeExportSegment(const recording::ActivitySegment& segment) {
     return exported;
 }
 
-ExportSession makeExportSession(const recording::StudySession& session, SegmentInclusion segments) {
+ExportSession makeExportSession(const recording::StudySession& session, ExportContent content) {
     ExportSession exported;
     exported.id = session.id;
     exported.subject = session.subject;
@@ -72,10 +72,13 @@ ExportSession makeExportSession(const recording::StudySession& session, SegmentI
     exported.timingMode = rawValue(session.timingMode());
     exported.totalConfirmedStudyDuration = recording::studyTime(session);
     exported.focusScore = exportedScore(session);
+    if (content == ExportContent::fieldsOnly) {
+        return exported;
+    }
     const recording::SessionRuns runs = recording::sessionRuns(session);
     exported.longestFocusBlock = runs.longestFocusedRun;
     exported.meaningfulInterruptions = runs.meaningfulInterruptions;
-    if (segments == SegmentInclusion::included) {
+    if (content == ExportContent::segmentsAndRuns) {
         exported.segments.reserve(session.segments.size());
         for (const recording::ActivitySegment& segment : session.segments) {
             exported.segments.push_back(makeExportSegment(segment));

@@ -90,13 +90,20 @@ struct TallywiseExportDocument {
 
 ExportSegment makeExportSegment(const recording::ActivitySegment& segment);
 
-// Whether a built session carries its segments (the JSON document) or not
-// (the session table, the calendar).
-enum class SegmentInclusion { included, omitted };
+// What a built session carries beyond its own fields and stored figures.
+enum class ExportContent {
+    // Its segments and its runs (the JSON document).
+    segmentsAndRuns,
+    // Its runs (the session table).
+    runs,
+    // Neither (the calendar, which shows no runs): the runs stay 0 and the
+    // session need not hold its children, so that a walk can skip them.
+    fieldsOnly,
+};
 
-// The session's fields and figures. `session` must hold its segments and
-// confirmations (a walk with children, or loadSession): the runs are read
-// from them.
-ExportSession makeExportSession(const recording::StudySession& session, SegmentInclusion segments);
+// The session's fields and figures. For the runs, `session` must hold its
+// segments and confirmations (a walk with children, or loadSession): they
+// are read from them.
+ExportSession makeExportSession(const recording::StudySession& session, ExportContent content);
 
 }  // namespace lumenote::portability

@@ -49,7 +49,7 @@ StudySession finishedSession() {
 
 TEST(ExportModelTest, TheSessionCarriesTheFiguresTheRestOfTheSystemShows) {
     const StudySession stored = finishedSession();
-    const ExportSession exported = makeExportSession(stored, SegmentInclusion::included);
+    const ExportSession exported = makeExportSession(stored, ExportContent::segmentsAndRuns);
     const recording::SessionRuns runs = recording::sessionRuns(stored);
     EXPECT_EQ(exported.longestFocusBlock, runs.longestFocusedRun);
     EXPECT_EQ(exported.meaningfulInterruptions, runs.meaningfulInterruptions);
@@ -65,7 +65,12 @@ TEST(ExportModelTest, TheSessionCarriesTheFiguresTheRestOfTheSystemShows) {
     EXPECT_EQ(exported.notes, "");
     ASSERT_EQ(exported.segments.size(), 3u);
     EXPECT_EQ(exported.segments[1].classification, "distracting");
-    EXPECT_TRUE(makeExportSession(stored, SegmentInclusion::omitted).segments.empty());
+    const ExportSession withRuns = makeExportSession(stored, ExportContent::runs);
+    EXPECT_TRUE(withRuns.segments.empty());
+    EXPECT_EQ(withRuns.longestFocusBlock, 600);
+    const ExportSession fieldsOnly = makeExportSession(stored, ExportContent::fieldsOnly);
+    EXPECT_EQ(fieldsOnly.longestFocusBlock, 0);
+    EXPECT_EQ(fieldsOnly.focusScore, stored.focusScore);
 }
 
 TEST(ExportModelTest, OptionalFieldsFollowTheSessionsState) {
@@ -74,7 +79,7 @@ TEST(ExportModelTest, OptionalFieldsFollowTheSessionsState) {
     running.setStatus(recording::StudySessionStatus::running);
     running.setTimingMode(recording::SessionTimingMode::openEnded);
     running.setNotes("notes");
-    const ExportSession exported = makeExportSession(running, SegmentInclusion::omitted);
+    const ExportSession exported = makeExportSession(running, ExportContent::runs);
     EXPECT_FALSE(exported.endDate);
     EXPECT_FALSE(exported.plannedDuration);
     EXPECT_EQ(exported.timingMode, "open_ended");
@@ -84,7 +89,7 @@ TEST(ExportModelTest, OptionalFieldsFollowTheSessionsState) {
     StudySession older = finishedSession();
     older.timingModeStorage.reset();
     older.statusRawValue = "archived";  // a status of a later release
-    const ExportSession olderExported = makeExportSession(older, SegmentInclusion::omitted);
+    const ExportSession olderExported = makeExportSession(older, ExportContent::runs);
     EXPECT_EQ(olderExported.plannedDuration, 1800);
     EXPECT_EQ(olderExported.status, "completed");  // it has an end date
 }
@@ -111,7 +116,7 @@ TEST(ExportModelTest, TheScoreIsExportedOnlyWhereItMayBeShown) {
         session.focusedDuration = c.focused;
         session.distractedDuration = c.distracted;
         session.focusScore = c.stored;
-        EXPECT_EQ(makeExportSession(session, SegmentInclusion::omitted).focusScore, c.exported);
+        EXPECT_EQ(makeExportSession(session, ExportContent::runs).focusScore, c.exported);
     }
 }
 
