@@ -157,14 +157,5 @@ TEST_F(ExportCommandTest, WithNothingRecordedTheExportIsEmptyAndNoStoreIsCreated
     EXPECT_FALSE(fs::exists(storeFile()));
 }
 
-TEST_F(ExportCommandTest, HelpExplainsEveryOption) {
-    const CliRun help = run({"export", "--help"});
-    ASSERT_EQ(help.status, 0);
-    for (const char* option : {"--format", "--table", "--session", "--output"}) {
-        EXPECT_TRUE(contains(help.out, option)) << option;
-    }
-    EXPECT_TRUE(contains(run({"--help"}).out, "export"));
-}
-
 }  // namespace
 }  // namespace lumenote::cli::testing

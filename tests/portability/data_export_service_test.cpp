@@ -196,20 +196,6 @@ TEST_F(DataExportServiceTest, OneSessionOrAnUnknownOne) {
     EXPECT_EQ(missing.error().message(), "The session to export is no longer in the history.");
 }
 
-TEST_F(DataExportServiceTest, TheCalendarHasAnEventPerFinishedSession) {
-    storeHistory();
-    StringSink sink;
-    const auto written = exportTo(sink, {.format = ExportFormat::ics});
-    ASSERT_TRUE(written.ok());
-    EXPECT_EQ(written->sessions, 3u);  // session 4 is unfinished
-    std::size_t events = 0;
-    for (std::size_t at = sink.text.find("BEGIN:VEVENT"); at != std::string::npos;
-         at = sink.text.find("BEGIN:VEVENT", at + 1)) {
-        ++events;
-    }
-    EXPECT_EQ(events, 3u);
-}
-
 TEST_F(DataExportServiceTest, ProgressCountsEverySessionVisitedOnce) {
     storeHistory();
     for (const ExportRequest& request :
@@ -242,29 +228,6 @@ TEST_F(DataExportServiceTest, AFailingDestinationStopsTheExportEarlyWithItsReaso
               "Lumenote could not write the export (No space left on device).");
     EXPECT_LT(visited, 60u);
     EXPECT_EQ(failing.writes, 1u);
-}
-
-TEST_F(DataExportServiceTest, DefaultNamesSayWhatTheFileHolds) {
-    const Uuid one = uuidNumbered(1);
-    const struct {
-        ExportRequest request;
-        const char* name;
-    } cases[] = {
-        {{.format = ExportFormat::json}, "Lumenote Sessions.json"},
-        {{.format = ExportFormat::json, .session = one}, "Lumenote Session.json"},
-        {{.format = ExportFormat::csv}, "Lumenote Sessions.csv"},
-        {{.format = ExportFormat::csv, .session = one}, "Lumenote Session.csv"},
-        {{.format = ExportFormat::csv, .table = ExportTable::segments}, "Lumenote Segments.csv"},
-        {{.format = ExportFormat::csv, .table = ExportTable::segments, .session = one},
-         "Lumenote Session Segments.csv"},
-        {{.format = ExportFormat::ics}, "Lumenote Sessions.ics"},
-        {{.format = ExportFormat::ics, .session = one}, "Lumenote Session.ics"},
-        // The table is read for CSV only.
-        {{.format = ExportFormat::json, .table = ExportTable::segments}, "Lumenote Sessions.json"},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(defaultExportFileName(c.request), c.name);
-    }
 }
 
 }  // namespace

@@ -139,12 +139,6 @@ TEST(JsonExportWriterTest, WritesOneMemberPerLineWithSortedKeysAndTabIndentation
     EXPECT_EQ(documentOf({finishedSession()}), expected);
 }
 
-TEST(JsonExportWriterTest, AnEmptyExportIsAValidDocumentWithAnEmptyArray) {
-    EXPECT_EQ(documentOf({}),
-              "{\n\t\"exportedAt\": \"2026-11-20T12:30:00Z\",\n\t\"formatVersion\": 1,\n"
-              "\t\"sessions\": []\n}\n");
-}
-
 TEST(JsonExportWriterTest, AbsentOptionalsAreLeftOutNeverNullAndKeysStaySorted) {
     ExportSession running = finishedSession();
     running.endDate.reset();          // not finished
