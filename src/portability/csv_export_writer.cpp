@@ -66,6 +66,11 @@ void CsvExportWriter::textCell(std::string_view text) {
     output_.append('"');
 }
 
+void CsvExportWriter::wordCell(std::string_view word) {
+    beginCell();
+    output_.append(word);
+}
+
 void CsvExportWriter::optionalTextCell(const std::optional<std::string_view>& text) {
     if (text) {
         textCell(*text);
@@ -86,14 +91,14 @@ void CsvExportWriter::dateCell(Date date) {
 
 void CsvExportWriter::writeSessionHeader() {
     for (const std::string_view column : kSessionTableColumns) {
-        textCell(column);
+        wordCell(column);
     }
     endRow();
 }
 
 void CsvExportWriter::writeSegmentHeader() {
     for (const std::string_view column : kSegmentTableColumns) {
-        textCell(column);
+        wordCell(column);
     }
     endRow();
 }
@@ -102,7 +107,7 @@ void CsvExportWriter::writeSessionRow(const ExportSession& session,
                                       double unconfirmedNoInputDuration) {
     beginCell();
     appendInteger(output_, kExportFormatVersion);
-    textCell(session.id.upperString());
+    wordCell(session.id.upperString());
     textCell(session.subject);
     textCell(session.goal);
     textCell(session.notes);
@@ -117,7 +122,7 @@ void CsvExportWriter::writeSessionRow(const ExportSession& session,
     } else {
         beginCell();
     }
-    textCell(session.status);
+    wordCell(session.status);
     secondsCell(session.timerDuration);
     secondsCell(session.focusedDuration);
     secondsCell(session.distractedDuration);
@@ -133,12 +138,12 @@ void CsvExportWriter::writeSessionRow(const ExportSession& session,
     secondsCell(session.longestFocusBlock);
     beginCell();
     appendInteger(output_, session.meaningfulInterruptions);
-    textCell(session.studyMode);
+    wordCell(session.studyMode);
     secondsCell(session.passiveStudyDuration);
     secondsCell(session.confirmedBreakDuration);
     secondsCell(unconfirmedNoInputDuration);
     secondsCell(session.totalConfirmedStudyDuration);
-    textCell(session.timingMode);
+    wordCell(session.timingMode);
     endRow();
 }
 
@@ -149,17 +154,17 @@ void CsvExportWriter::writeSegmentRow(const Uuid& session, const ExportSegment& 
     }
     beginCell();
     appendInteger(output_, kExportFormatVersion);
-    textCell(ownerIdText_);
+    wordCell(ownerIdText_);
     dateCell(segment.startDate);
     dateCell(segment.endDate);
     secondsCell(segment.duration);
-    textCell(segment.resourceType);
+    wordCell(segment.resourceType);
     textCell(segment.applicationDisplayName);
     optionalTextCell(segment.browserDisplayName);
     optionalTextCell(segment.hostname);
     optionalTextCell(segment.pdfLabel);
-    textCell(segment.classification);
-    textCell(segment.inactive ? "true" : "false");
+    wordCell(segment.classification);
+    wordCell(segment.inactive ? "true" : "false");
     endRow();
 }
 

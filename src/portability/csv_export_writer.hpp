@@ -78,6 +78,10 @@ class CsvExportWriter {
     // Each cell but a row's first is preceded by a comma.
     void beginCell();
     void textCell(std::string_view text);
+    // A cell of the system's own vocabulary (a header name, an id, a raw
+    // value, true or false), which never needs quotes or repair: written
+    // without looking at its bytes.
+    void wordCell(std::string_view word);
     void optionalTextCell(const std::optional<std::string_view>& text);
     void secondsCell(double seconds);
     void dateCell(Date date);

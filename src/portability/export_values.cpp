@@ -61,6 +61,16 @@ int sequenceLength(std::string_view text, std::size_t at) {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
+// "00" "01" ... "99": two digits at a time, a timestamp being mostly pairs.
+constexpr std::array<char, 200> kTwoDigitPairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t value = 0; value < 100; ++value) {
+        pairs[value * 2] = static_cast<char>('0' + value / 10);
+        pairs[value * 2 + 1] = static_cast<char>('0' + value % 10);
+    }
+    return pairs;
+}();
+
 struct CivilDate {
     std::int64_t year;
     std::int64_t month;  // 1 ... 12
@@ -161,24 +171,23 @@ ExportTimestamp::ExportTimestamp(Date date) {
     const CivilDate civil = civilFromDays(days);
 
     char* out = characters_.data();
-    const auto digits = [&out](std::int64_t value, int count) {
-        for (int index = count - 1; index >= 0; --index) {
-            out[index] = static_cast<char>('0' + value % 10);
-            value /= 10;
-        }
-        out += count;
+    const auto twoDigits = [&out](std::int64_t value) {
+        const std::size_t at = static_cast<std::size_t>(value) * 2;
+        *out++ = kTwoDigitPairs[at];
+        *out++ = kTwoDigitPairs[at + 1];
     };
-    digits(civil.year, 4);
+    twoDigits(civil.year / 100);
+    twoDigits(civil.year % 100);
     *out++ = '-';
-    digits(civil.month, 2);
+    twoDigits(civil.month);
     *out++ = '-';
-    digits(civil.day, 2);
+    twoDigits(civil.day);
     *out++ = 'T';
-    digits(secondOfDay / 3600, 2);
+    twoDigits(secondOfDay / 3600);
     *out++ = ':';
-    digits(secondOfDay / 60 % 60, 2);
+    twoDigits(secondOfDay / 60 % 60);
     *out++ = ':';
-    digits(secondOfDay % 60, 2);
+    twoDigits(secondOfDay % 60);
     *out = 'Z';
 }
 

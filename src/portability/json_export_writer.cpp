@@ -63,11 +63,9 @@ void JsonExportWriter::begin(const TallywiseExportDocument& document) {
     output_.append("{\n");
     key("exportedAt", kDocumentMembers);
     date(document.exportedAt);
-    output_.append(",\n");
-    key("formatVersion", kDocumentMembers);
+    key("formatVersion", kDocumentMembers, true);
     appendInteger(output_, document.formatVersion);
-    output_.append(",\n");
-    key("sessions", kDocumentMembers);
+    key("sessions", kDocumentMembers, true);
     output_.append('[');
 }
 
@@ -79,12 +77,17 @@ void JsonExportWriter::end() {
     output_.append("]\n}\n");
 }
 
-void JsonExportWriter::key(std::string_view name, int depth) {
+void JsonExportWriter::key(std::string_view name, int depth, bool afterAnother) {
     // Gathered first and appended once: keys are a third of all appends.
-    std::array<char, kLongestMemberStart> start{};
+    std::array<char, kLongestMemberStart> start;  // written before it is read
     const std::string_view tabs = indentation(depth);
-    assert(tabs.size() + name.size() + 4 <= start.size());
-    char* out = std::copy(tabs.begin(), tabs.end(), start.data());
+    assert(tabs.size() + name.size() + 6 <= start.size());
+    char* out = start.data();
+    if (afterAnother) {
+        *out++ = ',';
+        *out++ = '\n';
+    }
+    out = std::copy(tabs.begin(), tabs.end(), out);
     *out++ = '"';
     out = std::copy(name.begin(), name.end(), out);
     *out++ = '"';
@@ -132,6 +135,12 @@ void JsonExportWriter::string(std::string_view text) {
     output_.append('"');
 }
 
+void JsonExportWriter::word(std::string_view text) {
+    output_.append('"');
+    output_.append(text);
+    output_.append('"');
+}
+
 void JsonExportWriter::date(Date value) {
     output_.append('"');
     output_.append(ExportTimestamp(value).text());
@@ -148,10 +157,7 @@ void JsonExportWriter::writeSession(const ExportSession& session) {
     output_.append(indentation(kSessions));
     output_.append("{\n");
     // Members in the sorted order of their keys.
-    const auto next = [this](std::string_view name) {
-        output_.append(",\n");
-        key(name, kSessionMembers);
-    };
+    const auto next = [this](std::string_view name) { key(name, kSessionMembers, true); };
     key("confirmedBreakDuration", kSessionMembers);
     seconds(session.confirmedBreakDuration);
     next("distractedDuration");
@@ -169,7 +175,7 @@ void JsonExportWriter::writeSession(const ExportSession& session) {
     next("goal");
     string(session.goal);
     next("id");
-    string(session.id.upperString());
+    word(session.id.upperString());
     next("ignoredDuration");
     seconds(session.ignoredDuration);
     next("inactiveDuration");
@@ -202,15 +208,15 @@ void JsonExportWriter::writeSession(const ExportSession& session) {
     next("startDate");
     date(session.startDate);
     next("status");
-    string(session.status);
+    word(session.status);
     next("studyMode");
-    string(session.studyMode);
+    word(session.studyMode);
     next("subject");
     string(session.subject);
     next("timerDuration");
     seconds(session.timerDuration);
     next("timingMode");
-    string(session.timingMode);
+    word(session.timingMode);
     next("totalConfirmedStudyDuration");
     seconds(session.totalConfirmedStudyDuration);
     next("unclassifiedDuration");
@@ -223,10 +229,7 @@ void JsonExportWriter::writeSession(const ExportSession& session) {
 void JsonExportWriter::writeSegment(const ExportSegment& segment) {
     output_.append(indentation(kSegments));
     output_.append("{\n");
-    const auto next = [this](std::string_view name) {
-        output_.append(",\n");
-        key(name, kSegmentMembers);
-    };
+    const auto next = [this](std::string_view name) { key(name, kSegmentMembers, true); };
     key("applicationDisplayName", kSegmentMembers);
     string(segment.applicationDisplayName);
     if (segment.browserDisplayName) {
@@ -234,7 +237,7 @@ void JsonExportWriter::writeSegment(const ExportSegment& segment) {
         string(*segment.browserDisplayName);
     }
     next("classification");
-    string(segment.classification);
+    word(segment.classification);
     next("duration");
     seconds(segment.duration);
     next("endDate");
@@ -250,7 +253,7 @@ void JsonExportWriter::writeSegment(const ExportSegment& segment) {
         string(*segment.pdfLabel);
     }
     next("resourceType");
-    string(segment.resourceType);
+    word(segment.resourceType);
     next("startDate");
     date(segment.startDate);
     output_.append('\n');

@@ -52,8 +52,12 @@ class JsonExportWriter {
     void end();
 
   private:
-    void key(std::string_view name, int depth);
+    // Starts a member at `depth`; `afterAnother` ends the previous one first.
+    void key(std::string_view name, int depth, bool afterAnother = false);
     void string(std::string_view text);
+    // A string of the system's own vocabulary (an id, a raw value), which
+    // never needs escaping or repair: written without looking at its bytes.
+    void word(std::string_view text);
     void date(Date value);
     void seconds(double value);
     void writeSegment(const ExportSegment& segment);
