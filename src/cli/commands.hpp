@@ -21,6 +21,9 @@ void installTemplatesCommands(CLI::App& app, CliContext& context);
 // `sessions`, `show`, `edit`, `delete` and `reset`: the recorded history.
 void installSessionCommands(CLI::App& app, CliContext& context);
 
+// `export --format json|csv|ics [--table] [--session] [-o]`: sessions as files.
+void installExportCommand(CLI::App& app, CliContext& context);
+
 // `rules list|starter|set-app|set-website|remove|recent|clear-apps|clear-websites`.
 void installRulesCommands(CLI::App& app, CliContext& context);
 

@@ -133,9 +133,14 @@ std::optional<std::string> hexDigits(std::string_view text) {
 }  // namespace
 
 Result<Uuid, std::string> HistoryEnvironment::resolveSessionID(std::string_view text) {
+    return cli::resolveSessionID(*store_, text);
+}
+
+Result<Uuid, std::string> resolveSessionID(recording::RecordingStore& store,
+                                           std::string_view text) {
     const std::string given = text::trimmed(text);
     if (const auto whole = Uuid::parse(given)) {
-        auto loaded = store_->loadSession(*whole);
+        auto loaded = store.loadSession(*whole);
         if (!loaded.ok()) {
             return fail(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
                                                      loaded.error().description));
@@ -150,7 +155,7 @@ Result<Uuid, std::string> HistoryEnvironment::resolveSessionID(std::string_view 
     if (!prefix || prefix->size() < kMinimumSessionIDPrefixDigits || prefix->size() > 32) {
         return fail(historyCommandFailureMessage(HistoryCommandFailure::sessionIDMalformed, given));
     }
-    auto sessions = store_->listSessions(recording::SessionQuery{});
+    auto sessions = store.listSessions(recording::SessionQuery{});
     if (!sessions.ok()) {
         return fail(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
                                                  sessions.error().description));

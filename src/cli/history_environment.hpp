@@ -115,6 +115,11 @@ class HistoryEnvironment {
     std::unique_ptr<recording::SessionManager> manager_;
 };
 
+// The session named by `text` in `store`, by the rules of
+// HistoryEnvironment::resolveSessionID; for commands that open the store
+// themselves (export opens it for reading only).
+Result<Uuid, std::string> resolveSessionID(recording::RecordingStore& store, std::string_view text);
+
 // Opens the environment for a command. When the store cannot be opened the
 // command is refused with the reason and nullptr is returned.
 std::unique_ptr<HistoryEnvironment> openHistoryEnvironment(

@@ -19,10 +19,10 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.require_subcommand(0, 1);
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
-                         installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installReviewCommands, installRecoveryCommands, installWeekCommands,
-                         installBrowserCommands, installExtensionCommands, installSetupTestCommand,
-                         installReportCommand, installHelpCommand}) {
+                         installTemplatesCommands, installSessionCommands, installExportCommand,
+                         installRulesCommands, installReviewCommands, installRecoveryCommands,
+                         installWeekCommands, installBrowserCommands, installExtensionCommands,
+                         installSetupTestCommand, installReportCommand, installHelpCommand}) {
         install(app, context);
     }
 

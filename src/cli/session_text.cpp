@@ -7,11 +7,9 @@
 
 #include "foundation/numeric.hpp"
 #include "foundation/text.hpp"
-#include "recording/focus_runs.hpp"
 #include "recording/focus_score_text.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/study_time.hpp"
-#include "recording/tracking_calculation.hpp"
 
 namespace lumenote::cli {
 
@@ -180,15 +178,11 @@ std::string sessionDetailText(const recording::StudySession& session, const Loca
 
     detail += "Totals\n";
     detail += recording::totalsBreakdownText(session, {.explain = true, .indent = 2});
-    // Runs are read from the session's own calculation, as every figure is.
-    const auto calculated = Tracking::calculateSessionTotals(
-        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
-        Tracking::effectiveCalculationVersion(session));
-    detail += fmt::format(
-        "  {:<{}}{:>9}\n", "Longest Focused run", recording::kTotalsNameColumn,
-        recording::clockDurationText(Tracking::longestFocusedRun(calculated.contributions)));
+    const recording::SessionRuns runs = recording::sessionRuns(session);
+    detail += fmt::format("  {:<{}}{:>9}\n", "Longest Focused run", recording::kTotalsNameColumn,
+                          recording::clockDurationText(runs.longestFocusedRun));
     detail += fmt::format("  {:<{}}{:>9}\n", "Interruptions", recording::kTotalsNameColumn,
-                          Tracking::meaningfulInterruptionCount(calculated.contributions));
+                          runs.meaningfulInterruptions);
     const auto version = session.calculationVersion();
     const auto explanation = version ? recording::explanationText(*version) : std::nullopt;
     if (explanation) {

@@ -6,6 +6,8 @@
 #include <cmath>
 
 #include "foundation/numeric.hpp"
+#include "recording/focus_runs.hpp"
+#include "recording/tracking_calculation.hpp"
 
 namespace lumenote::recording {
 
@@ -23,6 +25,15 @@ std::optional<double> storedCoverage(const StudySession& session) {
         return std::nullopt;
     }
     return percentRatio(evidence, accounted);
+}
+
+SessionRuns sessionRuns(const StudySession& session) {
+    namespace Tracking = TrackingCalculationService;
+    const auto calculated = Tracking::calculateSessionTotals(
+        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
+        Tracking::effectiveCalculationVersion(session));
+    return {Tracking::longestFocusedRun(calculated.contributions),
+            Tracking::meaningfulInterruptionCount(calculated.contributions)};
 }
 
 }  // namespace lumenote::recording

@@ -182,11 +182,13 @@ StatementLoan::~StatementLoan() {
 }
 
 Result<std::unique_ptr<SqliteConnection>, StoreError> SqliteConnection::open(
-    const std::string& path) {
+    const std::string& path, SqliteOpenMode mode) {
     sqlite3* database = nullptr;
+    const int access = mode == SqliteOpenMode::readOnly
+                           ? SQLITE_OPEN_READONLY
+                           : SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE;
     const int code =
-        sqlite3_open_v2(path.c_str(), &database,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
+        sqlite3_open_v2(path.c_str(), &database, access | SQLITE_OPEN_NOMUTEX, nullptr);
     if (code != SQLITE_OK) {
         StoreError error = errorOf(database, code);
         sqlite3_close_v2(database);

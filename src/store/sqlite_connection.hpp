@@ -107,11 +107,18 @@ class StatementLoan {
     SqliteStatement* statement_;
 };
 
+// How a connection opens its file.
+enum class SqliteOpenMode {
+    readWriteCreate,  // read and write, creating the file when absent
+    readOnly          // read only; a missing file fails to open
+};
+
 class SqliteConnection {
   public:
-    // Opens (creating when absent) the database at `path`; ":memory:" gives a
-    // private in-memory database.
-    static Result<std::unique_ptr<SqliteConnection>, StoreError> open(const std::string& path);
+    // Opens the database at `path` in `mode`; ":memory:" gives a private
+    // in-memory database.
+    static Result<std::unique_ptr<SqliteConnection>, StoreError> open(
+        const std::string& path, SqliteOpenMode mode = SqliteOpenMode::readWriteCreate);
     ~SqliteConnection();
     SqliteConnection(const SqliteConnection&) = delete;
     SqliteConnection& operator=(const SqliteConnection&) = delete;

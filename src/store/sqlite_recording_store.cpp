@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cerrno>
 #include <cstring>
@@ -142,6 +143,24 @@ auto collect(StatementLoan& statement, Read read)
     }
 }
 
+// Puts each run of segments with equal start dates in id order. The
+// (session, startDate) index gives the start order for free; asking SQLite
+// for the id order as well passes every row through a sorter, which took a
+// third of a walk over every session with its children.
+void orderEqualStartsById(std::vector<recording::ActivitySegment>& segments) {
+    auto run = segments.begin();
+    while (run != segments.end()) {
+        const Date start = run->startDate;
+        const auto next = std::find_if(run, segments.end(), [start](const auto& segment) {
+            return segment.startDate != start;
+        });
+        if (next - run > 1) {
+            std::sort(run, next, [](const auto& a, const auto& b) { return a.id < b.id; });
+        }
+        run = next;
+    }
+}
+
 template <typename Read>
 auto queryAll(SqliteConnection& connection, const std::string& sql, Read read)
     -> Result<std::vector<decltype(read(std::declval<const SqliteStatement&>()))>, StoreError> {
@@ -156,6 +175,18 @@ auto queryAll(SqliteConnection& connection, const std::string& sql, Read read)
 
 Result<std::unique_ptr<SqliteRecordingStore>, StoreError> SqliteRecordingStore::open(
     const std::filesystem::path& path, const SqliteStoreOptions& options) {
+    if (options.readOnly) {
+        auto connection = SqliteConnection::open(path.string(), SqliteOpenMode::readOnly);
+        if (!connection) {
+            return fail(connection.error());
+        }
+        (*connection)->setBusyTimeout(static_cast<int>(options.busyTimeout.count()));
+        if (auto current = requireCurrentLayout(**connection, storeMigrations()); !current) {
+            return fail(current.error());
+        }
+        return std::unique_ptr<SqliteRecordingStore>(
+            new SqliteRecordingStore(std::move(*connection)));
+    }
     if (auto file = ensurePrivateFile(path); !file) {
         return fail(file.error());
     }
@@ -275,7 +306,7 @@ Result<void, StoreError> SqliteRecordingStore::deleteByIds(const char* sql,
 Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySession& session) {
     {
         auto statement = connection_->cached(
-            selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate, id"));
+            selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate"));
         if (!statement) {
             return fail(statement.error());
         }
@@ -284,6 +315,7 @@ Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySess
         if (!segments) {
             return fail(segments.error());
         }
+        orderEqualStartsById(*segments);
         session.segments = std::move(*segments);
     }
     {

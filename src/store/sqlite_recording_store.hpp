@@ -21,6 +21,11 @@ struct SqliteStoreOptions {
     // How long a write, or the first open of a new file, waits for another
     // connection's write lock before failing with StoreErrorKind::busy.
     std::chrono::milliseconds busyTimeout{5000};
+    // Opens an existing file for reading only: nothing is created, migrated
+    // or written, and every write through the store fails. For readers that
+    // must leave the history exactly as it is (export) while a recorder may
+    // be writing it.
+    bool readOnly = false;
 };
 
 // One connection, used from one thread (the recorder's). Other processes may
@@ -41,7 +46,8 @@ class SqliteRecordingStore final : public recording::RecordingStore,
     // (mode 0600) when absent, and brings its layout up to date. Fails when
     // the folder or file cannot be made, the file is not a SQLite database,
     // or it was written by a later release (its layout is then untouched).
-    // The error's kind tells these apart.
+    // The error's kind tells these apart. Opened `readOnly`, it fails as well
+    // when the file is missing or has an older layout.
     static Result<std::unique_ptr<SqliteRecordingStore>, StoreError> open(
         const std::filesystem::path& path, const SqliteStoreOptions& options = {});
     // A private store in memory, gone when the object ends.

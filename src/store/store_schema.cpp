@@ -196,4 +196,23 @@ Result<void, StoreError> migrate(SqliteConnection& connection,
     return transaction->commit();
 }
 
+Result<void, StoreError> requireCurrentLayout(SqliteConnection& connection,
+                                              std::span<const SchemaMigration> migrations) {
+    const long long known = migrations.empty() ? 0 : migrations.back().version;
+    auto recorded = recordedSchemaVersion(connection);
+    if (!recorded) {
+        return fail(recorded.error());
+    }
+    if (*recorded > known) {
+        return fail(newerLayout(*recorded, known));
+    }
+    if (*recorded < known) {
+        return fail(StoreError{"the store has an older layout (schema version " +
+                               std::to_string(*recorded) + "; this version writes " +
+                               std::to_string(known) +
+                               "), which is brought up to date when Lumenote records again"});
+    }
+    return {};
+}
+
 }  // namespace lumenote::store

@@ -35,4 +35,11 @@ Result<long long, StoreError> recordedSchemaVersion(SqliteConnection& connection
 Result<void, StoreError> migrate(SqliteConnection& connection,
                                  std::span<const SchemaMigration> migrations);
 
+// Succeeds when the file records exactly the last of `migrations`, and
+// changes nothing either way: for a connection that may not write. A file of
+// a later release fails with the kind newerSchema; an older or empty one
+// (which only migrate() can bring up to date) with the kind other.
+Result<void, StoreError> requireCurrentLayout(SqliteConnection& connection,
+                                              std::span<const SchemaMigration> migrations);
+
 }  // namespace lumenote::store
