@@ -34,7 +34,18 @@ std::string activityLabel(const recording::ActivitySegment& segment) {
     return segment.applicationName.empty() ? segment.bundleIdentifier : segment.applicationName;
 }
 
+recording::TrackingCalculationService::TrackingCalculationResult calculated(
+    const recording::StudySession& session) {
+    return Tracking::calculateSessionTotals(
+        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
+        Tracking::effectiveCalculationVersion(session));
+}
+
 }  // namespace
+
+double longestFocusedRunOf(const recording::StudySession& session) {
+    return Tracking::longestFocusedRun(calculated(session).contributions);
+}
 
 SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
     SessionSnapshot snapshot;
@@ -50,10 +61,8 @@ SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
     snapshot.passiveStudy = clampDuration(session.passiveStudyDuration());
     snapshot.studyTime = recording::studyTime(session);
 
-    const auto calculated = Tracking::calculateSessionTotals(
-        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
-        Tracking::effectiveCalculationVersion(session));
-    snapshot.longestFocusedRun = Tracking::longestFocusedRun(calculated.contributions);
+    const auto calculation = calculated(session);
+    snapshot.longestFocusedRun = Tracking::longestFocusedRun(calculation.contributions);
 
     // The first segment with an identifier names it: later segments of the
     // same application may carry a renamed window title but the same id.
@@ -63,7 +72,7 @@ SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
                            activityLabel(segment));
     }
     std::map<std::pair<std::string, AccountedState>, ActivityTime> byActivity;
-    for (const auto& piece : calculated.contributions) {
+    for (const auto& piece : calculation.contributions) {
         if (piece.classification != AccountedState::focused &&
             piece.classification != AccountedState::distracting) {
             continue;

@@ -67,6 +67,10 @@ struct SessionSnapshot {
     friend bool operator==(const SessionSnapshot&, const SessionSnapshot&) = default;
 };
 
+// Seconds of the longest Focused run of a session loaded with its segments,
+// under its own calculation version (as its snapshot reads it).
+double longestFocusedRunOf(const recording::StudySession& session);
+
 // The snapshot of a finished session loaded with its segments and
 // confirmations.
 SessionSnapshot makeSessionSnapshot(const recording::StudySession& session);
