@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cassert>
 #include <cerrno>
 #include <cstring>
@@ -274,8 +275,11 @@ Result<void, StoreError> SqliteRecordingStore::deleteByIds(const char* sql,
 
 Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySession& session) {
     {
+        // The index gives the start order; equal starts are put in id order
+        // here, which costs a fraction of passing every row through SQLite's
+        // sorter (bench/insights_bench.cpp).
         auto statement = connection_->cached(
-            selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate, id"));
+            selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate"));
         if (!statement) {
             return fail(statement.error());
         }
@@ -285,6 +289,10 @@ Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySess
             return fail(segments.error());
         }
         session.segments = std::move(*segments);
+        std::sort(session.segments.begin(), session.segments.end(),
+                  [](const recording::ActivitySegment& a, const recording::ActivitySegment& b) {
+                      return a.startDate != b.startDate ? a.startDate < b.startDate : a.id < b.id;
+                  });
     }
     {
         auto statement = connection_->cached(selectSql(
