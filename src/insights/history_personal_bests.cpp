@@ -23,27 +23,51 @@ struct FocusCandidate {
     Uuid id;
 };
 
+bool largerTotal(const FocusCandidate& a, const FocusCandidate& b) {
+    return a.focused > b.focused;
+}
+
+// The kMaximumFocusRunsChecked candidates with the largest Focused totals and
+// how many there were in all: the walk holds no more than that, however long
+// the history.
+class FocusCandidates {
+  public:
+    void add(FocusCandidate candidate) {
+        ++count_;
+        largest_.push_back(std::move(candidate));
+        std::push_heap(largest_.begin(), largest_.end(), largerTotal);
+        if (largest_.size() > kMaximumFocusRunsChecked) {
+            std::pop_heap(largest_.begin(), largest_.end(), largerTotal);
+            largest_.pop_back();
+        }
+    }
+    std::size_t count() const { return count_; }
+    // Largest Focused total first.
+    std::vector<FocusCandidate> largestFirst() && {
+        std::sort_heap(largest_.begin(), largest_.end(), largerTotal);
+        return std::move(largest_);
+    }
+
+  private:
+    std::vector<FocusCandidate> largest_;  // a heap with the smallest total on top
+    std::size_t count_ = 0;
+};
+
 struct HistoryWalk {
     EarlierRecords records;
     double dayStudyTime = 0.0;
-    std::vector<FocusCandidate> focusCandidates;
+    FocusCandidates focusCandidates;
 };
 
 // The record `run` is judged against: the longest run among the candidates
 // checked, which either holds the record or shows that none of them does.
 // nullopt when more than kMaximumFocusRunsChecked would have to be loaded.
 Result<std::optional<double>, StoreError> settleLongestRun(recording::RecordingStore& store,
-                                                           std::vector<FocusCandidate> candidates,
-                                                           double run) {
-    std::sort(
-        candidates.begin(), candidates.end(),
-        [](const FocusCandidate& a, const FocusCandidate& b) { return a.focused > b.focused; });
+                                                           FocusCandidates candidates, double run) {
+    const std::size_t count = candidates.count();
     double longest = 0.0;
-    for (std::size_t i = 0; i < candidates.size(); ++i) {
-        if (i == kMaximumFocusRunsChecked) {
-            return std::optional<double>();
-        }
-        auto loaded = store.loadSession(candidates[i].id);
+    for (const FocusCandidate& candidate : std::move(candidates).largestFirst()) {
+        auto loaded = store.loadSession(candidate.id);
         if (!loaded) {
             return fail(loaded.error());
         }
@@ -52,8 +76,11 @@ Result<std::optional<double>, StoreError> settleLongestRun(recording::RecordingS
         }
         longest = std::max(longest, longestFocusedRunOf(**loaded));
         if (!beatsRecord(run, longest, kDurationBestMarginSeconds)) {
-            break;  // the record holds: the rest cannot change that
+            return std::optional<double>(longest);  // the record holds
         }
+    }
+    if (count > kMaximumFocusRunsChecked) {
+        return std::optional<double>();  // the rest were never checked
     }
     return std::optional<double>(longest);
 }
@@ -88,7 +115,7 @@ Result<std::vector<PersonalBest>, StoreError> HistoryPersonalBests::personalBest
         // A session whose Focused total the new run beats cannot hold the record.
         const double focused = clampDuration(session.focusedDuration);
         if (!beatsRecord(figures.longestFocusedRun, focused, kDurationBestMarginSeconds)) {
-            walk.focusCandidates.push_back({focused, session.id});
+            walk.focusCandidates.add({focused, session.id});
         }
         if (day.contains(session.startDate)) {
             walk.dayStudyTime += recording::studyTime(session);

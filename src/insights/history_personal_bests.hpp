@@ -9,8 +9,11 @@
 // total could reach the new run are loaded and recalculated, largest total
 // first, stopping at the first that holds the record. At most
 // kMaximumFocusRunsChecked are loaded: when more could hold it, the record is
-// left unsettled and no focus best is claimed (never a false one). Nothing is
-// cached, so deleting or relabelling history is always reflected.
+// left unsettled and no focus best is claimed (never a false one). The walk
+// keeps only those candidates, so its memory does not grow with the history.
+// Nothing is cached, so deleting or relabelling history is always reflected.
+// Measured in bench/personal_bests_bench.cpp: 24 to 45 ms over 20,000
+// sessions, once per session end.
 #pragma once
 
 #include "foundation/dates.hpp"

@@ -3,12 +3,14 @@
 // history it recorded.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "insights/history_personal_bests.hpp"
 #include "platform/fake/fake_platform.hpp"
 #include "recording/session_manager.hpp"
+#include "recording/tracking_calculation.hpp"
 #include "settings/in_memory_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
@@ -191,6 +193,91 @@ TEST_F(PersonalBestsTest, ClearingThePostSessionClearsItsBests) {
     ASSERT_EQ(record({700, 0}).size(), 2u);
     manager_->clearPendingPostSession();
     EXPECT_TRUE(manager_->pendingPostSessionPersonalBests().empty());
+}
+
+// The check over sessions stored directly: each earlier session has 1000 s
+// of Focused time, made of two 500-s runs with a pause between them unless
+// it is `continuous`, so only loading its segments tells its longest run.
+class HistoryPersonalBestsTest : public ::testing::Test {
+  protected:
+    void SetUp() override {
+        auto opened = store::SqliteRecordingStore::open(home_.root() / "lumenote.sqlite");
+        ASSERT_TRUE(opened.ok());
+        store_ = std::move(opened).value();
+    }
+
+    StudySession focusedSession(Date start, const std::vector<double>& runs) {
+        StudySession session(Uuid::generate(), "Biology", "", 86400, start);
+        session.setCalculationVersion(kCurrentTrackingCalculationVersion);
+        Date at = start;
+        for (const double run : runs) {
+            session.segments.emplace_back(Uuid::generate(), at, at.addingSeconds(run), run,
+                                          "Editor", kEditor,
+                                          classification::ActivityClassification::focused, false);
+            session.segments.back().session = session.id;
+            at = at.addingSeconds(run + 60);  // a pause breaks the run
+        }
+        session.timerDuration = 1000;
+        session.endDate = at;
+        session.setStatus(StudySessionStatus::completed);
+        TrackingCalculationService::applyTotals(
+            TrackingCalculationService::calculateSessionTotals(session, at,
+                                                               kCurrentTrackingCalculationVersion),
+            session);
+        return session;
+    }
+
+    void storeEarlier(int fragmented, bool oneContinuous) {
+        StoreChangeSet changes;
+        for (int i = 0; i < fragmented + (oneContinuous ? 1 : 0); ++i) {
+            const bool continuous = oneContinuous && i == 0;
+            StudySession session = focusedSession(
+                kStart.addingSeconds(i * 3600.0),
+                continuous ? std::vector<double>{1000} : std::vector<double>{500, 500});
+            changes.segments.insert(changes.segments.end(), session.segments.begin(),
+                                    session.segments.end());
+            session.segments.clear();
+            changes.sessions.push_back(std::move(session));
+        }
+        ASSERT_TRUE(store_->apply(changes).ok());
+    }
+
+    const Date kStart = Date::fromUnixSeconds(1794816000.0);
+    lumenote::testing::TemporaryHome home_;
+    settings::InMemoryDefaultsDomain domain_;
+    settings::PreferencesStore preferences_{domain_};
+    settings::PreferencesForRecording recordingPreferences_{preferences_};
+    std::unique_ptr<store::SqliteRecordingStore> store_;
+};
+
+TEST_F(HistoryPersonalBestsTest, TheLongestRunIsSettledFromAtMostTheBoundOfLoadedSessions) {
+    const int bound = static_cast<int>(insights::kMaximumFocusRunsChecked);
+    const struct {
+        const char* name;
+        int fragmented;
+        bool oneContinuous;
+        bool focusBest;
+    } cases[] = {
+        {"three sessions with shorter runs", 3, false, true},
+        {"as many as are loaded", bound, false, true},
+        {"one more than are loaded: not settled", bound + 1, false, false},
+        {"one session holds a longer run", 3, true, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(store_->deleteAllSessions().ok());
+        storeEarlier(c.fragmented, c.oneContinuous);
+        insights::HistoryPersonalBests check(
+            {*store_, *store_, recordingPreferences_, LocalCalendar::utc(), {}});
+        const Date start = kStart.addingSeconds(86400.0 * 7);
+        const StudySession finished = focusedSession(start, {900});
+        auto found = check.personalBestsOf(finished, finished.endDate->addingSeconds(60));
+        ASSERT_TRUE(found.ok());
+        const bool focusBest = std::any_of(found->begin(), found->end(), [](const auto& best) {
+            return best.kind == PersonalBestKind::longestFocus;
+        });
+        EXPECT_EQ(focusBest, c.focusBest);
+    }
 }
 
 }  // namespace
