@@ -59,9 +59,10 @@ std::optional<Date> chosenDay(CliContext& context, HistoryEnvironment& environme
 
 std::optional<std::vector<SessionSnapshot>> readWeek(CliContext& context,
                                                      HistoryEnvironment& environment,
-                                                     const recording::SessionRange& range) {
-    auto snapshots =
-        insights::readAnalyticsSnapshots(environment.historyReader(), range, environment.now(), {});
+                                                     const recording::SessionRange& range,
+                                                     insights::SnapshotDetail detail) {
+    auto snapshots = insights::readAnalyticsSnapshots(environment.historyReader(), range,
+                                                      environment.now(), {}, detail);
     if (!snapshots.ok()) {
         context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
                                                     snapshots.error().description));
@@ -232,7 +233,8 @@ void installWeek(CLI::App& app, CliContext& context) {
         const LocalCalendar& calendar = environment->calendar();
         const WeekPeriod week =
             insights::weekContaining(*date, calendar, insights::localeFirstWeekday());
-        const auto sessions = readWeek(context, *environment, week.range());
+        const auto sessions =
+            readWeek(context, *environment, week.range(), insights::SnapshotDetail::full);
         const auto currentStreak = sessions ? streak(context, *environment) : std::nullopt;
         if (!currentStreak) {
             return;
@@ -259,8 +261,11 @@ std::optional<InsightsOfWeek> insightsOf(
     const unsigned firstWeekday = insights::localeFirstWeekday();
     const WeekPeriod week = insights::weekContaining(date, calendar, firstWeekday);
     const WeekPeriod before = insights::previousWeek(week, calendar, firstWeekday);
-    const auto selected = readWeek(context, environment, week.range());
-    const auto previous = selected ? readWeek(context, environment, before.range()) : std::nullopt;
+    const auto selected =
+        readWeek(context, environment, week.range(), insights::SnapshotDetail::full);
+    const auto previous =
+        selected ? readWeek(context, environment, before.range(), insights::SnapshotDetail::totals)
+                 : std::nullopt;
     if (!previous) {
         return std::nullopt;
     }

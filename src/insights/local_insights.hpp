@@ -42,7 +42,9 @@ inline constexpr double kSimilarFocusBandPoints = 1.0;
 
 // The statements for `selectedWeek`, in kind order; kinds whose minimum is not
 // met are left out. `selected` and `previous` are the counting sessions
-// (readAnalyticsSnapshots); sessions outside their week are ignored. A fact
+// (readAnalyticsSnapshots); sessions outside their week are ignored. Only the
+// totals of `previous` are compared, so it may be read with
+// SnapshotDetail::totals, without its segments. A fact
 // is marked dismissed when `dismissals` hold its id with its current
 // evidence revision. Availability is not checked here (see
 // insights_availability.hpp).

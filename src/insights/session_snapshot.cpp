@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 #include <utility>
 
 #include "foundation/numeric.hpp"
@@ -34,9 +35,20 @@ std::string activityLabel(const recording::ActivitySegment& segment) {
     return segment.applicationName.empty() ? segment.bundleIdentifier : segment.applicationName;
 }
 
+recording::TrackingCalculationService::TrackingCalculationResult calculated(
+    const recording::StudySession& session) {
+    return Tracking::calculateSessionTotals(
+        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
+        Tracking::effectiveCalculationVersion(session));
+}
+
 }  // namespace
 
-SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
+double longestFocusedRunOf(const recording::StudySession& session) {
+    return Tracking::longestFocusedRun(calculated(session).contributions);
+}
+
+SessionSnapshot makeSessionSnapshot(const recording::StudySession& session, SnapshotDetail detail) {
     SessionSnapshot snapshot;
     snapshot.id = session.id;
     snapshot.subject = session.subject;
@@ -49,21 +61,23 @@ SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
     snapshot.unclassified = clampDuration(session.unclassifiedDuration());
     snapshot.passiveStudy = clampDuration(session.passiveStudyDuration());
     snapshot.studyTime = recording::studyTime(session);
+    if (detail == SnapshotDetail::totals) {
+        return snapshot;
+    }
 
-    const auto calculated = Tracking::calculateSessionTotals(
-        session, session.endDate.value_or(session.startDate.addingSeconds(session.timerDuration)),
-        Tracking::effectiveCalculationVersion(session));
-    snapshot.longestFocusedRun = Tracking::longestFocusedRun(calculated.contributions);
+    const auto calculation = calculated(session);
+    snapshot.longestFocusedRun = Tracking::longestFocusedRun(calculation.contributions);
 
     // The first segment with an identifier names it: later segments of the
-    // same application may carry a renamed window title but the same id.
-    std::map<std::string, std::string> labels;
+    // same application may carry a renamed window title but the same id. Only
+    // the segment is kept; the label is made for the activities listed.
+    std::unordered_map<std::string, const recording::ActivitySegment*> namers;
+    namers.reserve(session.segments.size());
     for (const recording::ActivitySegment& segment : session.segments) {
-        labels.try_emplace(Tracking::makeAccountingSample(segment).stableIdentifier,
-                           activityLabel(segment));
+        namers.try_emplace(Tracking::makeAccountingSample(segment).stableIdentifier, &segment);
     }
     std::map<std::pair<std::string, AccountedState>, ActivityTime> byActivity;
-    for (const auto& piece : calculated.contributions) {
+    for (const auto& piece : calculation.contributions) {
         if (piece.classification != AccountedState::focused &&
             piece.classification != AccountedState::distracting) {
             continue;
@@ -71,10 +85,11 @@ SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
         if (!(piece.duration > 0.0)) {
             continue;
         }
-        const auto found = labels.find(piece.stableIdentifier);
-        const std::string& label = found == labels.end() ? piece.stableIdentifier : found->second;
+        const auto found = namers.find(piece.stableIdentifier);
+        std::string label =
+            found == namers.end() ? piece.stableIdentifier : activityLabel(*found->second);
         ActivityTime& time = byActivity[{label, piece.classification}];
-        time.label = label;
+        time.label = std::move(label);
         time.classification = piece.classification;
         time.seconds = addClampedDuration(time.seconds, piece.duration);
         ++time.intervals;
@@ -90,15 +105,17 @@ SessionSnapshot makeSessionSnapshot(const recording::StudySession& session) {
 
 Result<std::vector<SessionSnapshot>, StoreError> readAnalyticsSnapshots(
     recording::SessionHistoryReader& reader, const recording::SessionRange& range, Date now,
-    const SetupTestSessionPredicate& isSetupTestSession) {
+    const SetupTestSessionPredicate& isSetupTestSession, SnapshotDetail detail) {
     std::vector<SessionSnapshot> snapshots;
-    auto walked = reader.forEachSession(
-        {.range = range, .includeChildren = true}, [&](const recording::StudySession& session) {
-            if (countsForAnalytics(session, now, isSetupTestSession)) {
-                snapshots.push_back(makeSessionSnapshot(session));
-            }
-            return true;
-        });
+    const bool withSegments = detail == SnapshotDetail::full;
+    auto walked =
+        reader.forEachSession({.range = range, .includeChildren = withSegments},
+                              [&](const recording::StudySession& session) {
+                                  if (countsForAnalytics(session, now, isSetupTestSession)) {
+                                      snapshots.push_back(makeSessionSnapshot(session, detail));
+                                  }
+                                  return true;
+                              });
     if (!walked) {
         return fail(walked.error());
     }

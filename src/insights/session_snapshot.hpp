@@ -67,15 +67,34 @@ struct SessionSnapshot {
     friend bool operator==(const SessionSnapshot&, const SessionSnapshot&) = default;
 };
 
+// How much of each session a snapshot reads.
+enum class SnapshotDetail {
+    // Every figure: the session's segments are read and recalculated for the
+    // longest Focused run and the time per activity.
+    full,
+    // The session's own fields only, without its segments: longestFocusedRun
+    // is 0 and activities is empty. Enough for a week that is compared by its
+    // totals alone (the previous week of the insights), at a fraction of the
+    // cost: reading the segments is most of the cost of a week.
+    totals,
+};
+
+// Seconds of the longest Focused run of a session loaded with its segments,
+// under its own calculation version (as its snapshot reads it).
+double longestFocusedRunOf(const recording::StudySession& session);
+
 // The snapshot of a finished session loaded with its segments and
 // confirmations.
-SessionSnapshot makeSessionSnapshot(const recording::StudySession& session);
+// With SnapshotDetail::totals the segments are not looked at.
+SessionSnapshot makeSessionSnapshot(const recording::StudySession& session,
+                                    SnapshotDetail detail = SnapshotDetail::full);
 
 // The snapshots of the sessions in `range` that count for analytics at `now`,
 // in start order, read through the store's streamed walk one session at a
 // time. Fails with the store's error.
 Result<std::vector<SessionSnapshot>, StoreError> readAnalyticsSnapshots(
     recording::SessionHistoryReader& reader, const recording::SessionRange& range, Date now,
-    const SetupTestSessionPredicate& isSetupTestSession);
+    const SetupTestSessionPredicate& isSetupTestSession,
+    SnapshotDetail detail = SnapshotDetail::full);
 
 }  // namespace lumenote::insights

@@ -28,6 +28,11 @@ class RecordingPreferences {
     virtual void resetApplicationPreferences() = 0;
     // The once-per-session gate of the end-of-session celebration.
     virtual bool shouldCelebrate(const StudySession& session, Date now) = 0;
+    // Minutes of study the user aims for each day; 0 when no goal is set.
+    virtual long long dailyStudyGoalMinutes() const = 0;
+    // The once-per-day (and per goal) gate of the daily-goal-complete moment:
+    // true the first time it is asked for `date`'s day in `calendar`.
+    virtual bool acknowledgeDailyGoalIfNeeded(Date date, const LocalCalendar& calendar) = 0;
 };
 
 }  // namespace lumenote::recording

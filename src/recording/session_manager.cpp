@@ -20,7 +20,8 @@ SessionManager::SessionManager(SessionManagerDependencies dependencies)
       checkpointStore_(dependencies.checkpointStore),
       rules_(dependencies.rules),
       history_(dependencies.history),
-      persistenceSaveOperation_(saveOperationOr(std::move(dependencies.save), store_)) {
+      persistenceSaveOperation_(saveOperationOr(std::move(dependencies.save), store_)),
+      personalBests_(dependencies.personalBests) {
     // A rule or override chosen while recording applies from that moment.
     rulesObservation_ = rules_.changed().add([this] { applicationActivated(); });
 }
@@ -56,6 +57,7 @@ void SessionManager::clearPendingPostSession() {
     if (pendingPostSession_) {
         pendingPostSession_.reset();
         pendingPostSessionAllowsCelebration_ = false;
+        pendingPostSessionPersonalBests_.clear();
         publish(ObservedField::pendingPostSession);
     }
 }
@@ -315,11 +317,27 @@ void SessionManager::finishSession(TrackingInstant endInstant, double timerDurat
     currentPauseDuration_ = 0.0;
     rules_.endSession();
     browserTrackingCoordinator_.setRunningSession(std::nullopt);
-    pendingPostSessionAllowsCelebration_ = status == StudySessionStatus::completed &&
-                                           preferences_.shouldCelebrate(finished, wallClock_.now());
+    const Date now = wallClock_.now();
+    pendingPostSessionAllowsCelebration_ =
+        status == StudySessionStatus::completed && preferences_.shouldCelebrate(finished, now);
+    pendingPostSessionPersonalBests_ = personalBestsOf(finished, now);
     pendingPostSession_ = std::move(finished);
     publish(ObservedField::activeSession);
     publish(ObservedField::pendingPostSession);
+}
+
+// Only a completed session sets bests: an interrupted one ended where the
+// recorder lost it, not where the user chose.
+std::vector<PersonalBest> SessionManager::personalBestsOf(const StudySession& finished, Date now) {
+    if (personalBests_ == nullptr || finished.status() != StudySessionStatus::completed) {
+        return {};
+    }
+    auto found = personalBests_->personalBestsOf(finished, now);
+    if (!found) {
+        reportProblem(SessionFailure::personalBestsNotChecked, found.error().description);
+        return {};
+    }
+    return std::move(found).value();
 }
 
 }  // namespace lumenote::recording

@@ -46,6 +46,7 @@
 #include "recording/activity_timeline.hpp"
 #include "recording/frontmost_gaps.hpp"
 #include "recording/no_input_prompt.hpp"
+#include "recording/personal_best.hpp"
 #include "recording/platform_services.hpp"
 #include "recording/recording_preferences.hpp"
 #include "recording/recording_store.hpp"
@@ -112,6 +113,8 @@ struct SessionManagerDependencies {
     SessionHistory& history;
     // How changes are saved; empty saves straight through the store.
     StoreSaveOperation save;
+    // Finds the bests a completed session sets; null finds none.
+    PersonalBestsCheck* personalBests = nullptr;
 };
 
 class SessionManager {
@@ -207,9 +210,9 @@ class SessionManager {
     bool pendingPostSessionAllowsCelebration() const {
         return pendingPostSessionAllowsCelebration_;
     }
-    // Bests set by the session just ended; none are computed yet, so the list
-    // stays empty.
-    const std::vector<std::string>& pendingPostSessionPersonalBests() const {
+    // Bests set by the session just ended, in PersonalBestKind order; published
+    // with pendingPostSession.
+    const std::vector<PersonalBest>& pendingPostSessionPersonalBests() const {
         return pendingPostSessionPersonalBests_;
     }
     const std::optional<NoInputClassificationPrompt>& pendingNoInputPrompt() const {
@@ -270,6 +273,7 @@ class SessionManager {
     void queueOpenSegment(TrackingInstant instant);
     bool save(bool durable = false);
     void finishSession(TrackingInstant endInstant, double timerDuration, StudySessionStatus status);
+    std::vector<PersonalBest> personalBestsOf(const StudySession& finished, Date now);
 
     // away from the computer and no-input runs
     void closeLivePassiveStudy(Date at);
@@ -296,6 +300,7 @@ class SessionManager {
     classification::ClassificationRules& rules_;
     SessionHistory& history_;
     StoreSaveOperation persistenceSaveOperation_;
+    PersonalBestsCheck* personalBests_;
     ObserverList<>::Token rulesObservation_ = 0;
 
     std::optional<StudySession> activeSession_;
@@ -307,7 +312,7 @@ class SessionManager {
     double currentPauseDuration_ = 0.0;
     std::optional<StudySession> pendingPostSession_;
     bool pendingPostSessionAllowsCelebration_ = false;
-    std::vector<std::string> pendingPostSessionPersonalBests_;
+    std::vector<PersonalBest> pendingPostSessionPersonalBests_;
     ObserverList<ObservedField> observers_;
     ObserverList<SessionError> problems_;
 

@@ -90,6 +90,9 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
         case SessionFailure::checkpointNotRemoved:
             return "The completed recovery checkpoint could not be removed. It will be "
                    "reconciled safely on the next launch.";
+        case SessionFailure::personalBestsNotChecked:
+            return fmt::format("Lumenote could not compare this session with your history: {}",
+                               detail);
     }
     return {};
 }

@@ -48,6 +48,7 @@ enum class SessionFailure {
     damagedCheckpointIsolated,
     recoveryFailed,  // {error}
     checkpointNotRemoved,
+    personalBestsNotChecked,  // {error}
 };
 
 // The sentence shown for `failure`; `detail` fills its {error} or limit.

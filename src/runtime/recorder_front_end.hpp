@@ -6,8 +6,10 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "recording/no_input_prompt.hpp"
+#include "recording/personal_best.hpp"
 #include "recording/session_records.hpp"
 #include "runtime/recorder_control.hpp"
 
@@ -27,8 +29,10 @@ class RecorderFrontEnd {
     // A new question about time without input waits for an answer.
     virtual void noInputQuestionArrived(const recording::NoInputClassificationPrompt& prompt) = 0;
     // The session ended; `finished` is its final record when it could be
-    // read. The runtime stops after this call.
-    virtual void sessionEnded(const std::optional<recording::StudySession>& finished) = 0;
+    // read, `bests` the personal bests it set. The runtime stops after this
+    // call.
+    virtual void sessionEnded(const std::optional<recording::StudySession>& finished,
+                              const std::vector<recording::PersonalBest>& bests) = 0;
     // The recorder stops for `reason` (a signal, the system shutting down)
     // with the session saved for recovery.
     virtual void terminated(const std::string& reason) = 0;

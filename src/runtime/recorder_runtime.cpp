@@ -302,7 +302,8 @@ void RecorderRuntime::followSession() {
         return;
     }
     if (sessionStarted_ && !manager().activeSession()) {
-        frontEnd_.sessionEnded(manager().pendingPostSession());
+        frontEnd_.sessionEnded(manager().pendingPostSession(),
+                               manager().pendingPostSessionPersonalBests());
         stop(0);
         return;
     }

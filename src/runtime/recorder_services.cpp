@@ -10,6 +10,7 @@
 #include "bridge/browser_settings_binding.hpp"
 #include "bridge/browser_silence.hpp"
 #include "bridge/browser_status_report.hpp"
+#include "insights/history_personal_bests.hpp"
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
@@ -43,6 +44,7 @@ struct RecorderServices::Parts {
           preferences(defaults),
           recordingPreferences(preferences),
           checkpoints(paths.applicationData(), wallClock),
+          personalBests({*store, *store, recordingPreferences, LocalCalendar::current(), {}}),
           bridgeStore(bridge::BrowserBridgeStore::defaultRoot(paths, environmentValue)),
           browser(bridgeStore, wallClock, static_cast<std::int32_t>(::getpid())),
           registration(bridge::nativeHostConfiguration(paths, environmentValue)),
@@ -57,6 +59,7 @@ struct RecorderServices::Parts {
     settings::PreferencesStore preferences;
     settings::PreferencesForRecording recordingPreferences;
     recording::FileSessionCheckpointStore checkpoints;
+    insights::HistoryPersonalBests personalBests;
     bridge::BrowserBridgeStore bridgeStore;
     bridge::BridgeTrackingCoordinator browser;
     bridge::NativeHostRegistrationChecker registration;
@@ -111,9 +114,19 @@ Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
         *p.store, [&p] { return p.wallClock.now(); }, recording::kOwnBundleIdentifier);
     p.history.emplace(recording::SessionHistoryDependencies{
         *p.store, *p.rules, p.recordingPreferences, p.monotonicClock, p.wallClock, {}});
-    p.manager.emplace(recording::SessionManagerDependencies{
-        *p.store, p.recordingPreferences, *idle, p.monotonicClock, p.wallClock, *frontmost,
-        p.notifications, p.browser, p.checkpoints, *p.rules, *p.history});
+    p.manager.emplace(recording::SessionManagerDependencies{*p.store,
+                                                            p.recordingPreferences,
+                                                            *idle,
+                                                            p.monotonicClock,
+                                                            p.wallClock,
+                                                            *frontmost,
+                                                            p.notifications,
+                                                            p.browser,
+                                                            p.checkpoints,
+                                                            *p.rules,
+                                                            *p.history,
+                                                            {},
+                                                            &p.personalBests});
     const auto told =
         p.manager->problems().add([&warnings](const recording::SessionError& problem) {
             warnings.push_back(problem.message());

@@ -575,6 +575,24 @@ ActionResult expectPrompt(const ActionCall& call) {
     return {};
 }
 
+// The titles of the bests the session just ended set, in their order; an
+// empty list when it set none.
+ActionResult expectPersonalBests(const ActionCall& call) {
+    const auto titles = call.arguments().find("titles");
+    if (titles == call.arguments().end() || !titles->is_array()) {
+        return fail(std::string("expectPersonalBests needs a list of titles"));
+    }
+    json found = json::array();
+    for (const recording::PersonalBest& best : call.recorder().pendingPostSessionPersonalBests()) {
+        found.push_back(std::string(recording::personalBestTitle(best.kind)));
+    }
+    if (found != *titles) {
+        call.expectationFailed(
+            fmt::format("expected personal bests {}, found {}", titles->dump(), found.dump()));
+    }
+    return {};
+}
+
 ActionResult expectNotification(const ActionCall& call) {
     const std::string expected = stringArgument(call.arguments(), "body");
     const auto& posted = call.machine.platform().notifications.posted;
@@ -636,6 +654,7 @@ constexpr std::array kActions{
     ScenarioAction{"expectNotification", kWithoutRecorder, expectNotification},
     ScenarioAction{"expectError", kNeedsRecorder, expectError},
     ScenarioAction{"expectPrompt", kNeedsRecorder, expectPrompt},
+    ScenarioAction{"expectPersonalBests", kNeedsRecorder, expectPersonalBests},
     ScenarioAction{"expectBrowserEvent", kWithoutRecorder, expectBrowserEvent},
 };
 

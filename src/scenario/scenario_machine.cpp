@@ -7,7 +7,7 @@
 namespace lumenote::scenario {
 
 ScenarioMachine::ScenarioMachine(const UserPaths& paths, Date wallStart,
-                                 std::unique_ptr<recording::RecordingStore> store)
+                                 std::unique_ptr<store::SqliteRecordingStore> store)
     : machine_(wallStart),
       store_(std::move(store)),
       domain_(settings::JsonFileDefaultsDomain::pathFor(paths),
@@ -15,6 +15,7 @@ ScenarioMachine::ScenarioMachine(const UserPaths& paths, Date wallStart,
       preferences_(domain_),
       recordingPreferences_(preferences_),
       checkpointStore_(paths.applicationData(), machine_.clock.wall()),
+      personalBests_({*store_, *store_, recordingPreferences_, LocalCalendar::utc(), {}}),
       bridgeStore_(bridge::BrowserBridgeStore::defaultRoot(
           paths, [](const char*) -> const char* { return nullptr; })) {
     launch();
@@ -53,8 +54,10 @@ void ScenarioMachine::launch() {
     };
     history_ = std::make_unique<recording::SessionHistory>(
         machine_.historyDependencies(*store_, *rules_, recordingPreferences_, save));
-    manager_ = std::make_unique<recording::SessionManager>(machine_.dependencies(
-        *store_, recordingPreferences_, checkpointStore_, *rules_, *history_, save));
+    auto dependencies = machine_.dependencies(*store_, recordingPreferences_, checkpointStore_,
+                                              *rules_, *history_, save);
+    dependencies.personalBests = &personalBests_;
+    manager_ = std::make_unique<recording::SessionManager>(std::move(dependencies));
     // What start-up finds is not shown: a relaunch starts with no error.
     manager_->startUp();
     manager_->problems().add(

@@ -11,6 +11,7 @@
 #include "foundation/dates.hpp"
 #include "foundation/user_paths.hpp"
 #include "foundation/uuid.hpp"
+#include "insights/history_personal_bests.hpp"
 #include "platform/fake/fake_platform.hpp"
 #include "recording/session_checkpoint_store.hpp"
 #include "recording/session_manager.hpp"
@@ -18,6 +19,7 @@
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
+#include "store/sqlite_recording_store.hpp"
 
 namespace lumenote::scenario {
 
@@ -30,7 +32,7 @@ class ScenarioMachine {
     // under `paths.configHome`, the checkpoint under `paths.dataHome`; the
     // wall clock starts at `wallStart`.
     ScenarioMachine(const UserPaths& paths, Date wallStart,
-                    std::unique_ptr<recording::RecordingStore> store);
+                    std::unique_ptr<store::SqliteRecordingStore> store);
     ScenarioMachine(const ScenarioMachine&) = delete;
     ScenarioMachine& operator=(const ScenarioMachine&) = delete;
 
@@ -96,11 +98,13 @@ class ScenarioMachine {
     void dropProcess();
 
     platform::fake::FakeMachine machine_;
-    std::unique_ptr<recording::RecordingStore> store_;
+    std::unique_ptr<store::SqliteRecordingStore> store_;
     settings::JsonFileDefaultsDomain domain_;
     settings::PreferencesStore preferences_;
     settings::PreferencesForRecording recordingPreferences_;
     recording::FileSessionCheckpointStore checkpointStore_;
+    // The end-of-session bests, in the UTC calendar of the scenario clocks.
+    insights::HistoryPersonalBests personalBests_;
     std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<recording::SessionHistory> history_;
     bridge::BrowserBridgeStore bridgeStore_;

@@ -21,6 +21,10 @@ class PreferencesForRecording final : public recording::RecordingPreferences {
     bool shouldCelebrate(const recording::StudySession& session, Date now) override {
         return store_.shouldCelebrate(session, now);
     }
+    long long dailyStudyGoalMinutes() const override { return store_.dailyStudyGoalMinutes(); }
+    bool acknowledgeDailyGoalIfNeeded(Date date, const LocalCalendar& calendar) override {
+        return store_.acknowledgeDailyGoalIfNeeded(date, calendar);
+    }
 
   private:
     PreferencesStore& store_;

@@ -147,7 +147,24 @@ std::string quitQuestion() {
            "Interrupted";
 }
 
-std::string sessionSummary(const recording::StudySession& session) {
+std::string personalBestLine(const recording::PersonalBest& best) {
+    const std::string_view title = recording::personalBestTitle(best.kind);
+    switch (best.kind) {
+        case recording::PersonalBestKind::dailyGoalComplete:
+            return fmt::format("★ {}: {} of study today", title,
+                               recording::clockDurationText(best.value));
+        case recording::PersonalBestKind::highestFocusScore:
+            return fmt::format("★ {}: {}", title,
+                               recording::TrackingCalculationService::formatFocusScore(best.value));
+        case recording::PersonalBestKind::longestFocus:
+        case recording::PersonalBestKind::longestSession:
+            break;
+    }
+    return fmt::format("★ {}: {}", title, recording::clockDurationText(best.value));
+}
+
+std::string sessionSummary(const recording::StudySession& session,
+                           const std::vector<recording::PersonalBest>& bests) {
     using namespace recording::TrackingCalculationService;
     std::string text = fmt::format("{} — {} after {}\n", session.subject, session.statusRawValue,
                                    recording::clockDurationText(session.timerDuration));
@@ -159,6 +176,9 @@ std::string sessionSummary(const recording::StudySession& session) {
                             formatScoreCoverage(recording::storedCoverage(session)));
     } else {
         text += std::string(kNotEnoughEvidenceToShowScoreText) + "\n";
+    }
+    for (const recording::PersonalBest& best : bests) {
+        text += personalBestLine(best) + "\n";
     }
     return text;
 }

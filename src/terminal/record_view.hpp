@@ -5,10 +5,12 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "recording/active_session_checkpoint.hpp"
 #include "recording/enumerations.hpp"
 #include "recording/no_input_prompt.hpp"
+#include "recording/personal_best.hpp"
 #include "recording/session_records.hpp"
 
 namespace lumenote::terminal {
@@ -58,7 +60,13 @@ std::string recoveryOffer(const recording::ActiveSessionRecoverySummary& summary
 std::string quitQuestion();
 
 // The end-of-session summary: subject, status, duration, every total that is
-// not zero, the focus score (or why there is none) and its coverage.
-std::string sessionSummary(const recording::StudySession& session);
+// not zero, the focus score (or why there is none) and its coverage, then a
+// line per personal best.
+std::string sessionSummary(const recording::StudySession& session,
+                           const std::vector<recording::PersonalBest>& bests = {});
+
+// One line of the summary per best the session set, e.g.
+// "★ New longest focus: 42:10".
+std::string personalBestLine(const recording::PersonalBest& best);
 
 }  // namespace lumenote::terminal

@@ -204,13 +204,14 @@ void TerminalRecorder::noInputQuestionArrived(
     (void)runtime_.answerNoInputQuestion(PromptAnswer::leaveUnconfirmed);
 }
 
-void TerminalRecorder::sessionEnded(const std::optional<recording::StudySession>& finished) {
+void TerminalRecorder::sessionEnded(const std::optional<recording::StudySession>& finished,
+                                    const std::vector<recording::PersonalBest>& bests) {
     ended_ = true;
     if (finished) {
         if (setup_.interactive) {
             setup_.out << "\r\033[2K";
         }
-        setup_.out << '\n' << sessionSummary(*finished) << std::flush;
+        setup_.out << '\n' << sessionSummary(*finished, bests) << std::flush;
     }
 }
 

@@ -57,7 +57,8 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
     void controlled(runtime::RecorderControl control) override;
     void showError(const std::string& message) override;
     void noInputQuestionArrived(const recording::NoInputClassificationPrompt& prompt) override;
-    void sessionEnded(const std::optional<recording::StudySession>& finished) override;
+    void sessionEnded(const std::optional<recording::StudySession>& finished,
+                      const std::vector<recording::PersonalBest>& bests) override;
     void terminated(const std::string& reason) override;
 
   private:

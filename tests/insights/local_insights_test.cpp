@@ -1,5 +1,6 @@
 #include "insights/local_insights.hpp"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include "insight_test_support.hpp"
@@ -203,6 +204,34 @@ TEST_F(LocalInsightsTest, ADismissalHoldsOnlyForTheSameEvidence) {
     EXPECT_EQ(again.id, first.id);
     EXPECT_NE(again.evidenceRevision, first.evidenceRevision);
     EXPECT_FALSE(again.isDismissed);
+}
+
+TEST_F(LocalInsightsTest, ThePreviousWeekCountsByItsTotalsAlone) {
+    // The previous week read without its segments (SnapshotDetail::totals)
+    // must give the same facts as read in full.
+    std::vector<SessionSnapshot> selected;
+    std::vector<SessionSnapshot> previousFull;
+    for (const char* day : {"16", "17", "18"}) {
+        SessionSnapshot session =
+            snapshot(at(fmt::format("2026-11-{}T09:00:00Z", day).c_str()), 1800, 600);
+        session.activities = {{"news.example", AccountedState::distracting, 600, 2}};
+        selected.push_back(session);
+    }
+    for (const char* day : {"09", "10", "11"}) {
+        SessionSnapshot session =
+            snapshot(at(fmt::format("2026-11-{}T09:00:00Z", day).c_str()), 3600, 300, "Physics");
+        session.longestFocusedRun = 3600;
+        session.activities = {{"Chat", AccountedState::distracting, 300, 1}};
+        previousFull.push_back(session);
+    }
+    std::vector<SessionSnapshot> previousTotals = previousFull;
+    for (SessionSnapshot& session : previousTotals) {
+        session.longestFocusedRun = 0;
+        session.activities.clear();
+    }
+    const auto full = build(selected, previousFull);
+    ASSERT_NE(find(full, LocalInsightKind::focusTrend), nullptr);
+    EXPECT_EQ(build(selected, previousTotals), full);
 }
 
 TEST(EvidenceRevision, ChangesWithEveryPartOfEveryValue) {

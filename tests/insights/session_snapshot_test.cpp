@@ -98,6 +98,23 @@ TEST(SessionSnapshotTest, ActivitiesAreNamedByApplicationHostnameOrPdfLabel) {
                                          {"news.example", AccountedState::distracting, 200, 2}}));
 }
 
+TEST(SessionSnapshotTest, TotalsDetailKeepsTheTotalsAndLeavesOutWhatNeedsSegments) {
+    const Date start = at("2026-11-16T09:00:00Z");
+    StudySession session = finished(start, 700, StudySessionStatus::completed);
+    session.setCalculationVersion(recording::TrackingCalculationVersion::v3);
+    session.focusedDuration = 500;
+    session.distractedDuration = 200;
+    session.segments = {
+        segment(start, 500, "Editor", ActivityClassification::focused),
+        segment(start.addingSeconds(500), 200, "Game", ActivityClassification::distracting)};
+    SessionSnapshot expected = makeSessionSnapshot(session);
+    ASSERT_EQ(expected.longestFocusedRun, 500);
+    ASSERT_EQ(expected.activities.size(), 2u);
+    expected.longestFocusedRun = 0;
+    expected.activities.clear();
+    EXPECT_EQ(makeSessionSnapshot(session, SnapshotDetail::totals), expected);
+}
+
 TEST(FirstWeekday, FromTheLocaleValuesWithMondayWhenUnknown) {
     struct Row {
         std::optional<long> week1stDay;

@@ -27,7 +27,8 @@ class RecordingFrontEnd final : public RecorderFrontEnd {
     void noInputQuestionArrived(const recording::NoInputClassificationPrompt&) override {
         calls.push_back("question");
     }
-    void sessionEnded(const std::optional<recording::StudySession>& finished) override {
+    void sessionEnded(const std::optional<recording::StudySession>& finished,
+                      const std::vector<recording::PersonalBest>&) override {
         calls.push_back(finished ? "ended " + finished->subject : "ended");
     }
     void terminated(const std::string& reason) override { calls.push_back("terminated " + reason); }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 #include "store/sqlite_connection.hpp"
 #include "store_test_support.hpp"
 
@@ -240,6 +242,29 @@ TEST_F(SqliteHistoryWalkTest, SegmentSelectionsByRangeAndSessionKeepTheHistoryOr
         SCOPED_TRACE(testCase.name);
         EXPECT_EQ(walkSegments({testCase.range, testCase.sessions}), testCase.expected);
     }
+}
+
+TEST_F(SqliteHistoryWalkTest, ChildrenComeInStartThenIdOrderWhicheverWayTheyAreRead) {
+    storeFourSessions();
+    const auto segmentIds = [](const recording::StudySession& session) {
+        std::vector<Uuid> found;
+        for (const auto& segment : session.segments) {
+            found.push_back(segment.id);
+        }
+        return found;
+    };
+    // Segment 12 was stored before 11 with the same start.
+    std::map<Uuid, std::vector<Uuid>> walked;
+    ASSERT_TRUE(store_->forEachSession({.includeChildren = true},
+                                       [&](const recording::StudySession& session) {
+                                           walked[session.id] = segmentIds(session);
+                                           return true;
+                                       }));
+    EXPECT_EQ(walked[uuidNumbered(1)], ids({11, 12, 13}));
+    EXPECT_EQ(walked[uuidNumbered(4)], ids({41, 42}));
+    auto loaded = store_->loadSession(uuidNumbered(1));
+    ASSERT_TRUE(loaded.ok() && loaded->has_value());
+    EXPECT_EQ(segmentIds(**loaded), ids({11, 12, 13}));
 }
 
 TEST_F(SqliteHistoryWalkTest, AnEmptyStoreIsWalkedWithoutAVisit) {

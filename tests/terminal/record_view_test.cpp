@@ -111,5 +111,24 @@ TEST(RecordView, SummaryLeadsWithStudyTimeAndLeavesOutUnconfirmedTime) {
     EXPECT_LT(summary.find("Study time"), summary.find("Focused")) << summary;
 }
 
+TEST(RecordView, SummaryEndsWithALinePerBestInItsOrder) {
+    recording::StudySession session(Uuid::generate(), "Biology", "", 3600, Date{0});
+    session.setStatus(recording::StudySessionStatus::completed);
+    session.timerDuration = 3600;
+    using Kind = recording::PersonalBestKind;
+    const std::string summary = sessionSummary(session, {{Kind::dailyGoalComplete, 3900},
+                                                         {Kind::longestFocus, 2530},
+                                                         {Kind::highestFocusScore, 87.4},
+                                                         {Kind::longestSession, 3600}});
+    const std::string expected =
+        "★ Daily goal complete: 1:05:00 of study today\n"
+        "★ New longest focus: 0:42:10\n"
+        "★ New highest focus score: 87%\n"
+        "★ New longest session: 1:00:00\n";
+    ASSERT_GE(summary.size(), expected.size());
+    EXPECT_EQ(summary.substr(summary.size() - expected.size()), expected) << summary;
+    EXPECT_EQ(sessionSummary(session).find("★"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace lumenote::terminal

@@ -1,0 +1,149 @@
+#include "insights/history_personal_bests.hpp"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "foundation/numeric.hpp"
+#include "insights/session_snapshot.hpp"
+#include "recording/study_time.hpp"
+
+namespace lumenote::insights {
+
+namespace {
+
+using recording::PersonalBest;
+using recording::PersonalBestKind;
+using recording::StudySession;
+
+// A session whose longest Focused run may reach the new one: its Focused
+// total, the run's upper bound, and its identifier.
+struct FocusCandidate {
+    double focused = 0.0;
+    Uuid id;
+};
+
+bool largerTotal(const FocusCandidate& a, const FocusCandidate& b) {
+    return a.focused > b.focused;
+}
+
+// The kMaximumFocusRunsChecked candidates with the largest Focused totals and
+// how many there were in all: the walk holds no more than that, however long
+// the history.
+class FocusCandidates {
+  public:
+    void add(FocusCandidate candidate) {
+        ++count_;
+        largest_.push_back(std::move(candidate));
+        std::push_heap(largest_.begin(), largest_.end(), largerTotal);
+        if (largest_.size() > kMaximumFocusRunsChecked) {
+            std::pop_heap(largest_.begin(), largest_.end(), largerTotal);
+            largest_.pop_back();
+        }
+    }
+    std::size_t count() const { return count_; }
+    // Largest Focused total first.
+    std::vector<FocusCandidate> largestFirst() && {
+        std::sort_heap(largest_.begin(), largest_.end(), largerTotal);
+        return std::move(largest_);
+    }
+
+  private:
+    std::vector<FocusCandidate> largest_;  // a heap with the smallest total on top
+    std::size_t count_ = 0;
+};
+
+struct HistoryWalk {
+    EarlierRecords records;
+    double dayStudyTime = 0.0;
+    FocusCandidates focusCandidates;
+};
+
+// The record `run` is judged against: the longest run among the candidates
+// checked, which either holds the record or shows that none of them does.
+// nullopt when more than kMaximumFocusRunsChecked would have to be loaded.
+Result<std::optional<double>, StoreError> settleLongestRun(recording::RecordingStore& store,
+                                                           FocusCandidates candidates, double run) {
+    const std::size_t count = candidates.count();
+    double longest = 0.0;
+    for (const FocusCandidate& candidate : std::move(candidates).largestFirst()) {
+        auto loaded = store.loadSession(candidate.id);
+        if (!loaded) {
+            return fail(loaded.error());
+        }
+        if (!*loaded) {
+            continue;  // deleted since the walk
+        }
+        longest = std::max(longest, longestFocusedRunOf(**loaded));
+        if (!beatsRecord(run, longest, kDurationBestMarginSeconds)) {
+            return std::optional<double>(longest);  // the record holds
+        }
+    }
+    if (count > kMaximumFocusRunsChecked) {
+        return std::optional<double>();  // the rest were never checked
+    }
+    return std::optional<double>(longest);
+}
+
+}  // namespace
+
+Result<std::vector<PersonalBest>, StoreError> HistoryPersonalBests::personalBestsOf(
+    const StudySession& finished, Date now) {
+    auto& d = dependencies_;
+    if (finished.status() != recording::StudySessionStatus::completed ||
+        !countsForAnalytics(finished, now, d.isSetupTestSession)) {
+        return std::vector<PersonalBest>{};
+    }
+    const SessionBestFigures figures{longestFocusedRunOf(finished), finished.focusScore,
+                                     clampDuration(finished.timerDuration)};
+    const Date dayStart = d.calendar.startOfDay(finished.startDate);
+    const recording::SessionRange day{dayStart, d.calendar.addingDays(dayStart, 1)};
+
+    HistoryWalk walk;
+    auto walked = d.reader.forEachSession({}, [&](const StudySession& session) {
+        if (session.id == finished.id || !countsForAnalytics(session, now, d.isSetupTestSession)) {
+            return true;
+        }
+        EarlierRecords& records = walk.records;
+        ++records.sessions;
+        records.longestSession =
+            std::max(records.longestSession, clampDuration(session.timerDuration));
+        if (session.focusScore) {
+            ++records.scoredSessions;
+            records.highestFocusScore = std::max(records.highestFocusScore, *session.focusScore);
+        }
+        // A session whose Focused total the new run beats cannot hold the record.
+        const double focused = clampDuration(session.focusedDuration);
+        if (!beatsRecord(figures.longestFocusedRun, focused, kDurationBestMarginSeconds)) {
+            walk.focusCandidates.add({focused, session.id});
+        }
+        if (day.contains(session.startDate)) {
+            walk.dayStudyTime += recording::studyTime(session);
+        }
+        return true;
+    });
+    if (!walked) {
+        return fail(walked.error());
+    }
+    if (walk.records.sessions >= kMinimumEarlierSessionsForBest) {
+        auto settled =
+            settleLongestRun(d.store, std::move(walk.focusCandidates), figures.longestFocusedRun);
+        if (!settled) {
+            return fail(settled.error());
+        }
+        walk.records.longestFocusedRun = *settled;
+    }
+
+    std::vector<PersonalBest> bests;
+    const long long goalMinutes = d.preferences.dailyStudyGoalMinutes();
+    const double dayStudyTime = walk.dayStudyTime + recording::studyTime(finished);
+    if (goalMinutes >= 1 && dayStudyTime >= static_cast<double>(goalMinutes) * 60.0 &&
+        d.preferences.acknowledgeDailyGoalIfNeeded(finished.startDate, d.calendar)) {
+        bests.push_back({PersonalBestKind::dailyGoalComplete, dayStudyTime});
+    }
+    const auto records = recordBests(figures, walk.records);
+    bests.insert(bests.end(), records.begin(), records.end());
+    return bests;
+}
+
+}  // namespace lumenote::insights
