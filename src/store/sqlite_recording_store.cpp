@@ -305,9 +305,6 @@ Result<void, StoreError> SqliteRecordingStore::deleteByIds(const char* sql,
 
 Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySession& session) {
     {
-        // The index gives the start order; equal starts are put in id order
-        // here, which costs a fraction of passing every row through SQLite's
-        // sorter (bench/insights_bench.cpp).
         auto statement = connection_->cached(
             selectSql(segmentLayout(), "WHERE session = ?1 ORDER BY startDate"));
         if (!statement) {
@@ -320,10 +317,6 @@ Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySess
         }
         orderEqualStartsById(*segments);
         session.segments = std::move(*segments);
-        std::sort(session.segments.begin(), session.segments.end(),
-                  [](const recording::ActivitySegment& a, const recording::ActivitySegment& b) {
-                      return a.startDate != b.startDate ? a.startDate < b.startDate : a.id < b.id;
-                  });
     }
     {
         auto statement = connection_->cached(selectSql(
