@@ -44,4 +44,7 @@ void installHelpCommand(CLI::App& app, CliContext& context);
 // and relabelling time without input.
 void installRecoveryCommands(CLI::App& app, CliContext& context);
 
+// `backup [PATH]` and `restore PATH --merge|--replace`: verified history backups.
+void installBackupCommands(CLI::App& app, CliContext& context);
+
 }  // namespace lumenote::cli

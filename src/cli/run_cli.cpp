@@ -20,8 +20,8 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installRulesCommands,
-                         installRecoveryCommands, installBrowserCommands, installExtensionCommands,
-                         installSetupTestCommand, installHelpCommand}) {
+                         installRecoveryCommands, installBackupCommands, installBrowserCommands,
+                         installExtensionCommands, installSetupTestCommand, installHelpCommand}) {
         install(app, context);
     }
 
