@@ -1,6 +1,7 @@
 #include "portability/json_root_scanner.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstdint>
 #include <cstring>
@@ -16,6 +17,15 @@ constexpr std::size_t kMaximumDepth = 1024;
 bool isWhiteSpace(char c) {
     return c == ' ' || c == '\n' || c == '\r' || c == '\t';
 }
+
+// The bytes that matter inside an object or array: strings and brackets.
+constexpr std::array<bool, 256> kStructural = [] {
+    std::array<bool, 256> structural{};
+    for (const char c : {'"', '{', '}', '[', ']'}) {
+        structural[static_cast<unsigned char>(c)] = true;
+    }
+    return structural;
+}();
 
 bool endsScalar(char c) {
     return isWhiteSpace(c) || c == ',' || c == ']' || c == '}';
@@ -156,6 +166,17 @@ Result<void, ScanError> JsonRootScanner::walkContainer() {
         if (!fill()) {
             return fail(endError());
         }
+        // Numbers, literals, separators and white space between the strings
+        // and brackets change nothing here.
+        const char* const data = block_.data();
+        std::size_t at = position_;
+        while (at < end_ && !kStructural[static_cast<unsigned char>(data[at])]) {
+            ++at;
+        }
+        position_ = at;
+        if (at == end_) {
+            continue;
+        }
         const char c = block_[position_++];
         switch (c) {
             case '"':
@@ -170,8 +191,7 @@ Result<void, ScanError> JsonRootScanner::walkContainer() {
                 }
                 brackets_.push_back(c);
                 break;
-            case '}':
-            case ']':
+            default:  // '}' or ']'
                 if (brackets_.back() != (c == '}' ? '{' : '[')) {
                     return fail(error(ScanFailure::malformed));
                 }
@@ -179,8 +199,6 @@ Result<void, ScanError> JsonRootScanner::walkContainer() {
                 if (brackets_.empty()) {
                     return {};
                 }
-                break;
-            default:
                 break;
         }
     }
