@@ -29,7 +29,7 @@ using portability::TallywiseBackupError;
 using portability::TallywiseBackupFailure;
 
 std::string activeSessionMessage() {
-    return TallywiseBackupError{TallywiseBackupFailure::activeSession, {}}.message();
+    return portability::backupError(TallywiseBackupFailure::activeSession).message();
 }
 
 portability::TallywiseBackupService backupService(HistoryEnvironment& environment,

@@ -103,7 +103,6 @@ AtomicFileWriter::AtomicFileWriter(AtomicFileWriter&& other) noexcept
       operations_(other.operations_),
       durability_(other.durability_),
       buffer_(std::move(other.buffer_)),
-      appended_(other.appended_),
       state_(std::exchange(other.state_, State::committed)) {}
 
 AtomicFileWriter::~AtomicFileWriter() {
@@ -140,7 +139,6 @@ Result<void, PrivateFileError> AtomicFileWriter::append(std::string_view bytes) 
     if (state_ != State::writing) {
         return fail(PrivateFileError::writeFailed);
     }
-    appended_ += bytes.size();
     if (buffer_.size() + bytes.size() <= kBufferBytes) {
         if (buffer_.capacity() < kBufferBytes) {
             buffer_.reserve(kBufferBytes);

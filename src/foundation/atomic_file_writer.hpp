@@ -53,8 +53,6 @@ class AtomicFileWriter {
     Result<void, PrivateFileError> commit();
 
     const std::filesystem::path& temporaryPath() const { return temporary_; }
-    // Bytes appended so far.
-    std::size_t size() const { return appended_; }
 
   private:
     AtomicFileWriter(std::filesystem::path target, std::filesystem::path temporary, int descriptor,
@@ -68,7 +66,6 @@ class AtomicFileWriter {
     FileWriteOperations* operations_;
     private_file::Durability durability_;
     std::string buffer_;
-    std::size_t appended_ = 0;
     enum class State { writing, finished, committed, failed } state_ = State::writing;
 };
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/store_error.hpp"
 #include "foundation/uuid.hpp"
 
 namespace lumenote::portability {
@@ -68,8 +69,15 @@ struct TallywiseBackupError {
     friend bool operator==(const TallywiseBackupError&, const TallywiseBackupError&) = default;
 };
 
-inline TallywiseBackupError invalidRecord(std::string detail) {
-    return {TallywiseBackupFailure::invalidRecord, std::move(detail)};
+// Shorthands for the errors made most often.
+inline TallywiseBackupError backupError(TallywiseBackupFailure failure, std::string detail = {}) {
+    return {failure, std::move(detail)};
+}
+inline TallywiseBackupError invalidRecord(std::string_view detail) {
+    return {TallywiseBackupFailure::invalidRecord, std::string(detail)};
+}
+inline TallywiseBackupError historyUnavailable(const StoreError& error) {
+    return {TallywiseBackupFailure::historyUnavailable, error.description};
 }
 
 }  // namespace lumenote::portability

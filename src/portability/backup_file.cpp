@@ -12,10 +12,6 @@ namespace lumenote::portability {
 
 namespace {
 
-TallywiseBackupError failure(TallywiseBackupFailure failure) {
-    return {failure, {}};
-}
-
 // Reads the file with pread from its start, so that passes never share a
 // file position.
 class FileByteSource final : public ByteSource {
@@ -49,7 +45,7 @@ bool sameTime(const timespec& a, const timespec& b) {
 Result<BackupFile, TallywiseBackupError> BackupFile::open(const std::filesystem::path& path,
                                                           std::size_t maximumMegabytes) {
     if (!path.filename().string().ends_with(kBackupExtension)) {
-        return fail(failure(TallywiseBackupFailure::invalidFileType));
+        return fail(backupError(TallywiseBackupFailure::invalidFileType));
     }
     return openUnnamed(path, maximumMegabytes);
 }
@@ -58,40 +54,40 @@ Result<BackupFile, TallywiseBackupError> BackupFile::openUnnamed(const std::file
                                                                  std::size_t maximumMegabytes) {
     struct stat info {};
     if (::lstat(path.c_str(), &info) != 0) {
-        return fail(failure(TallywiseBackupFailure::unreadableFile));
+        return fail(backupError(TallywiseBackupFailure::unreadableFile));
     }
     if (!S_ISREG(info.st_mode)) {
-        return fail(failure(TallywiseBackupFailure::unsafeFile));
+        return fail(backupError(TallywiseBackupFailure::unsafeFile));
     }
     if (info.st_size == 0) {
-        return fail(failure(TallywiseBackupFailure::emptyFile));
+        return fail(backupError(TallywiseBackupFailure::emptyFile));
     }
     const auto limit = static_cast<std::uintmax_t>(maximumMegabytes) * kBytesPerMegabyte;
     if (static_cast<std::uintmax_t>(info.st_size) > limit) {
-        return fail(TallywiseBackupError{TallywiseBackupFailure::fileTooLarge,
-                                         std::to_string(maximumMegabytes)});
+        return fail(
+            backupError(TallywiseBackupFailure::fileTooLarge, std::to_string(maximumMegabytes)));
     }
     // O_NONBLOCK keeps a FIFO put in the file's place meanwhile from
     // blocking the open; the descriptor is checked again below.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0) {
-        return fail(failure(errno == ELOOP ? TallywiseBackupFailure::unsafeFile
-                                           : TallywiseBackupFailure::unreadableFile));
+        return fail(backupError(errno == ELOOP ? TallywiseBackupFailure::unsafeFile
+                                               : TallywiseBackupFailure::unreadableFile));
     }
     BackupFile file(descriptor, 0, {});
     struct stat opened {};
     if (::fstat(descriptor, &opened) != 0) {
-        return fail(failure(TallywiseBackupFailure::unreadableFile));
+        return fail(backupError(TallywiseBackupFailure::unreadableFile));
     }
     if (!S_ISREG(opened.st_mode) || opened.st_dev != info.st_dev || opened.st_ino != info.st_ino) {
-        return fail(failure(TallywiseBackupFailure::unsafeFile));
+        return fail(backupError(TallywiseBackupFailure::unsafeFile));
     }
     if (opened.st_size == 0) {
-        return fail(failure(TallywiseBackupFailure::emptyFile));
+        return fail(backupError(TallywiseBackupFailure::emptyFile));
     }
     if (static_cast<std::uintmax_t>(opened.st_size) > limit) {
-        return fail(TallywiseBackupError{TallywiseBackupFailure::fileTooLarge,
-                                         std::to_string(maximumMegabytes)});
+        return fail(
+            backupError(TallywiseBackupFailure::fileTooLarge, std::to_string(maximumMegabytes)));
     }
     ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_SEQUENTIAL);
     file.size_ = opened.st_size;

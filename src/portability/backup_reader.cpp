@@ -38,26 +38,18 @@ std::optional<RootMember> rootMember(std::string_view key) {
     return static_cast<RootMember>(found - kRootMemberNames.begin());
 }
 
-TallywiseBackupError metadataError() {
-    return invalidRecord(std::string(invalid_record::metadataOrPreferences));
-}
-
-TallywiseBackupError tooMany(std::string_view detail) {
-    return invalidRecord(std::string(detail));
-}
-
 // A scanner failure as the error to report; `sessionPosition` is the session
 // being read (counting from 1), 0 outside the sessions.
 TallywiseBackupError scanFailure(const ScanError& error, std::size_t sessionPosition) {
     switch (error.failure) {
         case ScanFailure::unreadable:
-            return {TallywiseBackupFailure::unreadableFile, {}};
+            return backupError(TallywiseBackupFailure::unreadableFile);
         case ScanFailure::tooLarge:
             return sessionPosition > 0
                        ? invalidRecord(invalid_record::invalidSessionAt(sessionPosition))
-                       : metadataError();
+                       : invalidRecord(invalid_record::metadataOrPreferences);
         case ScanFailure::notAnArray:
-            return metadataError();
+            return invalidRecord(invalid_record::metadataOrPreferences);
         case ScanFailure::malformed:
             break;
     }
@@ -78,7 +70,7 @@ Result<std::optional<RootMember>, TallywiseBackupError> nextRootMember(JsonRootS
     }
     const auto resolved = decoder.key(**key);
     if (!resolved) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     return rootMember(*resolved);
 }
@@ -200,7 +192,7 @@ Result<void, TallywiseBackupError> DocumentValidation::scanRoot(ByteSource& byte
         }
         const RootMember which = **member;
         if (seen_[which]) {
-            return fail(metadataError());
+            return fail(invalidRecord(invalid_record::metadataOrPreferences));
         }
         seen_[which] = true;
         if (which != sessions) {
@@ -232,18 +224,18 @@ Result<void, TallywiseBackupError> DocumentValidation::decodeMetadata() {
     // The version is decoded before anything else, so that a later format
     // is reported as such rather than as whatever it changed.
     if (!seen_[formatVersion]) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     auto version = decoder_.integer(textOf(formatVersion));
     if (!version) {
         return fail(version.error());
     }
     if (*version != kBackupFormatVersion) {
-        return fail(TallywiseBackupError{TallywiseBackupFailure::unsupportedVersion,
-                                         std::to_string(*version)});
+        return fail(
+            backupError(TallywiseBackupFailure::unsupportedVersion, std::to_string(*version)));
     }
     if (!std::all_of(seen_.begin(), seen_.end(), [](bool s) { return s; })) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     BackupDocumentSummary& document = report_.document;
     document.formatVersion = *version;
@@ -251,7 +243,7 @@ Result<void, TallywiseBackupError> DocumentValidation::decodeMetadata() {
     auto created = decoder_.date(textOf(createdAt));
     auto chosen = decoder_.preferences(textOf(preferences));
     if (!app || !created || !chosen) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     document.appVersion = std::move(*app);
     document.createdAt = *created;
@@ -269,7 +261,7 @@ Result<void, TallywiseBackupError> DocumentValidation::decodeRules() {
         return fail(applications.error());
     }
     if (applications->size() > limits_.maximumApplicationRules) {
-        return fail(tooMany(invalid_record::tooManyApplicationRules));
+        return fail(invalidRecord(invalid_record::tooManyApplicationRules));
     }
     std::vector<std::string> keys;
     for (const BackupApplicationRule& rule : *applications) {
@@ -279,14 +271,14 @@ Result<void, TallywiseBackupError> DocumentValidation::decodeRules() {
         keys.push_back(rule.bundleIdentifier);
     }
     if (repeats(std::move(keys))) {
-        return fail(invalidRecord(std::string(invalid_record::invalidApplicationRule)));
+        return fail(invalidRecord(invalid_record::invalidApplicationRule));
     }
     auto websites = decoder_.websiteRules(textOf(websiteRules));
     if (!websites) {
         return fail(websites.error());
     }
     if (websites->size() > limits_.maximumWebsiteRules) {
-        return fail(tooMany(invalid_record::tooManyWebsiteRules));
+        return fail(invalidRecord(invalid_record::tooManyWebsiteRules));
     }
     keys.clear();
     for (const BackupWebsiteRule& rule : *websites) {
@@ -296,7 +288,7 @@ Result<void, TallywiseBackupError> DocumentValidation::decodeRules() {
         keys.push_back(rule.hostname);
     }
     if (repeats(std::move(keys))) {
-        return fail(invalidRecord(std::string(invalid_record::invalidWebsiteRule)));
+        return fail(invalidRecord(invalid_record::invalidWebsiteRule));
     }
     document.applicationRules = std::move(*applications);
     document.websiteRules = std::move(*websites);
@@ -326,7 +318,7 @@ Result<void, TallywiseBackupError> DocumentValidation::readSession(const Scanned
     BackupDocumentSummary& document = report_.document;
     const std::size_t position = ++document.sessionCount;
     if (position > limits_.maximumSessions) {
-        return fail(tooMany(invalid_record::tooManySessions));
+        return fail(invalidRecord(invalid_record::tooManySessions));
     }
     if (auto decoded = decoder_.session(text, position, session_); !decoded) {
         return decoded;
@@ -340,18 +332,18 @@ Result<void, TallywiseBackupError> DocumentValidation::readSession(const Scanned
     document.confirmationCount += confirmations ? confirmations->size() : 0;
     document.pdfIdentityCount += session->localPDFIdentities.size();
     if (report_.segmentCount > limits_.maximumSegments) {
-        return fail(tooMany(invalid_record::tooManySegments));
+        return fail(invalidRecord(invalid_record::tooManySegments));
     }
     if (document.confirmationCount > limits_.maximumConfirmations) {
-        return fail(tooMany(invalid_record::tooManyConfirmations));
+        return fail(invalidRecord(invalid_record::tooManyConfirmations));
     }
     if (document.pdfIdentityCount > limits_.maximumPDFIdentities) {
-        return fail(tooMany(invalid_record::tooManyPDFIdentities));
+        return fail(invalidRecord(invalid_record::tooManyPDFIdentities));
     }
     if (document.sessionCount + report_.segmentCount + document.confirmationCount +
             document.pdfIdentityCount + report_.ruleCount >
         limits_.maximumTotalRecords) {
-        return fail(tooMany(invalid_record::tooManyRecords));
+        return fail(invalidRecord(invalid_record::tooManyRecords));
     }
 
     sessionIds_.push_back(session->id);
@@ -380,8 +372,8 @@ Result<void, TallywiseBackupError> DocumentValidation::checkIdentities() {
     for (std::vector<Uuid>* ids :
          {&sessionIds_, &segmentIds_, &confirmationIds_, &pdfIdentityIds_}) {
         if (const auto repeated = firstRepeated(*ids)) {
-            return fail(TallywiseBackupError{TallywiseBackupFailure::duplicateIdentifier,
-                                             repeated->upperString()});
+            return fail(
+                backupError(TallywiseBackupFailure::duplicateIdentifier, repeated->upperString()));
         }
         *ids = std::vector<Uuid>();
     }

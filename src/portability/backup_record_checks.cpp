@@ -188,13 +188,13 @@ std::optional<TallywiseBackupError> checkSession(const BackupSession& session,
     const std::size_t confirmations =
         session.confirmedNoInputIntervals ? session.confirmedNoInputIntervals->size() : 0;
     if (session.segments.size() > limits.maximumSegmentsPerSession) {
-        return invalidRecord(std::string(invalid_record::tooManySegments));
+        return invalidRecord(invalid_record::tooManySegments);
     }
     if (confirmations > limits.maximumConfirmationsPerSession) {
-        return invalidRecord(std::string(invalid_record::tooManyConfirmations));
+        return invalidRecord(invalid_record::tooManyConfirmations);
     }
     if (session.localPDFIdentities.size() > limits.maximumPDFIdentitiesPerSession) {
-        return invalidRecord(std::string(invalid_record::tooManyPDFIdentities));
+        return invalidRecord(invalid_record::tooManyPDFIdentities);
     }
     if (!checkSessionItself(session, limits)) {
         return invalidRecord(invalid_record::invalidSession(session.id));
@@ -227,7 +227,7 @@ std::optional<TallywiseBackupError> checkApplicationRule(const BackupApplication
         .that(namesClassification(rule.classificationRawValue))
         .date(rule.updatedAt);
     if (!check.valid()) {
-        return invalidRecord(std::string(invalid_record::invalidApplicationRule));
+        return invalidRecord(invalid_record::invalidApplicationRule);
     }
     return std::nullopt;
 }
@@ -240,7 +240,7 @@ std::optional<TallywiseBackupError> checkWebsiteRule(const BackupWebsiteRule& ru
         .that(namesClassification(rule.classificationRawValue))
         .date(rule.updatedAt);
     if (!check.valid()) {
-        return invalidRecord(std::string(invalid_record::invalidWebsiteRule));
+        return invalidRecord(invalid_record::invalidWebsiteRule);
     }
     return std::nullopt;
 }
@@ -252,7 +252,7 @@ std::optional<TallywiseBackupError> checkMetadata(const BackupDocumentSummary& d
         .date(document.createdAt)
         .identifierIfPresent(document.preferences.appearance);
     if (!check.valid()) {
-        return invalidRecord(std::string(invalid_record::metadataOrPreferences));
+        return invalidRecord(invalid_record::metadataOrPreferences);
     }
     return std::nullopt;
 }

@@ -433,10 +433,6 @@ std::optional<Uuid> idOf(od::parser& parser, const ScannedText& text) {
     return Uuid::parse(id);
 }
 
-TallywiseBackupError metadataError() {
-    return invalidRecord(std::string(invalid_record::metadataOrPreferences));
-}
-
 }  // namespace
 
 BackupRecordDecoder::BackupRecordDecoder() : parser_(std::make_unique<Parser>()) {}
@@ -480,7 +476,7 @@ Result<std::vector<BackupApplicationRule>, TallywiseBackupError>
 BackupRecordDecoder::applicationRules(const ScannedText& text) {
     std::vector<BackupApplicationRule> rules;
     if (!decodeList(parser_->parser, text, rules, kApplicationRuleMembers)) {
-        return fail(invalidRecord(std::string(invalid_record::invalidApplicationRule)));
+        return fail(invalidRecord(invalid_record::invalidApplicationRule));
     }
     return rules;
 }
@@ -489,7 +485,7 @@ Result<std::vector<BackupWebsiteRule>, TallywiseBackupError> BackupRecordDecoder
     const ScannedText& text) {
     std::vector<BackupWebsiteRule> rules;
     if (!decodeList(parser_->parser, text, rules, kWebsiteRuleMembers)) {
-        return fail(invalidRecord(std::string(invalid_record::invalidWebsiteRule)));
+        return fail(invalidRecord(invalid_record::invalidWebsiteRule));
     }
     return rules;
 }
@@ -499,7 +495,7 @@ Result<BackupPreferences, TallywiseBackupError> BackupRecordDecoder::preferences
     BackupPreferences preferences;
     Context context;
     if (!decodeDocument(parser_->parser, text, preferences, kPreferenceMembers, context)) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     return preferences;
 }
@@ -508,7 +504,7 @@ Result<long long, TallywiseBackupError> BackupRecordDecoder::integer(const Scann
     od::document document;
     std::int64_t value = 0;
     if (parser_->parser.iterate(padded(text)).get(document) || document.get_int64().get(value)) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     return static_cast<long long>(value);
 }
@@ -517,7 +513,7 @@ Result<std::string, TallywiseBackupError> BackupRecordDecoder::text(const Scanne
     od::document document;
     std::string_view value;
     if (parser_->parser.iterate(padded(text)).get(document) || document.get_string().get(value)) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     return std::string(value);
 }
@@ -526,22 +522,22 @@ Result<Date, TallywiseBackupError> BackupRecordDecoder::date(const ScannedText& 
     od::document document;
     od::json_type type;
     if (parser_->parser.iterate(padded(text)).get(document) || document.type().get(type)) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     if (type == od::json_type::number) {
         double seconds = 0;
         if (document.get_double().get(seconds)) {
-            return fail(metadataError());
+            return fail(invalidRecord(invalid_record::metadataOrPreferences));
         }
         return Date{seconds};
     }
     std::string_view value;
     if (document.get_string().get(value)) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     const auto parsed = parseIso8601(value);
     if (!parsed) {
-        return fail(metadataError());
+        return fail(invalidRecord(invalid_record::metadataOrPreferences));
     }
     return *parsed;
 }

@@ -7,18 +7,6 @@
 
 namespace lumenote::portability {
 
-namespace {
-
-TallywiseBackupError historyUnavailable(const StoreError& error) {
-    return {TallywiseBackupFailure::historyUnavailable, error.description};
-}
-
-TallywiseBackupError writeFailed() {
-    return {TallywiseBackupFailure::writeFailed, {}};
-}
-
-}  // namespace
-
 Result<WrittenBackup, TallywiseBackupError> writeHistoryBackup(
     recording::RecordingStore& store, recording::SessionHistoryReader& history,
     const BackupDocumentHead& head, AtomicFileWriter& writer,
@@ -26,7 +14,7 @@ Result<WrittenBackup, TallywiseBackupError> writeHistoryBackup(
     std::string text;
     appendDocumentHead(text, head);
     if (!writer.append(text)) {
-        return fail(writeFailed());
+        return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
     WrittenBackup written;
     std::optional<TallywiseBackupError> failure;
@@ -41,7 +29,7 @@ Result<WrittenBackup, TallywiseBackupError> writeHistoryBackup(
             text.clear();
             appendSession(text, session, *pdfIdentities, written.sessions == 0);
             if (!writer.append(text)) {
-                failure = writeFailed();
+                failure = backupError(TallywiseBackupFailure::writeFailed);
                 return false;
             }
             ++written.sessions;
@@ -60,7 +48,7 @@ Result<WrittenBackup, TallywiseBackupError> writeHistoryBackup(
     text.clear();
     appendDocumentTail(text);
     if (!writer.append(text)) {
-        return fail(writeFailed());
+        return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
     return written;
 }

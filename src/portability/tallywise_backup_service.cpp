@@ -15,14 +15,6 @@ namespace lumenote::portability {
 
 namespace {
 
-TallywiseBackupError failure(TallywiseBackupFailure failure) {
-    return {failure, {}};
-}
-
-TallywiseBackupError historyUnavailable(const StoreError& error) {
-    return {TallywiseBackupFailure::historyUnavailable, error.description};
-}
-
 // Tells `progress` about `stage`, if anyone listens.
 std::function<void(std::size_t)> reporter(const BackupStageProgress& progress, BackupStage stage,
                                           std::size_t total) {
@@ -73,7 +65,7 @@ Result<void, TallywiseBackupError> TallywiseBackupService::refuseWhileActive() {
         return fail(historyUnavailable(live.error()));
     }
     if (!live->empty()) {
-        return fail(failure(TallywiseBackupFailure::activeSession));
+        return fail(backupError(TallywiseBackupFailure::activeSession));
     }
     return {};
 }
@@ -81,7 +73,7 @@ Result<void, TallywiseBackupError> TallywiseBackupService::refuseWhileActive() {
 Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::createBackup(
     const std::filesystem::path& destination, const BackupStageProgress& progress) {
     if (!destination.filename().string().ends_with(kBackupExtension)) {
-        return fail(failure(TallywiseBackupFailure::invalidFileType));
+        return fail(backupError(TallywiseBackupFailure::invalidFileType));
     }
     if (auto active = refuseWhileActive(); !active) {
         return fail(active.error());
@@ -102,7 +94,7 @@ Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::createBackup
 
     auto writer = AtomicFileWriter::create(destination, dependencies_.fileOperations);
     if (!writer) {
-        return fail(failure(TallywiseBackupFailure::writeFailed));
+        return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
     auto written = writeHistoryBackup(store, dependencies_.history, head, *writer,
                                       reporter(progress, BackupStage::writing, *sessionCount));
@@ -110,7 +102,7 @@ Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::createBackup
         return fail(written.error());
     }
     if (!writer->finish()) {
-        return fail(failure(TallywiseBackupFailure::writeFailed));
+        return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
 
     // Read back before it is put in place, so that a file that does not
@@ -127,10 +119,10 @@ Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::createBackup
     }
     if (report->document.sessionCount != written->sessions ||
         report->segmentCount != written->segments) {
-        return fail(failure(TallywiseBackupFailure::writeFailed));
+        return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
     if (!writer->commit()) {
-        return fail(failure(TallywiseBackupFailure::writeFailed));
+        return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
     return CreatedBackup{std::move(*report), file->size()};
 }
@@ -161,18 +153,18 @@ Result<BackupRestoreSummary, TallywiseBackupError> TallywiseBackupService::repla
     const ValidatedBackup& backup, std::string_view typedConfirmation,
     const BackupStageProgress& progress) {
     if (typedConfirmation != kReplaceConfirmation) {
-        return fail(failure(TallywiseBackupFailure::replaceNotConfirmed));
+        return fail(backupError(TallywiseBackupFailure::replaceNotConfirmed));
     }
     if (auto active = refuseWhileActive(); !active) {
         return fail(active.error());
     }
     if (!backup.file.unchanged()) {
-        return fail(failure(TallywiseBackupFailure::fileChanged));
+        return fail(backupError(TallywiseBackupFailure::fileChanged));
     }
     const std::filesystem::path automatic = freeAutomaticBackupPath(
         dependencies_.automaticBackupFolder, dependencies_.wallClock.now(), dependencies_.calendar);
     if (!createBackup(automatic, progress)) {
-        return fail(failure(TallywiseBackupFailure::preRestoreBackupFailed));
+        return fail(backupError(TallywiseBackupFailure::preRestoreBackupFailed));
     }
     auto summary = import(backup, true, progress);
     if (!summary) {
@@ -187,7 +179,7 @@ Result<BackupRestoreSummary, TallywiseBackupError> TallywiseBackupService::repla
 Result<BackupRestoreSummary, TallywiseBackupError> TallywiseBackupService::import(
     const ValidatedBackup& backup, bool replacing, const BackupStageProgress& progress) {
     if (!backup.file.unchanged()) {
-        return fail(failure(TallywiseBackupFailure::fileChanged));
+        return fail(backupError(TallywiseBackupFailure::fileChanged));
     }
     const BackupDocumentSummary& document = backup.report.document;
     recording::RecordingStore& store = dependencies_.store;
@@ -270,7 +262,7 @@ Result<BackupRestoreSummary, TallywiseBackupError> TallywiseBackupService::impor
     }
     // The same file, read twice, must have given the same sessions.
     if (!backup.file.unchanged() || summary.added + summary.duplicates != document.sessionCount) {
-        return fail(failure(TallywiseBackupFailure::fileChanged));
+        return fail(backupError(TallywiseBackupFailure::fileChanged));
     }
     if (auto committed = import.commit(); !committed) {
         return fail(historyUnavailable(committed.error()));
