@@ -57,4 +57,7 @@ void installRecoveryCommands(CLI::App& app, CliContext& context);
 // `week` and `insights [dismiss ID]`: a week's figures and its insights.
 void installWeekCommands(CLI::App& app, CliContext& context);
 
+// `backup [PATH]` and `restore PATH --merge|--replace`: verified history backups.
+void installBackupCommands(CLI::App& app, CliContext& context);
+
 }  // namespace lumenote::cli

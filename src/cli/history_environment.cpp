@@ -68,6 +68,11 @@ recording::RecordingPreferences& HistoryEnvironment::recordingPreferences() {
     return *recordingPreferences_;
 }
 
+settings::PreferencesStore& HistoryEnvironment::preferences() {
+    recordingPreferences();
+    return *preferences_;
+}
+
 recording::SessionHistory& HistoryEnvironment::history(std::ostream& warnings) {
     if (!history_) {
         history_ = std::make_unique<recording::SessionHistory>(

@@ -66,6 +66,11 @@ class HistoryEnvironment {
     recording::RecordingStore& store() { return *store_; }
     // The same store's walks over the recorded history.
     recording::SessionHistoryReader& historyReader() { return *store_; }
+    // The same store's bulk import, for restoring a backup.
+    recording::HistoryImporter& importer() { return *store_; }
+    // The preferences over the user's defaults domain, read on first use.
+    settings::PreferencesStore& preferences();
+    recording::WallClock& wallClock() { return platform_.wallClock; }
     // The system's wall-clock time now.
     Date now() { return platform_.wallClock.now(); }
     // The local time zone the commands show dates in.

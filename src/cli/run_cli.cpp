@@ -20,9 +20,10 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installExportCommand,
-                         installRulesCommands, installReviewCommands, installRecoveryCommands,
-                         installWeekCommands, installBrowserCommands, installExtensionCommands,
-                         installSetupTestCommand, installReportCommand, installHelpCommand}) {
+                         installBackupCommands, installRulesCommands, installReviewCommands,
+                         installRecoveryCommands, installWeekCommands, installBrowserCommands,
+                         installExtensionCommands, installSetupTestCommand, installReportCommand,
+                         installHelpCommand}) {
         install(app, context);
     }
 

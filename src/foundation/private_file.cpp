@@ -16,6 +16,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "foundation/atomic_file_writer.hpp"
+
 namespace lumenote {
 inline namespace foundation {
 
@@ -24,10 +26,6 @@ namespace {
 constexpr mode_t kPrivateFolderMode = 0700;
 constexpr mode_t kPrivateFileMode = 0600;
 constexpr mode_t kPermissionBits = 07777;
-
-// Ends the name of an atomic write's temporary sibling, so that anything
-// listing the folder can skip a half-written file by its name.
-constexpr std::string_view kTemporarySuffix = ".temporary";
 
 // A quarantine name is taken again only when another process creates it
 // between the look-up and the move; a few retries cover that.
@@ -46,14 +44,6 @@ class Descriptor {
     Descriptor& operator=(const Descriptor&) = delete;
 
     int get() const { return descriptor_; }
-
-    // Closes now and reports the outcome: on some file systems close(2) is
-    // where a failed write first shows.
-    bool close() {
-        const int descriptor = descriptor_;
-        descriptor_ = -1;
-        return ::close(descriptor) == 0;
-    }
 
   private:
     int descriptor_;
@@ -111,38 +101,6 @@ Result<std::string, PrivateFileError> readAll(int descriptor, std::size_t expect
     }
     contents.resize(filled);
     return contents;
-}
-
-bool writeAll(FileWriteOperations& operations, int descriptor, std::string_view contents) {
-    std::size_t written = 0;
-    while (written < contents.size()) {
-        const long count =
-            operations.write(descriptor, contents.data() + written, contents.size() - written);
-        if (count < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            return false;
-        }
-        if (count == 0) {
-            // No progress and no error: stop rather than spin.
-            return false;
-        }
-        written += static_cast<std::size_t>(count);
-    }
-    return true;
-}
-
-// Makes the rename durable: a new directory entry survives a power loss only
-// once the folder itself is synced.
-bool syncFolder(const std::filesystem::path& folder, FileWriteOperations& operations) {
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return false;
-    }
-    Descriptor opened(descriptor);
-    // Some file systems cannot sync a folder at all; there is nothing more to do.
-    return operations.fsync(opened.get()) == 0 || errno == EINVAL;
 }
 
 std::filesystem::path quarantineCandidate(const std::filesystem::path& path, long long seconds,
@@ -309,50 +267,14 @@ Result<void, PrivateFileError> writeAtomically(const std::filesystem::path& path
                                                std::string_view contents,
                                                FileWriteOperations& operations,
                                                Durability durability) {
-    if (!path.has_filename()) {
-        return fail(PrivateFileError::writeFailed);
+    auto writer = AtomicFileWriter::create(path, operations, durability);
+    if (!writer) {
+        return fail(writer.error());
     }
-    // A bare file name is written in the current folder, which is not narrowed.
-    const std::filesystem::path folder = path.has_parent_path() ? path.parent_path() : ".";
-    if (path.has_parent_path()) {
-        if (auto ensured = ensureFolder(folder); !ensured) {
-            return ensured;
-        }
+    if (auto appended = writer->append(contents); !appended) {
+        return appended;
     }
-
-    const std::string randomPart = ".XXXXXX";
-    std::string temporary =
-        (folder / ("." + path.filename().string() + randomPart + std::string(kTemporarySuffix)))
-            .string();
-    const int descriptor =
-        ::mkostemps(temporary.data(), static_cast<int>(kTemporarySuffix.size()), O_CLOEXEC);
-    if (descriptor < 0) {
-        return fail(PrivateFileError::writeFailed);
-    }
-    Descriptor file(descriptor);
-    const auto abandon = [&] {
-        file.close();
-        ::unlink(temporary.c_str());
-        return fail(PrivateFileError::writeFailed);
-    };
-
-    if (::fchmod(file.get(), kPrivateFileMode) != 0 ||
-        !writeAll(operations, file.get(), contents) ||
-        (durability == Durability::synced && operations.fsync(file.get()) != 0)) {
-        return abandon();
-    }
-    if (!file.close()) {
-        ::unlink(temporary.c_str());
-        return fail(PrivateFileError::writeFailed);
-    }
-    if (operations.rename(temporary.c_str(), path.c_str()) != 0) {
-        ::unlink(temporary.c_str());
-        return fail(PrivateFileError::writeFailed);
-    }
-    if (durability == Durability::synced && !syncFolder(folder, operations)) {
-        return fail(PrivateFileError::writeFailed);
-    }
-    return {};
+    return writer->commit();
 }
 
 std::filesystem::path quarantinePath(const std::filesystem::path& path, Date now) {

@@ -29,17 +29,51 @@ Uuid Uuid::generate() {
     return Uuid(bytes);
 }
 
+namespace {
+
+// The value of each hex digit in either case; -1 for every other byte.
+constexpr std::array<std::int8_t, 256> kHexValues = [] {
+    std::array<std::int8_t, 256> values{};
+    values.fill(-1);
+    for (int digit = 0; digit < 10; ++digit) {
+        values['0' + digit] = static_cast<std::int8_t>(digit);
+    }
+    for (int letter = 0; letter < 6; ++letter) {
+        values['a' + letter] = static_cast<std::int8_t>(10 + letter);
+        values['A' + letter] = static_cast<std::int8_t>(10 + letter);
+    }
+    return values;
+}();
+
+int hexValue(char c) {
+    return kHexValues[static_cast<unsigned char>(c)];
+}
+
+}  // namespace
+
 std::optional<Uuid> Uuid::parse(std::string_view text) {
-    // uuid_parse needs a terminated string of exactly 36 characters.
+    // Decoded here rather than by uuid_parse, which reads each byte through
+    // strtoul: restoring a history backup parses millions of identifiers.
     if (text.size() != 36) {
         return std::nullopt;
     }
-    char buffer[37];
-    std::memcpy(buffer, text.data(), 36);
-    buffer[36] = '\0';
     Bytes bytes;
-    if (uuid_parse(buffer, bytes.data()) != 0) {
-        return std::nullopt;
+    std::size_t filled = 0;
+    for (std::size_t index = 0; index < text.size();) {
+        if (index == 8 || index == 13 || index == 18 || index == 23) {
+            if (text[index] != '-') {
+                return std::nullopt;
+            }
+            ++index;
+            continue;
+        }
+        const int high = hexValue(text[index]);
+        const int low = hexValue(text[index + 1]);
+        if (high < 0 || low < 0) {
+            return std::nullopt;
+        }
+        bytes[filled++] = static_cast<std::uint8_t>((high << 4) | low);
+        index += 2;
     }
     return Uuid(bytes);
 }

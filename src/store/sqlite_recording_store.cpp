@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "foundation/private_file.hpp"
+#include "store/sqlite_history_import.hpp"
 #include "store/store_rows.hpp"
 #include "store/store_schema.hpp"
 
@@ -432,6 +433,14 @@ Result<std::size_t, StoreError> SqliteRecordingStore::segmentCount() {
 
 Result<void, StoreError> SqliteRecordingStore::deleteAllSessions() {
     return execute("DELETE FROM sessions");
+}
+
+Result<std::unique_ptr<recording::HistoryImport>, StoreError> SqliteRecordingStore::beginImport() {
+    auto import = SqliteHistoryImport::begin(*connection_);
+    if (!import) {
+        return fail(import.error());
+    }
+    return std::unique_ptr<recording::HistoryImport>(std::move(*import));
 }
 
 Result<std::vector<classification::AppClassification>, StoreError>

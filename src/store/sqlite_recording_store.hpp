@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "recording/history_import.hpp"
 #include "recording/recording_store.hpp"
 #include "recording/session_history_reader.hpp"
 #include "store/sqlite_connection.hpp"
@@ -40,7 +41,8 @@ struct SqliteStoreOptions {
 // apply() returns; no checkpoint is forced, as a synced WAL is already
 // durable.
 class SqliteRecordingStore final : public recording::RecordingStore,
-                                   public recording::SessionHistoryReader {
+                                   public recording::SessionHistoryReader,
+                                   public recording::HistoryImporter {
   public:
     // Opens the store at `path`, creating its folder (mode 0700) and the file
     // (mode 0600) when absent, and brings its layout up to date. Fails when
@@ -87,6 +89,10 @@ class SqliteRecordingStore final : public recording::RecordingStore,
     // One grouped scan of the segments table, joined to each PDF identity's
     // current class.
     Result<void, StoreError> forEachUnclassifiedActivityTally(const TallyVisitor& visitor) override;
+
+    // See SqliteHistoryImport for how the connection is tuned meanwhile. The
+    // import must end before this store does.
+    Result<std::unique_ptr<recording::HistoryImport>, StoreError> beginImport() override;
 
     // Rules come ordered by their key.
     Result<std::vector<classification::AppClassification>, StoreError> appClassifications()
