@@ -57,18 +57,35 @@ std::filesystem::path folderOf(const std::filesystem::path& path) {
     return path.has_parent_path() ? path.parent_path() : ".";
 }
 
+// Creates `folder` and its missing parents (new ones private, mode 0700)
+// and leaves a folder that exists as it is.
+Result<void, PrivateFileError> createMissingFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    if (std::filesystem::is_directory(folder, error)) {
+        return {};
+    }
+    if (std::filesystem::exists(folder, error)) {
+        return fail(PrivateFileError::folderUnusable);
+    }
+    return private_file::ensureFolder(folder);
+}
+
 }  // namespace
 
 Result<AtomicFileWriter, PrivateFileError> AtomicFileWriter::create(
     const std::filesystem::path& path, FileWriteOperations& operations,
-    private_file::Durability durability) {
+    private_file::Durability durability, FolderPolicy folders) {
     if (!path.has_filename()) {
         return fail(PrivateFileError::writeFailed);
     }
     // The current folder of a bare file name is not narrowed.
     if (path.has_parent_path()) {
-        if (auto ensured = private_file::ensureFolder(path.parent_path()); !ensured) {
-            return fail(ensured.error());
+        if (folders == FolderPolicy::ensurePrivate) {
+            if (auto ensured = private_file::ensureFolder(path.parent_path()); !ensured) {
+                return fail(ensured.error());
+            }
+        } else if (auto made = createMissingFolder(path.parent_path()); !made) {
+            return fail(made.error());
         }
     }
     std::string temporary = (folderOf(path) / ("." + path.filename().string() + ".XXXXXX" +

@@ -26,13 +26,22 @@ class AtomicFileWriter {
   public:
     static constexpr std::size_t kBufferBytes = 1 << 20;
 
-    // Ensures the parent folder of `path` (when it names one) with
-    // private_file::ensureFolder and creates the temporary sibling. Fails with
-    // `folderUnusable` or `writeFailed`. `operations` must outlive the writer.
+    // What happens to the folder the file goes into. Lumenote's own folders
+    // are created and kept private (mode 0700). A folder the user chose for
+    // a file (a backup in ~/Documents) is used as it is, so that saving a
+    // file there never narrows who may open the folder; only a folder that
+    // does not exist yet is created, private like any new one.
+    enum class FolderPolicy { ensurePrivate, useAsItIs };
+
+    // Prepares the parent folder of `path` (when it names one) as `folders`
+    // says and creates the temporary sibling. Fails with `folderUnusable`
+    // (the folder cannot be created or made private, or is not a folder) or
+    // `writeFailed`. `operations` must outlive the writer.
     static Result<AtomicFileWriter, PrivateFileError> create(
         const std::filesystem::path& path,
         FileWriteOperations& operations = systemFileWriteOperations(),
-        private_file::Durability durability = private_file::Durability::synced);
+        private_file::Durability durability = private_file::Durability::synced,
+        FolderPolicy folders = FolderPolicy::ensurePrivate);
 
     AtomicFileWriter(AtomicFileWriter&& other) noexcept;
     AtomicFileWriter(const AtomicFileWriter&) = delete;

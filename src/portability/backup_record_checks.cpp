@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <map>
 
 #include "classification/rule_keys.hpp"
 #include "recording/enumerations.hpp"
@@ -267,14 +268,23 @@ std::optional<Uuid> firstOverlappingConfirmation(
     }
     std::stable_sort(inForce.begin(), inForce.end(),
                      [](const auto* a, const auto* b) { return a->startDate < b->startDate; });
-    // The latest end among the confirmations that started earlier.
-    std::optional<Date> reach;
+    // The latest end, per state, among the confirmations that started
+    // earlier. Time answered twice with the same state (an away period
+    // inside the no-input time an offline book session declares as study)
+    // is no contradiction and counts once; only time that is both study and
+    // a break at once is refused.
+    std::map<std::string, Date, std::less<>> reach;
     for (const BackupConfirmedInterval* interval : inForce) {
-        if (reach &&
-            std::min(*reach, interval->endDate).secondsSince(interval->startDate) > tolerance) {
-            return interval->id;
+        for (const auto& [state, end] : reach) {
+            if (state != interval->stateRawValue &&
+                std::min(end, interval->endDate).secondsSince(interval->startDate) > tolerance) {
+                return interval->id;
+            }
         }
-        reach = reach ? std::max(*reach, interval->endDate) : interval->endDate;
+        auto [entry, added] = reach.emplace(interval->stateRawValue, interval->endDate);
+        if (!added) {
+            entry->second = std::max(entry->second, interval->endDate);
+        }
     }
     return std::nullopt;
 }

@@ -48,8 +48,9 @@ std::optional<TallywiseBackupError> checkMetadata(const BackupDocumentSummary& d
                                                   const BackupValidationLimits& limits);
 
 // The first confirmation in force that shares more than `tolerance` seconds
-// with an earlier-starting one in force (equal starts keep their order);
-// nullopt when none does.
+// with an earlier-starting one in force of another state (equal starts keep
+// their order); nullopt when none does. Confirmations of the same state may
+// overlap: the recorder stores such pairs itself and counts their time once.
 std::optional<Uuid> firstOverlappingConfirmation(
     const std::vector<BackupConfirmedInterval>& intervals, double tolerance);
 

@@ -72,6 +72,12 @@ Result<void, TallywiseBackupError> TallywiseBackupService::refuseWhileActive() {
 
 Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::createBackup(
     const std::filesystem::path& destination, const BackupStageProgress& progress) {
+    return writeVerifiedBackup(destination, AtomicFileWriter::FolderPolicy::useAsItIs, progress);
+}
+
+Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::writeVerifiedBackup(
+    const std::filesystem::path& destination, AtomicFileWriter::FolderPolicy folders,
+    const BackupStageProgress& progress) {
     if (!destination.filename().string().ends_with(kBackupExtension)) {
         return fail(backupError(TallywiseBackupFailure::invalidFileType));
     }
@@ -92,7 +98,8 @@ Result<CreatedBackup, TallywiseBackupError> TallywiseBackupService::createBackup
                                   backupPreferencesOf(dependencies_.preferences),
                                   std::move(*applications), std::move(*websites)};
 
-    auto writer = AtomicFileWriter::create(destination, dependencies_.fileOperations);
+    auto writer = AtomicFileWriter::create(destination, dependencies_.fileOperations,
+                                           private_file::Durability::synced, folders);
     if (!writer) {
         return fail(backupError(TallywiseBackupFailure::writeFailed));
     }
@@ -163,7 +170,7 @@ Result<BackupRestoreSummary, TallywiseBackupError> TallywiseBackupService::repla
     }
     const std::filesystem::path automatic = freeAutomaticBackupPath(
         dependencies_.automaticBackupFolder, dependencies_.wallClock.now(), dependencies_.calendar);
-    if (!createBackup(automatic, progress)) {
+    if (!writeVerifiedBackup(automatic, AtomicFileWriter::FolderPolicy::ensurePrivate, progress)) {
         return fail(backupError(TallywiseBackupFailure::preRestoreBackupFailed));
     }
     auto summary = import(backup, true, progress);

@@ -108,6 +108,8 @@ class TallywiseBackupService {
     // failure no file and no temporary file is left. A write that fails is
     // writeFailed; a written file that does not validate fails with the
     // validation's error.
+    // The folder of `destination` is the user's: it must exist and is left
+    // as it is.
     Result<CreatedBackup, TallywiseBackupError> createBackup(
         const std::filesystem::path& destination, const BackupStageProgress& progress = {});
 
@@ -128,6 +130,9 @@ class TallywiseBackupService {
 
   private:
     Result<void, TallywiseBackupError> refuseWhileActive();
+    Result<CreatedBackup, TallywiseBackupError> writeVerifiedBackup(
+        const std::filesystem::path& destination, AtomicFileWriter::FolderPolicy folders,
+        const BackupStageProgress& progress);
     Result<BackupRestoreSummary, TallywiseBackupError> import(const ValidatedBackup& backup,
                                                               bool replacing,
                                                               const BackupStageProgress& progress);

@@ -7,6 +7,7 @@
 #include "bridge/browser_bridge_store.hpp"
 #include "bridge/browser_extension_status.hpp"
 #include "bridge/browser_installation.hpp"
+#include "portability/backup_records.hpp"
 #include "portability/export_model.hpp"
 #include "runtime/system_facts.hpp"
 #include "settings/json_file_defaults_domain.hpp"
@@ -70,6 +71,7 @@ portability::DiagnosticReportFacts gatherDiagnosticReportFacts(
     facts.appBuild = surroundings.appBuild;
     facts.operatingSystem = operatingSystemName();
     facts.architecture = std::string(portability::buildArchitectureText());
+    facts.backupFormatVersion = portability::kBackupFormatVersion;
     facts.exportFormatVersion = portability::kExportFormatVersion;
 
     settings::JsonFileDefaultsDomain defaults(

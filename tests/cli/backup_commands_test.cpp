@@ -170,5 +170,25 @@ TEST_F(BackupCommandsTest, ARestoreNeedsExactlyOneWayOfRestoring) {
         << help.out;
 }
 
+// An offline book session stores the away period and the no-input time it
+// declares as study as two confirmations in force over the same time: the
+// history the recorder wrote must back up and restore as it is.
+TEST_F(BackupCommandsTest, TheRecordersOwnOverlappingStudyConfirmationsBackUpAndRestore) {
+    record(R"(
+{"at":0,"do":"frontmost","bundle":"org.gnome.TextEditor","name":"Text Editor"}
+{"at":0,"do":"start","subject":"Novel","duration":86400,"mode":"offlineBookStudy"}
+{"at":60,"do":"noInput"}
+{"at":100,"do":"awayStart"}
+{"at":400,"do":"input"}
+{"at":400,"do":"awayEnd"}
+{"at":500,"do":"end"}
+)");
+    const CliRun backup = run({"backup", backupPath()});
+    ASSERT_EQ(backup.status, 0) << backup.err;
+    const CliRun restored = runElsewhere({"restore", backupPath(), "--merge"});
+    ASSERT_EQ(restored.status, 0) << restored.err;
+    EXPECT_EQ(sessionsElsewhere(), 1u);
+}
+
 }  // namespace
 }  // namespace lumenote::cli::testing

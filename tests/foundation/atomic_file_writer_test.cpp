@@ -138,5 +138,35 @@ TEST_F(AtomicFileWriterTest, AParentThatIsARegularFileIsRefusedBeforeAnythingIsW
     EXPECT_EQ(writer.error(), PrivateFileError::folderUnusable);
 }
 
+// A file saved into a folder the user chose leaves the folder's mode alone;
+// Lumenote's own folders are narrowed to the user.
+TEST_F(AtomicFileWriterTest, OnlyLumenotesOwnFoldersAreMadePrivate) {
+    using Policy = AtomicFileWriter::FolderPolicy;
+    const auto modeOf = [](const fs::path& path) {
+        return fs::status(path).permissions() & fs::perms::all;
+    };
+    const fs::path shared = home_.root() / "Documents";
+    fs::create_directories(shared);
+    fs::permissions(shared, fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec |
+                                fs::perms::others_read | fs::perms::others_exec);
+    const fs::perms before = modeOf(shared);
+    for (const Policy policy : {Policy::useAsItIs, Policy::ensurePrivate}) {
+        auto writer = AtomicFileWriter::create(shared / "history.tallywisebackup",
+                                               systemFileWriteOperations(),
+                                               private_file::Durability::synced, policy);
+        ASSERT_TRUE(writer);
+        ASSERT_TRUE(writer->append("{}"));
+        ASSERT_TRUE(writer->commit());
+        EXPECT_EQ(modeOf(shared), policy == Policy::useAsItIs ? before : fs::perms::owner_all);
+    }
+
+    const fs::path fresh = home_.root() / "new" / "nested";
+    auto writer =
+        AtomicFileWriter::create(fresh / "history.tallywisebackup", systemFileWriteOperations(),
+                                 private_file::Durability::synced, Policy::useAsItIs);
+    ASSERT_TRUE(writer) << "a missing folder is created";
+    EXPECT_EQ(modeOf(fresh), fs::perms::owner_all);
+}
+
 }  // namespace
 }  // namespace lumenote

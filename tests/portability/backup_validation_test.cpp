@@ -423,18 +423,25 @@ TEST(BackupValidationTest, IdentitiesMustBeUniqueWithinTheirKind) {
 }
 
 // Session 1's confirmations, in seconds from its start:
-//   first   0 |==========| 30          (from sessionJson)
-//   second   extra, drawn per case
+//   first   0 |==========| 30          (from sessionJson: study)
+//   second   extra, drawn per case     (a break unless the case says study)
 TEST(BackupValidationTest, ConfirmationsInForceMustNotOverlapWithinASession) {
-    const auto withSecond = [](double from, double to, std::optional<double> superseded) {
+    const auto withSecond = [](double from, double to, std::optional<double> superseded,
+                               std::string state = "confirmedBreak") {
         return [=](json& d) {
             const double start = session(d, 1)["startDate"].get<double>();
-            session(d, 1)["confirmedNoInputIntervals"].push_back(confirmationJson(
+            json second = confirmationJson(
                 9, start + from, start + to,
-                superseded ? std::optional<double>(start + *superseded) : std::nullopt));
+                superseded ? std::optional<double>(start + *superseded) : std::nullopt);
+            second["state"] = state;
+            session(d, 1)["confirmedNoInputIntervals"].push_back(std::move(second));
         };
     };
     expectCases({
+        //   0 |==========| 30              study
+        //          20 |==========| 50      study again (an away period inside the
+        //                                  time an offline book session declares)
+        {"the same state twice", withSecond(20, 50, std::nullopt, "passiveStudy"), {}, ""},
         //   0 |==========| 30
         //          20 |==========| 50
         {"overlapping by ten seconds", withSecond(20, 50, std::nullopt), {}, overlapping(9)},

@@ -277,11 +277,13 @@ TEST_F(BackupServiceTest, AReplaceNeedsTheTypedWordAndAVerifiedAutomaticBackup) 
 }
 
 TEST_F(BackupServiceTest, CurrentDataThatDoesNotValidateStopsAReplaceUnchanged) {
-    // Two confirmations in force over the same stretch: the automatic backup
-    // of this data would not validate, so it cannot be trusted to restore it.
+    // The same stretch confirmed in force as study and as a break: the
+    // automatic backup of this data would not validate, so it cannot be
+    // trusted to restore it.
     StudySession own = targetOwnSession();
     own.confirmedNoInputIntervals = {confirmation(60, own.id, own.startDate),
                                      confirmation(61, own.id, own.startDate.addingSeconds(100))};
+    own.confirmedNoInputIntervals[1].setState(recording::ConfirmedStudyState::confirmedBreak);
     recording::StoreChangeSet changes;
     changes.confirmedIntervals = own.confirmedNoInputIntervals;
     ASSERT_TRUE(target_.store->apply(changes));
