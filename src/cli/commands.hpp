@@ -44,7 +44,7 @@ void installExtensionCommands(CLI::App& app, CliContext& context);
 // unclassified activity of every session, and classifying it once.
 void installReviewCommands(CLI::App& app, CliContext& context);
 
-// `report [--feedback]`: the diagnostic report, or the feedback mail link.
+// `report [-o PATH] [--feedback]`: the diagnostic report, or the feedback mail link.
 void installReportCommand(CLI::App& app, CliContext& context);
 
 // `help [COMMAND...]`: the same help as `COMMAND... --help`.

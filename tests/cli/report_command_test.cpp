@@ -49,5 +49,18 @@ TEST_F(ReportCommandTest, NothingARecordedSessionHoldsAppearsInTheReport) {
     EXPECT_TRUE(contains(feedback.out, "mailto:"));
 }
 
+TEST_F(ReportCommandTest, TheReportIsSavedWholeOrNotAtAll) {
+    const std::filesystem::path file = home_.root() / "Desktop" / "report.txt";
+    const CliRun saved = run({"report", "-o", file.string()});
+    ASSERT_EQ(saved.status, 0) << saved.err;
+    EXPECT_EQ(saved.out, "Diagnostic report saved to " + file.string() + "\n");
+    EXPECT_TRUE(lumenote::testing::readFile(file).starts_with("Lumenote Diagnostic Report\n"));
+
+    lumenote::testing::writeFile(home_.root() / "plain", "not a folder");
+    const CliRun refused = run({"report", "-o", (home_.root() / "plain" / "r.txt").string()});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(contains(refused.err, "The diagnostic report could not be saved to "));
+}
+
 }  // namespace
 }  // namespace lumenote::cli::testing
