@@ -9,7 +9,7 @@ namespace lumenote::runtime {
 
 namespace {
 
-constexpr std::array<std::pair<RecorderCommand, std::string_view>, 7> kMethods{{
+constexpr std::array<std::pair<RecorderCommand, std::string_view>, 8> kMethods{{
     {RecorderCommand::togglePause, "TogglePause"},
     {RecorderCommand::endSession, "EndSession"},
     {RecorderCommand::startPassiveStudy, "StartPassiveStudy"},
@@ -17,6 +17,7 @@ constexpr std::array<std::pair<RecorderCommand, std::string_view>, 7> kMethods{{
     {RecorderCommand::status, "Status"},
     {RecorderCommand::browserEvents, "BrowserEvents"},
     {RecorderCommand::browserStatus, "BrowserStatus"},
+    {RecorderCommand::present, "Present"},
 }};
 
 constexpr std::string_view kIdleState = "idle";

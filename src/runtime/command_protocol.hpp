@@ -26,7 +26,8 @@ enum class RecorderCommand {
     returnToComputerStudy,
     status,
     browserEvents,  // answered with the browser event log, not the status
-    browserStatus   // answered with each browser's status text
+    browserStatus,  // answered with each browser's status text
+    present         // brings the recorder's window forward; answered with the status
 };
 
 // The D-Bus method of each command ("TogglePause", "Status", ...).

@@ -24,6 +24,7 @@ class CommandServiceObject : public QObject, protected QDBusContext {
     QString Status() { return currentStatus(); }
     QString BrowserEvents() { return QString::fromStdString(handler_.browserEvents()); }
     QString BrowserStatus() { return QString::fromStdString(handler_.browserStatus()); }
+    QString Present() { return answer(handler_.present()); }
 
   private:
     QString answer(const Result<void, std::string>& outcome) {

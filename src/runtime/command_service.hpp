@@ -35,6 +35,9 @@ class RecorderCommandHandler {
     // Each browser's status, as a JSON object from the browser's case name to
     // its lines of `browser status`.
     virtual std::string browserStatus() = 0;
+    // Brings the recorder's window forward (another start of the desktop
+    // application asks for it); refused where there is none to show.
+    virtual Result<void, std::string> present() = 0;
 };
 
 enum class CommandServiceFailure { noSessionBus, nameTaken, objectNotExported };
@@ -43,8 +46,8 @@ std::string commandServiceFailureMessage(CommandServiceFailure failure);
 // Exports kCommandServicePath with the methods TogglePause, EndSession,
 // StartPassiveStudy, ReturnToComputerStudy and Status, which return the status
 // document (command_protocol.hpp) after the command, and BrowserEvents, which
-// returns the browser event log, and BrowserStatus, which returns each
-// browser's status; a refused command replies
+// returns the browser event log, BrowserStatus, which returns each
+// browser's status, and Present; a refused command replies
 // with the kCommandRefusedError error carrying the handler's sentence.
 //
 // The name is requested without queueing and without allowing replacement,

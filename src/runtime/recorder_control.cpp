@@ -136,4 +136,11 @@ Result<std::map<std::string, std::string>, std::string> recorderBrowserStatus() 
     return texts;
 }
 
+Result<void, std::string> presentRecorder() {
+    if (auto answer = callRecorderCommand(RecorderCommand::present); !answer.ok()) {
+        return fail(commandClientErrorMessage(answer.error()));
+    }
+    return {};
+}
+
 }  // namespace lumenote::runtime

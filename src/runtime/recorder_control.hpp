@@ -28,4 +28,9 @@ Result<std::vector<bridge::BrowserEventLogEntry>, std::string> recorderBrowserEv
 // keyed by the browser's case name.
 Result<std::map<std::string, std::string>, std::string> recorderBrowserStatus();
 
+// Asks the running recorder to bring its window forward (a second start of
+// the desktop application). Fails with the sentence to show, including when
+// the recorder runs in a terminal.
+Result<void, std::string> presentRecorder();
+
 }  // namespace lumenote::runtime

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/result.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/personal_best.hpp"
 #include "recording/session_records.hpp"
@@ -28,14 +29,17 @@ class RecorderFrontEnd {
     virtual void showError(const std::string& message) = 0;
     // A new question about time without input waits for an answer.
     virtual void noInputQuestionArrived(const recording::NoInputClassificationPrompt& prompt) = 0;
-    // The session ended; `finished` is its final record when it could be
-    // read, `bests` the personal bests it set. The runtime stops after this
-    // call.
+    // A session ended; `finished` is its final record when it could be
+    // read, `bests` the personal bests it set. The runtime goes on: a front
+    // end that records one session stops it here.
     virtual void sessionEnded(const std::optional<recording::StudySession>& finished,
                               const std::vector<recording::PersonalBest>& bests) = 0;
     // The recorder stops for `reason` (a signal, the system shutting down)
     // with the session saved for recovery.
     virtual void terminated(const std::string& reason) = 0;
+    // Another start of the application asks this one to come forward; fails
+    // with the sentence to show when this front end has nothing to show.
+    virtual Result<void, std::string> present() = 0;
 };
 
 }  // namespace lumenote::runtime

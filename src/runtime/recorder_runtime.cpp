@@ -89,17 +89,13 @@ std::optional<std::string> RecorderRuntime::serveCommands() {
 Result<void, recording::SessionError> RecorderRuntime::start(
     const recording::SessionStartRequest& request) {
     auto started = shown(manager().start(request));
-    if (started.ok()) {
-        sessionStarted_ = true;
-    }
+    followSession();
     return started;
 }
 
 Result<void, recording::SessionError> RecorderRuntime::continueRecoveredSession() {
     auto continued = shown(manager().continueRecoveredSession());
-    if (continued.ok()) {
-        sessionStarted_ = true;
-    }
+    followSession();
     return continued;
 }
 
@@ -191,6 +187,10 @@ Result<void, std::string> RecorderRuntime::CommandAnswers::startPassiveStudy() {
 
 Result<void, std::string> RecorderRuntime::CommandAnswers::returnToComputerStudy() {
     return sentence(runtime_.returnToComputerStudy());
+}
+
+Result<void, std::string> RecorderRuntime::CommandAnswers::present() {
+    return runtime_.frontEnd_.present();
 }
 
 std::string RecorderRuntime::CommandAnswers::browserEvents() {
@@ -301,11 +301,17 @@ void RecorderRuntime::followSession() {
     if (stopped_) {
         return;
     }
-    if (sessionStarted_ && !manager().activeSession()) {
+    const auto& active = manager().activeSession();
+    if (followedSession_ && (!active || active->id != *followedSession_)) {
+        followedSession_.reset();
         frontEnd_.sessionEnded(manager().pendingPostSession(),
                                manager().pendingPostSessionPersonalBests());
-        stop(0);
-        return;
+        if (stopped_) {
+            return;
+        }
+    }
+    if (active) {
+        followedSession_ = active->id;
     }
     const auto& prompt = manager().pendingNoInputPrompt();
     if (prompt && questionTold_ != prompt->id) {

@@ -86,6 +86,7 @@ class RecorderRuntime final : public QObject {
         Result<void, std::string> startPassiveStudy() override;
         Result<void, std::string> returnToComputerStudy() override;
         RecorderStatus status() override { return runtime_.status(); }
+        Result<void, std::string> present() override;
         std::string browserEvents() override;
         std::string browserStatus() override;
 
@@ -102,7 +103,7 @@ class RecorderRuntime final : public QObject {
     // Keeps and shows the failure of `outcome`, then returns it.
     Result<void, recording::SessionError> shown(Result<void, recording::SessionError> outcome);
     void show(const recording::SessionError& error);
-    // Tells the front end of a new question and of the session's end.
+    // Tells the front end of a new question and of a session's end.
     void followSession();
 
     RecorderServices& services_;
@@ -118,7 +119,8 @@ class RecorderRuntime final : public QObject {
     std::unique_ptr<RecorderCommandService> commandService_;
     std::optional<std::string> lastError_;
     std::optional<Uuid> questionTold_;
-    bool sessionStarted_ = false;
+    // The active session as last seen, so that its end is told once.
+    std::optional<Uuid> followedSession_;
     bool stopped_ = false;
     int exitStatus_ = 0;
 };

@@ -73,15 +73,19 @@ struct RecorderServices::Parts {
     std::optional<bridge::BrowserSettingsBinding> browserSettings;
 };
 
-Result<std::unique_ptr<RecorderServices>, std::string> RecorderServices::open(
+Result<std::unique_ptr<RecorderServices>, ServicesOpenError> RecorderServices::open(
     const UserPaths& paths, std::vector<std::string>& warnings) {
     auto store = store::SqliteRecordingStore::open(store::storePath(paths));
     if (!store.ok()) {
-        return fail(store::storageOpenFailureMessage(store.error()));
+        return fail(ServicesOpenError{ServicesOpenError::Kind::storageUnavailable,
+                                      store::storageOpenFailureMessage(store.error())});
     }
     auto lock = store::RecorderLock::acquire(store::recorderLockPath(paths));
     if (!lock.ok()) {
-        return fail(store::recorderLockMessage(lock.error()));
+        const auto kind = lock.error().failure == store::RecorderLockFailure::heldByAnotherProcess
+                              ? ServicesOpenError::Kind::anotherRecorder
+                              : ServicesOpenError::Kind::lockUnusable;
+        return fail(ServicesOpenError{kind, store::recorderLockMessage(lock.error())});
     }
     auto parts = std::make_unique<Parts>(paths, std::move(store).value(), std::move(lock).value());
 
@@ -159,6 +163,14 @@ bridge::BridgeTrackingCoordinator& RecorderServices::browserTracking() {
 
 settings::PreferencesStore& RecorderServices::preferences() {
     return parts_->preferences;
+}
+
+recording::RecordingStore& RecorderServices::store() {
+    return *parts_->store;
+}
+
+Date RecorderServices::now() {
+    return parts_->wallClock.now();
 }
 
 const UserPaths& RecorderServices::paths() const {

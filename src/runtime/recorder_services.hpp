@@ -22,6 +22,17 @@
 
 namespace lumenote::runtime {
 
+// Why the recorder's services could not be opened, with the sentence to show.
+struct ServicesOpenError {
+    enum class Kind {
+        storageUnavailable,  // the store could not be opened: nothing can be recorded
+        anotherRecorder,     // another process records (the recorder lock is held)
+        lockUnusable         // the recorder lock could not be taken for another reason
+    };
+    Kind kind;
+    std::string message;
+};
+
 class RecorderServices {
   public:
     // Opens the store (refused while another recorder holds the lock), the
@@ -29,8 +40,7 @@ class RecorderServices {
     // up. Needs a Qt application object (the notifications use the session
     // bus). What start-up met that does not stop recording (no X display, a
     // damaged checkpoint) is appended to `warnings` as sentences to show.
-    // Fails with the sentence to show.
-    static Result<std::unique_ptr<RecorderServices>, std::string> open(
+    static Result<std::unique_ptr<RecorderServices>, ServicesOpenError> open(
         const UserPaths& paths, std::vector<std::string>& warnings);
     ~RecorderServices();
     RecorderServices(const RecorderServices&) = delete;
@@ -41,6 +51,9 @@ class RecorderServices {
     classification::ClassificationRules& rules();
     bridge::BridgeTrackingCoordinator& browserTracking();
     settings::PreferencesStore& preferences();
+    recording::RecordingStore& store();
+    // The wall clock's time now.
+    Date now();
     const UserPaths& paths() const;
     // Why the browser in front has its websites unrecorded, in one sentence;
     // empty when nothing is amiss.

@@ -85,7 +85,7 @@ int runRecorder(const RecorderOptions& options, const UserPaths& paths, std::ost
         err << warning << '\n';
     }
     if (!services.ok()) {
-        err << services.error() << '\n';
+        err << services.error().message << '\n';
         return 1;
     }
 

@@ -213,6 +213,13 @@ void TerminalRecorder::sessionEnded(const std::optional<recording::StudySession>
         }
         setup_.out << '\n' << sessionSummary(*finished, bests) << std::flush;
     }
+    // The terminal records one session.
+    runtime_.stop(0);
+}
+
+Result<void, std::string> TerminalRecorder::present() {
+    return fail(std::string(
+        "Lumenote is recording in a terminal (lumenote-cli record), which has no window to show."));
 }
 
 void TerminalRecorder::terminated(const std::string& reason) {

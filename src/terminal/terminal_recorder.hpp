@@ -60,6 +60,7 @@ class TerminalRecorder final : public QObject, public runtime::RecorderFrontEnd 
     void sessionEnded(const std::optional<recording::StudySession>& finished,
                       const std::vector<recording::PersonalBest>& bests) override;
     void terminated(const std::string& reason) override;
+    Result<void, std::string> present() override;
 
   private:
     enum class Question { none, subject, recovery, prompt, quit };

@@ -63,6 +63,9 @@ class StubRecorder final : public lumenote::runtime::RecorderCommandHandler {
     }
     std::string browserEvents() override { return R"({"events":[]})"; }
     std::string browserStatus() override { return "{}"; }
+    Result<void, std::string> present() override {
+        return lumenote::fail(std::string("The probe has no window."));
+    }
     lumenote::runtime::RecorderStatus status() override {
         lumenote::runtime::RecorderStatus status;
         status.sessionActive = active_;

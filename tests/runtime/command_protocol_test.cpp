@@ -26,7 +26,8 @@ TEST(RecorderCommandMethod, EveryCommandRoundTripsThroughItsMethodName) {
     for (const RecorderCommand command :
          {RecorderCommand::togglePause, RecorderCommand::endSession,
           RecorderCommand::startPassiveStudy, RecorderCommand::returnToComputerStudy,
-          RecorderCommand::status}) {
+          RecorderCommand::status, RecorderCommand::browserEvents, RecorderCommand::browserStatus,
+          RecorderCommand::present}) {
         const auto method = recorderCommandMethod(command);
         ASSERT_FALSE(method.empty());
         EXPECT_EQ(recorderCommandFromMethod(method), command) << method;

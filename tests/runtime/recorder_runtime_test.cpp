@@ -32,6 +32,10 @@ class RecordingFrontEnd final : public RecorderFrontEnd {
         calls.push_back(finished ? "ended " + finished->subject : "ended");
     }
     void terminated(const std::string& reason) override { calls.push_back("terminated " + reason); }
+    Result<void, std::string> present() override {
+        calls.push_back("present");
+        return {};
+    }
 
     std::vector<std::string> calls;
     int refreshes = 0;
@@ -52,7 +56,7 @@ class RecorderRuntimeTest : public ::testing::Test {
 
     std::unique_ptr<RecorderServices> open(std::vector<std::string>& warnings) {
         auto services = RecorderServices::open(home_.paths(), warnings);
-        EXPECT_TRUE(services.ok()) << (services.ok() ? "" : services.error());
+        EXPECT_TRUE(services.ok()) << (services.ok() ? "" : services.error().message);
         return services.ok() ? std::move(services).value() : nullptr;
     }
 
@@ -89,7 +93,8 @@ TEST_F(RecorderRuntimeTest, ASecondRecorderIsRefusedWhileTheFirstHoldsTheLock) {
     ASSERT_TRUE(first);
     auto second = RecorderServices::open(home_.paths(), warnings);
     ASSERT_FALSE(second.ok());
-    EXPECT_FALSE(second.error().empty());
+    EXPECT_EQ(second.error().kind, ServicesOpenError::Kind::anotherRecorder);
+    EXPECT_NE(second.error().message.find("is already recording"), std::string::npos);
     first.reset();
     EXPECT_TRUE(RecorderServices::open(home_.paths(), warnings).ok());
 }
@@ -119,7 +124,7 @@ TEST_F(RecorderRuntimeTest, EveryRefusalIsKeptAndShownOnce) {
     EXPECT_FALSE(runtime.stopped());
 }
 
-TEST_F(RecorderRuntimeTest, CommandsAreToldToTheFrontEndAndTheEndStopsTheLoop) {
+TEST_F(RecorderRuntimeTest, CommandsAreToldToTheFrontEndAndEachEndOnce) {
     std::vector<std::string> warnings;
     auto services = open(warnings);
     ASSERT_TRUE(services);
@@ -145,9 +150,19 @@ TEST_F(RecorderRuntimeTest, CommandsAreToldToTheFrontEndAndTheEndStopsTheLoop) {
                   "error " + recording::sessionFailureMessage(
                                  recording::SessionFailure::noPassiveStudyPeriod),
                   "ended Biology"}));
-    EXPECT_TRUE(runtime.stopped());
-    EXPECT_EQ(runtime.exitStatus(), 0);
     EXPECT_FALSE(runtime.manager().activeSession());
+
+    // The loop goes on for the desktop's next session; its end is told too,
+    // and nothing is told twice.
+    EXPECT_FALSE(runtime.stopped());
+    frontEnd_.calls.clear();
+    ASSERT_TRUE(runtime.start(request("Chemistry")).ok());
+    ASSERT_TRUE(runtime.endAsInterrupted().ok());
+    EXPECT_FALSE(runtime.end().ok());
+    EXPECT_EQ(frontEnd_.calls,
+              (std::vector<std::string>{
+                  "ended Chemistry", "error " + recording::sessionFailureMessage(
+                                                    recording::SessionFailure::noActiveSession)}));
 }
 
 TEST_F(RecorderRuntimeTest, TerminationKeepsTheSessionForRecovery) {

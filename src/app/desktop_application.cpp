@@ -1,0 +1,270 @@
+#include "app/desktop_application.hpp"
+
+#include <QApplication>
+#include <QMessageBox>
+
+#include "app/tray_icons.hpp"
+#include "ui/questions.hpp"
+#include "ui/tray_panel.hpp"
+
+namespace lumenote::app {
+
+namespace {
+
+QString qt(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+DesktopApplication::DesktopApplication(AppDependencies dependencies, Options options)
+    : dependencies_(std::move(dependencies)), options_(options) {
+    runtime_ = std::make_unique<runtime::RecorderRuntime>(*dependencies_.services, *this);
+    panel_ = std::make_unique<ui::TrayPanel>(*runtime_, *dependencies_.templateStore);
+    panel_->setWindowIcon(applicationIcon());
+    TallywiseStatusItemController::Actions actions;
+    actions.command = [this](shell::AppCommand command) { perform(command); };
+    actions.openPanel = [this](const QPoint& anchor) { openPanel(anchor); };
+    actions.checkForUpdates = [] {
+        QMessageBox::information(nullptr, QStringLiteral("Lumenote"),
+                                 qt(shell::kUpdatesFromPackageManager));
+    };
+    actions.quit = [this] { requestQuit(); };
+    statusItem_ =
+        std::make_unique<TallywiseStatusItemController>(runtime_->manager(), std::move(actions));
+}
+
+DesktopApplication::~DesktopApplication() {
+    if (preferencesObservation_ != 0) {
+        dependencies_.services->preferences().removeObserver(preferencesObservation_);
+    }
+}
+
+std::vector<std::string> DesktopApplication::begin() {
+    settings::PreferencesStore& preferences = dependencies_.services->preferences();
+    dependencies_.appearanceController->apply(preferences.appearance());
+    preferencesObservation_ = preferences.addObserver(
+        [this](settings::PreferenceProperty property) { onPreferenceChanged(property); });
+
+    std::vector<std::string> gaps = runtime_->begin();
+    if (const auto unserved = runtime_->serveCommands()) {
+        gaps.push_back(*unserved);
+    }
+    statusItem_->show();
+    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
+        gaps.push_back(
+            "This desktop shows no tray icons, so Lumenote opens its panel in a window instead.");
+    }
+    for (const std::string& warning : dependencies_.startupWarnings) {
+        panel_->showError(QString::fromStdString(warning));
+    }
+    if (runtime_->manager().pendingRecoverySession()) {
+        offerRecovery();
+    } else if (!options_.startHidden || !QSystemTrayIcon::isSystemTrayAvailable()) {
+        openPanel(statusItem_->panelAnchor());
+    }
+    return gaps;
+}
+
+void DesktopApplication::perform(shell::AppCommand command) {
+    switch (command) {
+        case shell::AppCommand::togglePause:
+            (void)runtime_->togglePause();
+            break;
+        case shell::AppCommand::startPassiveStudy:
+            (void)runtime_->startPassiveStudy();
+            break;
+        case shell::AppCommand::returnToComputerStudy:
+            (void)runtime_->returnToComputerStudy();
+            break;
+        case shell::AppCommand::endSession:
+            (void)runtime_->end();
+            break;
+        case shell::AppCommand::newSession:
+            if (!runtime_->manager().activeSession()) {
+                runtime_->manager().clearPendingPostSession();
+                panel_->reloadStartForm();
+            }
+            openPanel(statusItem_->panelAnchor());
+            break;
+        // The pages of the main window; until it opens them the panel shows
+        // the recorder's state.
+        case shell::AppCommand::navigateToday:
+        case shell::AppCommand::navigateReplay:
+        case shell::AppCommand::navigateHistory:
+        case shell::AppCommand::navigateInsights:
+        case shell::AppCommand::navigateSettings:
+        case shell::AppCommand::reviewUnclassified:
+            openPanel(statusItem_->panelAnchor());
+            break;
+    }
+    refresh();
+}
+
+void DesktopApplication::openPanel(const QPoint& anchor) {
+    panel_->popUp(anchor);
+}
+
+void DesktopApplication::offerRecovery() {
+    recording::SessionManager& manager = runtime_->manager();
+    const auto& session = manager.pendingRecoverySession();
+    const auto& summary = manager.pendingRecoverySummary();
+    if (!session || !summary) {
+        return;
+    }
+    auto* question = new ui::RecoveryQuestion(*summary, session->subject, LocalCalendar::current());
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setWindowIcon(applicationIcon());
+    connect(question, &ui::RecoveryQuestion::continueChosen, this, [this] {
+        (void)runtime_->continueRecoveredSession();
+        refresh();
+    });
+    connect(question, &ui::RecoveryQuestion::endChosen, this, [this] {
+        (void)runtime_->endRecoveredSession();
+        panel_->reloadStartForm();
+        refresh();
+    });
+    question->show();
+    question->raise();
+    question->activateWindow();
+}
+
+void DesktopApplication::requestQuit() {
+    const bool active = runtime_->manager().activeSession().has_value();
+    switch (shell::quitDecision(shell::QuitReason::userQuit, active, decidingTermination_)) {
+        case shell::QuitDecision::quitNow:
+            quitNow();
+            return;
+        case shell::QuitDecision::alreadyAsking:
+            if (quitQuestion_) {
+                quitQuestion_->raise();
+                quitQuestion_->activateWindow();
+            }
+            return;
+        case shell::QuitDecision::leaveForRecovery:
+        case shell::QuitDecision::askAboutSession:
+            break;
+    }
+    decidingTermination_ = true;
+    quitQuestion_ = ui::makeQuitQuestion();
+    quitQuestion_->setWindowIcon(applicationIcon());
+    connect(quitQuestion_.get(), &QMessageBox::finished, this, [this] {
+        const shell::QuitChoice choice = ui::quitChoiceOf(*quitQuestion_);
+        quitQuestion_.release()->deleteLater();
+        decidingTermination_ = false;
+        answerQuitQuestion(choice);
+    });
+    quitQuestion_->open();
+    quitQuestion_->raise();
+    quitQuestion_->activateWindow();
+}
+
+void DesktopApplication::answerQuitQuestion(shell::QuitChoice choice) {
+    switch (choice) {
+        case shell::QuitChoice::keepRunning:
+            return;
+        case shell::QuitChoice::endSessionAndQuit:
+            quitting_ = true;
+            if (runtime_->manager().activeSession() && !runtime_->end().ok()) {
+                // The session could not be ended: keep running and show why.
+                quitting_ = false;
+                openPanel(statusItem_->panelAnchor());
+                return;
+            }
+            quitNow();
+            return;
+        case shell::QuitChoice::quitAndMarkInterrupted:
+            quitting_ = true;
+            if (runtime_->manager().activeSession() && !runtime_->endAsInterrupted().ok()) {
+                quitting_ = false;
+                openPanel(statusItem_->panelAnchor());
+                return;
+            }
+            quitNow();
+            return;
+    }
+}
+
+void DesktopApplication::quitNow() {
+    quitting_ = true;
+    panel_->hide();
+    statusItem_->statusItem().hide();
+    // Whatever is still active is kept for recovery, never lost.
+    if (runtime_->manager().activeSession()) {
+        runtime_->manager().willTerminate();
+    }
+    runtime_->stop(0);
+}
+
+void DesktopApplication::refresh() {
+    statusItem_->refresh();
+    if (panel_->isVisible()) {
+        panel_->refresh();
+    }
+    // A question answered elsewhere (another front end's command) goes away.
+    const auto& pending = runtime_->manager().pendingNoInputPrompt();
+    if (noInputQuestion_ && (!pending || pending->id != noInputQuestion_->prompt().id)) {
+        noInputQuestion_->deleteLater();
+        noInputQuestion_.clear();
+    }
+}
+
+void DesktopApplication::controlled(runtime::RecorderControl) {
+    refresh();
+}
+
+void DesktopApplication::showError(const std::string& message) {
+    panel_->showError(QString::fromStdString(message));
+}
+
+void DesktopApplication::noInputQuestionArrived(
+    const recording::NoInputClassificationPrompt& prompt) {
+    if (noInputQuestion_) {
+        noInputQuestion_->deleteLater();
+    }
+    auto* question = new ui::NoInputQuestion(prompt, LocalCalendar::current());
+    question->setAttribute(Qt::WA_DeleteOnClose);
+    question->setWindowIcon(applicationIcon());
+    connect(question, &ui::NoInputQuestion::answered, this,
+            [this](recording::SessionManager::NoInputPromptAnswer answer) {
+                (void)runtime_->answerNoInputQuestion(answer);
+                refresh();
+            });
+    noInputQuestion_ = question;
+    question->show();
+    question->raise();
+    question->activateWindow();
+}
+
+void DesktopApplication::sessionEnded(const std::optional<recording::StudySession>&,
+                                      const std::vector<recording::PersonalBest>&) {
+    statusItem_->refresh();
+    if (quitting_) {
+        return;
+    }
+    // The summary is offered where the session was watched.
+    openPanel(statusItem_->panelAnchor());
+}
+
+void DesktopApplication::terminated(const std::string&) {
+    quitting_ = true;
+    panel_->hide();
+    if (noInputQuestion_) {
+        noInputQuestion_->deleteLater();
+    }
+}
+
+Result<void, std::string> DesktopApplication::present() {
+    openPanel(statusItem_->panelAnchor());
+    return {};
+}
+
+void DesktopApplication::onPreferenceChanged(settings::PreferenceProperty property) {
+    if (property == settings::PreferenceProperty::appearance) {
+        dependencies_.appearanceController->apply(
+            dependencies_.services->preferences().appearance());
+        statusItem_->redrawAll();
+    }
+}
+
+}  // namespace lumenote::app

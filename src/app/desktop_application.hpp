@@ -1,0 +1,103 @@
+// The desktop application: the second front end of the recorder runtime. It
+// is built once at start-up with everything it wires together (the
+// dependencies below) and lives until the process quits: the tray's status
+// item and panel, the questions, the appearance, and the quit decision. It
+// keeps no recording state: every figure it shows is read from the session
+// manager, every control ends in a call on the runtime.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/status_item_controller.hpp"
+#include "runtime/recorder_front_end.hpp"
+#include "runtime/recorder_runtime.hpp"
+#include "settings/file_session_template_repository.hpp"
+#include "settings/session_template_store.hpp"
+#include "shell/app_commands.hpp"
+#include "shell/quit_decision.hpp"
+#include "ui/appearance.hpp"
+
+class QMessageBox;
+
+namespace lumenote::ui {
+class NoInputQuestion;
+class TrayPanel;
+}  // namespace lumenote::ui
+
+namespace lumenote::app {
+
+// Created once at start-up and kept for the life of the process. Start-up
+// failed when `services` is absent; `startupFailure` then says why.
+struct AppDependencies {
+    std::unique_ptr<runtime::RecorderServices> services;
+    std::optional<std::string> persistenceWarning;
+    std::optional<std::string> startupFailure;
+    std::unique_ptr<settings::FileSessionTemplateRepository> templateRepository;
+    std::unique_ptr<settings::SessionTemplateStore> templateStore;
+    std::unique_ptr<ui::AppearanceController> appearanceController;
+    std::vector<std::string> startupWarnings;
+};
+
+class DesktopApplication final : public QObject, public runtime::RecorderFrontEnd {
+    Q_OBJECT
+
+  public:
+    struct Options {
+        bool startHidden = false;  // the panel is not opened at launch
+    };
+
+    // Takes the services opened at start-up; wires the runtime, the tray and
+    // the questions.
+    DesktopApplication(AppDependencies dependencies, Options options);
+    ~DesktopApplication() override;
+
+    // Starts the runtime and shows the status item; offers recovery when an
+    // unfinished session waits. Returns what could not be set up.
+    std::vector<std::string> begin();
+
+    // The application-wide commands, whoever posts them.
+    void perform(shell::AppCommand command);
+    // The user asked to quit (the tray's Quit).
+    void requestQuit();
+
+    // RecorderFrontEnd
+    void refresh() override;
+    void controlled(runtime::RecorderControl control) override;
+    void showError(const std::string& message) override;
+    void noInputQuestionArrived(const recording::NoInputClassificationPrompt& prompt) override;
+    void sessionEnded(const std::optional<recording::StudySession>& finished,
+                      const std::vector<recording::PersonalBest>& bests) override;
+    void terminated(const std::string& reason) override;
+    Result<void, std::string> present() override;
+
+    runtime::RecorderRuntime& runtime() { return *runtime_; }
+    ui::TrayPanel& panel() { return *panel_; }
+    TallywiseStatusItemController& statusItem() { return *statusItem_; }
+    bool decidingTermination() const { return decidingTermination_; }
+
+  private:
+    void openPanel(const QPoint& anchor);
+    void offerRecovery();
+    void answerQuitQuestion(shell::QuitChoice choice);
+    void quitNow();
+    void onPreferenceChanged(settings::PreferenceProperty property);
+
+    AppDependencies dependencies_;
+    Options options_;
+    std::unique_ptr<runtime::RecorderRuntime> runtime_;
+    std::unique_ptr<ui::TrayPanel> panel_;
+    std::unique_ptr<TallywiseStatusItemController> statusItem_;
+    QPointer<ui::NoInputQuestion> noInputQuestion_;
+    std::unique_ptr<QMessageBox> quitQuestion_;
+    settings::PreferencesStore::Observers::Token preferencesObservation_ = 0;
+    bool decidingTermination_ = false;
+    bool quitting_ = false;
+};
+
+}  // namespace lumenote::app

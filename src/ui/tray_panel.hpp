@@ -1,0 +1,103 @@
+// The tray panel: a small window near the tray icon in one of three states.
+// With no session it offers the start form, one-click template starts and
+// today's study time against the daily goal; during a session it shows the
+// subject, the timer, what is in front with its class and the controls;
+// after a session it shows the post-session summary. It reads the recorder's
+// state when it is drawn and forwards every control to the recorder runtime.
+#pragma once
+
+#include <QFrame>
+
+#include <vector>
+
+#include "runtime/recorder_runtime.hpp"
+#include "settings/session_template_store.hpp"
+
+class QBoxLayout;
+class QGridLayout;
+class QLabel;
+class QPushButton;
+class QStackedWidget;
+
+namespace lumenote::ui {
+
+class ClassificationChip;
+class GoalRing;
+class StartSessionForm;
+
+class TrayPanel final : public QFrame {
+    Q_OBJECT
+
+  public:
+    enum class Page { start, session, summary };
+
+    // `runtime` and `templates` must outlive the panel.
+    TrayPanel(runtime::RecorderRuntime& runtime, settings::SessionTemplateStore& templates,
+              QWidget* parent = nullptr);
+
+    // Shows the panel with its top-left corner near `anchor` (the tray icon
+    // or the pointer), kept on the screen, and gives it the keyboard.
+    void popUp(const QPoint& anchor);
+    // Reads the recorder again and redraws the page that fits its state.
+    void refresh();
+    // The start form is filled afresh from the preferences and the history.
+    void reloadStartForm();
+    // A sentence shown in the banner at the top until the next refresh of
+    // the page it belongs to.
+    void showError(const QString& message);
+    Page page() const { return page_; }
+    StartSessionForm& startForm() { return *form_; }
+
+  Q_SIGNALS:
+    // A session started from the panel.
+    void sessionStarted();
+
+  protected:
+    void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    QWidget* buildStartPage();
+    QWidget* buildSessionPage();
+    QWidget* buildSummaryPage();
+    void showPage(Page page);
+    void refreshStartPage();
+    void refreshSessionPage();
+    void refreshSummaryPage();
+    void startFromForm();
+    void startFromTemplate(const Uuid& templateID);
+    void started(const recording::SessionStartRequest& request);
+
+    runtime::RecorderRuntime& runtime_;
+    settings::SessionTemplateStore& templates_;
+    Page page_ = Page::start;
+    QLabel* banner_;
+    QStackedWidget* pages_;
+    // start
+    GoalRing* ring_;
+    QLabel* today_;
+    QBoxLayout* templateButtons_;
+    StartSessionForm* form_;
+    // session
+    QLabel* subject_;
+    QLabel* goal_;
+    QLabel* elapsed_;
+    QLabel* remaining_;
+    QLabel* activity_;
+    ClassificationChip* chip_;
+    QLabel* split_;
+    QPushButton* pause_;
+    QPushButton* away_;
+    QPushButton* end_;
+    // summary
+    QLabel* summaryHeading_;
+    QLabel* summarySubtitle_;
+    QGridLayout* summaryTotals_;
+    QLabel* summaryScore_;
+    QLabel* summaryCoverage_;
+    QLabel* summaryBests_;
+    QLabel* celebration_;
+    QPushButton* done_;
+};
+
+}  // namespace lumenote::ui
