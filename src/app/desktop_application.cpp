@@ -2,8 +2,14 @@
 
 #include <QApplication>
 #include <QMessageBox>
+#include <QSocketNotifier>
+#include <cstdlib>
+#include <iostream>
 
 #include "app/tray_icons.hpp"
+#include "platform/linux/x11_hotkey_grabber.hpp"
+#include "recording/session_notices.hpp"
+#include "shell/global_hotkey_coordinator.hpp"
 #include "ui/questions.hpp"
 #include "ui/tray_panel.hpp"
 
@@ -35,6 +41,8 @@ DesktopApplication::DesktopApplication(AppDependencies dependencies, Options opt
 }
 
 DesktopApplication::~DesktopApplication() {
+    hotkeyEvents_.reset();
+    hotkeyController_.reset();
     if (preferencesObservation_ != 0) {
         dependencies_.services->preferences().removeObserver(preferencesObservation_);
     }
@@ -51,6 +59,7 @@ std::vector<std::string> DesktopApplication::begin() {
         gaps.push_back(*unserved);
     }
     statusItem_->show();
+    startGlobalShortcut();
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         gaps.push_back(
             "This desktop shows no tray icons, so Lumenote opens its panel in a window instead.");
@@ -197,6 +206,11 @@ void DesktopApplication::quitNow() {
 }
 
 void DesktopApplication::refresh() {
+    // Xlib may have read a key press off the socket during its own calls,
+    // where the socket notifier cannot see it.
+    if (hotkeyGrabber_ && hotkeyGrabber_->processEvents()) {
+        hotkeyController_->service().trigger();
+    }
     statusItem_->refresh();
     if (panel_->isVisible()) {
         panel_->refresh();
@@ -209,8 +223,26 @@ void DesktopApplication::refresh() {
     }
 }
 
-void DesktopApplication::controlled(runtime::RecorderControl) {
+void DesktopApplication::controlled(runtime::RecorderControl control) {
     refresh();
+    if (control == runtime::RecorderControl::end) {
+        announceEndedElsewhere();
+    }
+}
+
+// A session ended from another process (lumenote-cli end, a desktop
+// shortcut) is announced as a completed timer is: the user may not be
+// looking at the panel.
+void DesktopApplication::announceEndedElsewhere() {
+    runtime::RecorderServices& services = *dependencies_.services;
+    const auto& finished = runtime_->manager().pendingPostSession();
+    if (!finished || !services.preferences().notificationsEnabled()) {
+        return;
+    }
+    const recording::SessionNotice notice = recording::timerCompletionNotice(
+        finished->subject, finished->timerDuration,
+        services.preferences().notificationsIncludeSubject());
+    services.notifications().post(notice.title, notice.body);
 }
 
 void DesktopApplication::showError(const std::string& message) {
@@ -257,6 +289,44 @@ void DesktopApplication::terminated(const std::string&) {
 Result<void, std::string> DesktopApplication::present() {
     openPanel(statusItem_->panelAnchor());
     return {};
+}
+
+void DesktopApplication::startGlobalShortcut() {
+    auto grabber = platform::linux_desktop::X11HotkeyGrabber::open(
+        [](const char* name) { return std::getenv(name); });
+    if (grabber.ok()) {
+        hotkeyGrabber_ = std::move(grabber).value();
+        hotkeyEvents_ = std::make_unique<QSocketNotifier>(hotkeyGrabber_->fileDescriptor(),
+                                                          QSocketNotifier::Read);
+        connect(hotkeyEvents_.get(), &QSocketNotifier::activated, this, [this] {
+            if (hotkeyGrabber_->processEvents()) {
+                hotkeyController_->service().trigger();
+            }
+        });
+    }
+    hotkeyController_ = std::make_unique<shell::GlobalHotkeyCoordinator>(
+        dependencies_.services->preferences(), hotkeyGrabber_.get());
+    shell::GlobalHotkeyService& service = hotkeyController_->service();
+    service.setOnTrigger([this] { onShortcut(); });
+    const auto report = [](const shell::GlobalHotkeyRegistrationState& state) {
+        if (state.kind == shell::GlobalHotkeyRegistrationState::Kind::unavailable) {
+            std::cerr << "Global shortcut: " << state.message << std::endl;
+        }
+    };
+    report(service.state());
+    service.stateObservers().add(report);
+}
+
+// With no session the shortcut opens the panel, so that a session is always
+// started deliberately; during one it pauses or resumes it without bringing
+// anything forward.
+void DesktopApplication::onShortcut() {
+    if (!runtime_->manager().activeSession()) {
+        openPanel(statusItem_->panelAnchor());
+        return;
+    }
+    (void)runtime_->togglePause();
+    refresh();
 }
 
 void DesktopApplication::onPreferenceChanged(settings::PreferenceProperty property) {

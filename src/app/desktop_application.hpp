@@ -24,6 +24,14 @@
 #include "ui/appearance.hpp"
 
 class QMessageBox;
+class QSocketNotifier;
+
+namespace lumenote::platform::linux_desktop {
+class X11HotkeyGrabber;
+}
+namespace lumenote::shell {
+class GlobalHotkeyCoordinator;
+}
 
 namespace lumenote::ui {
 class NoInputQuestion;
@@ -87,12 +95,20 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     void answerQuitQuestion(shell::QuitChoice choice);
     void quitNow();
     void onPreferenceChanged(settings::PreferenceProperty property);
+    // The global shortcut: grabbed on the X display where there is one,
+    // otherwise unavailable with its sentence.
+    void startGlobalShortcut();
+    void onShortcut();
+    void announceEndedElsewhere();
 
     AppDependencies dependencies_;
     Options options_;
     std::unique_ptr<runtime::RecorderRuntime> runtime_;
     std::unique_ptr<ui::TrayPanel> panel_;
     std::unique_ptr<TallywiseStatusItemController> statusItem_;
+    std::unique_ptr<platform::linux_desktop::X11HotkeyGrabber> hotkeyGrabber_;
+    std::unique_ptr<shell::GlobalHotkeyCoordinator> hotkeyController_;
+    std::unique_ptr<QSocketNotifier> hotkeyEvents_;
     QPointer<ui::NoInputQuestion> noInputQuestion_;
     std::unique_ptr<QMessageBox> quitQuestion_;
     settings::PreferencesStore::Observers::Token preferencesObservation_ = 0;

@@ -169,6 +169,10 @@ recording::RecordingStore& RecorderServices::store() {
     return *parts_->store;
 }
 
+recording::NotificationService& RecorderServices::notifications() {
+    return parts_->notifications;
+}
+
 Date RecorderServices::now() {
     return parts_->wallClock.now();
 }

@@ -52,6 +52,8 @@ class RecorderServices {
     bridge::BridgeTrackingCoordinator& browserTracking();
     settings::PreferencesStore& preferences();
     recording::RecordingStore& store();
+    // The desktop's notification server (every notice the recorder posts).
+    recording::NotificationService& notifications();
     // The wall clock's time now.
     Date now();
     const UserPaths& paths() const;

@@ -1,0 +1,211 @@
+#!/usr/bin/env bash
+# End-to-end test of the desktop application `lumenote` on a real X server
+# (Xvfb with openbox), private session and system buses with a test logind,
+# a test notification server and a test StatusNotifierWatcher, so that the
+# tray icon is a StatusNotifierItem on the bus that the test reads and
+# drives as a tray host would (tray_driver.py).
+#
+# Checks: the tray item appears with the idle tooltip and its menu; a
+# session started from the tray menu's "New Study Session" and the panel's
+# form records window switches made with xdotool; the global shortcut
+# pauses and resumes it; a combination another X client holds makes the
+# shortcut unavailable with its sentence; `lumenote-cli end` completes the
+# session and a notification reaches the test server; a second start of
+# lumenote brings the first forward; quitting through the tray menu during a
+# session asks the quit question and "Quit and Mark Session Interrupted"
+# leaves an interrupted session; after kill -9 the next start offers
+# recovery. Screenshots of the panel in each state, light and dark, and of
+# the questions are written to BIN_DIR/../screenshots.
+#
+# Usage: desktop_app_test.sh BIN_DIR
+set -euo pipefail
+
+bin=${1:?usage: desktop_app_test.sh BIN_DIR}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cli="$bin/lumenote-cli"
+app="$bin/lumenote"
+shots=$(cd "$bin/.." && pwd)/screenshots
+mkdir -p "$shots"
+
+deadline_seconds=30
+work=$(mktemp -d)
+background=()
+source "$here/desktop_session.sh"
+trap cleanup EXIT
+start_desktop_session
+export QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$work/runtime"
+mkdir -m 700 "$work/runtime"
+unset QT_STYLE_OVERRIDE
+
+timeout 600 "$python" "$here/fake_status_notifier_watcher.py" --record "$work/items.jsonl" \
+    >"$work/watcher.log" 2>&1 &
+background+=($!)
+poll_until "the test tray host" has_owner "$DBUS_SESSION_BUS_ADDRESS" org.kde.StatusNotifierWatcher
+: >"$work/items.jsonl"
+
+tray() { timeout 10 "$python" "$here/tray_driver.py" "$work/items.jsonl" "$@"; }
+tooltip_is() { [[ "$(tray tooltip 2>/dev/null)" == "$1" ]]; }
+tooltip_starts() { [[ "$(tray tooltip 2>/dev/null)" == "$1"* ]]; }
+item_registered() { [[ -s "$work/items.jsonl" ]]; }
+panel_window() {
+    panel=$(timeout 5 xdotool search --onlyvisible --name '^Lumenote$' 2>/dev/null | head -n1)
+    [[ -n "$panel" ]]
+}
+panel_hidden() { ! panel_window; }
+window_named() {
+    named=$(timeout 5 xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1)
+    [[ -n "$named" ]]
+}
+shot() { timeout 10 "$bin/lumenote-window-shot" "$1" "$shots/$2.png" || fail "no screenshot $2"; }
+app_running() { kill -0 "$app_pid" 2>/dev/null; }
+app_gone() { ! kill -0 "$app_pid" 2>/dev/null; }
+
+start_app() {
+    : >"$work/items.jsonl"
+    timeout 600 "$app" "$@" >>"$work/app.out" 2>>"$work/app.err" &
+    app_pid=$!
+    background+=($app_pid)
+    poll_until "the tray item" item_registered
+}
+
+# The shortcut is Ctrl+Alt+S (control 0x1000, option 0x800, key code 1).
+"$cli" prefs set shortcuts.globalHotkeyEnabled true >/dev/null
+"$cli" prefs set shortcuts.globalHotkeyKeyCode 1 >/dev/null
+"$cli" prefs set shortcuts.globalHotkeyModifiers 6144 >/dev/null
+"$cli" prefs set notifications.enabled true >/dev/null
+"$cli" prefs set general.appearance light >/dev/null
+
+start_client LumenoteAlpha
+alpha=$window
+start_client LumenoteBeta
+beta=$window
+"$cli" rules set-app LumenoteAlpha focused >/dev/null
+"$cli" rules set-app LumenoteBeta distracting >/dev/null
+
+# ---- start-up: the tray item with the idle tooltip, and its menu
+start_app --hidden
+poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
+menu=$(tray menu)
+for title in "Open Lumenote" "New Study Session" "Pause or Resume Session" "Check for Updates…" \
+    "Quit"; do
+    grep -qF "\"label\": \"$title\"" <<<"$menu" || fail "the tray menu misses $title: $menu"
+done
+[[ "$("$cli" status)" == *"No study session"* || "$("$cli" status)" == *idle* ]] ||
+    fail "status while idle: $("$cli" status)"
+
+# ---- a session from the tray menu's form
+tray click "New Study Session"
+poll_until "the panel" panel_window
+shot "$panel" panel-start-light
+activate "$panel"
+timeout 5 xdotool type --delay 20 "Biology"
+timeout 5 xdotool key Return
+poll_until "a running session" tooltip_starts "Lumenote. Recording, "
+[[ "$("$cli" status)" == *Biology* ]] || fail "status after the start: $("$cli" status)"
+
+activate "$alpha"
+sleep 2.2
+activate "$beta"
+sleep 2.2
+activate "$alpha"
+sleep 1.2
+
+# ---- the global shortcut pauses and resumes without bringing anything forward
+timeout 5 xdotool key ctrl+alt+s
+poll_until "the shortcut's pause" tooltip_starts "Lumenote. Paused at "
+timeout 5 xdotool key ctrl+alt+s
+poll_until "the shortcut's resume" tooltip_starts "Lumenote. Recording, "
+
+# ---- the panel during a session, light and dark
+tray activate
+poll_until "the panel" panel_window
+shot "$panel" panel-session-light
+"$cli" prefs set general.appearance dark >/dev/null
+sleep 2.2
+shot "$panel" panel-session-dark
+"$cli" prefs set general.appearance light >/dev/null
+
+# ---- a combination another client holds: unavailable with its sentence
+# Ctrl+Alt+K (key code 40) held by another client first.
+# The probe holds its grab while its input stays open.
+timeout 60 "$bin/lumenote-hotkey-probe" 40 6144 < <(sleep 60) >"$work/probe.out" 2>&1 &
+probe=$!
+background+=($probe)
+poll_until "the other client's grab" grep -q registered "$work/probe.out"
+"$cli" prefs set shortcuts.globalHotkeyKeyCode 40 >/dev/null
+sentence_logged() { grep -q "is already used by macOS or another app. Choose a different shortcut." "$work/app.err"; }
+poll_until "the unavailable shortcut" sentence_logged
+kill "$probe" 2>/dev/null || true
+
+# ---- lumenote-cli end completes the session; a notification reaches the server
+"$cli" end >/dev/null
+poll_until "the idle tooltip after the end" tooltip_is "Lumenote. No session running."
+notified() { grep -q '"appName": "Lumenote"' "$work/notifications.txt" 2>/dev/null; }
+poll_until "the completion notification" notified
+poll_until "the summary panel" panel_window
+shot "$panel" panel-summary-light
+"$cli" prefs set general.appearance dark >/dev/null
+sleep 2.2
+shot "$panel" panel-summary-dark
+"$cli" prefs set general.appearance light >/dev/null
+sessions=$("$cli" sessions)
+[[ "$sessions" == *Biology* && "$sessions" == *completed* ]] || fail "sessions: $sessions"
+shown=$("$cli" show "$(grep -o '[0-9a-f-]\{36\}' <<<"$sessions" | head -n1)")
+grep -q LumenoteAlpha <<<"$shown" || fail "the first window is not recorded: $shown"
+grep -q LumenoteBeta <<<"$shown" || fail "the second window is not recorded: $shown"
+
+# ---- a second start brings the running application forward
+timeout 10 xdotool key Escape || true
+poll_until "the panel to close" panel_hidden
+timeout 20 "$app" >"$work/second.out" 2>&1 || fail "the second start failed"
+grep -q "already running" "$work/second.out" || fail "second start: $(cat "$work/second.out")"
+poll_until "the panel brought forward" panel_window
+timeout 5 xdotool key Escape || true
+
+# start_from_panel SUBJECT: a session from the panel's form.
+start_from_panel() {
+    tray click "New Study Session"
+    poll_until "the panel" panel_window
+    activate "$panel"
+    timeout 5 xdotool type --delay 20 "$1"
+    timeout 5 xdotool key Return
+    poll_until "a running session" tooltip_starts "Lumenote. Recording, "
+}
+
+# ---- quitting during a session asks; "Quit and Mark Session Interrupted"
+start_from_panel "Chemistry"
+tray click "Quit"
+poll_until "the quit question" window_named '^Lumenote$'
+question=$named
+for candidate in $(timeout 5 xdotool search --onlyvisible --name '^Lumenote$'); do
+    [[ "$candidate" != "$panel" ]] && question=$candidate
+done
+shot "$question" quit-question
+activate "$question"
+# The buttons in order: End Session and Quit, Keep Lumenote Running (the
+# default, with the focus), Quit and Mark Session Interrupted.
+timeout 5 xdotool key Tab space
+poll_until "lumenote to quit" app_gone
+sessions=$("$cli" sessions)
+grep -q "Chemistry.*interrupted\|interrupted.*Chemistry" <<<"$sessions" ||
+    grep -A2 Chemistry <<<"$sessions" | grep -q interrupted || fail "no interrupted session: $sessions"
+
+# ---- kill -9 during a session: the next start offers recovery
+start_app --hidden
+poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
+start_from_panel "Physics"
+sleep 1.5
+kill -9 "$app_pid"
+poll_until "lumenote to die" app_gone
+start_app --hidden
+poll_until "the recovery offer" window_named '^Unfinished session$'
+shot "$named" recovery-offer
+activate "$named"
+# Continue From Now is the default answer.
+timeout 5 xdotool key Return
+poll_until "the recovered session" tooltip_starts "Lumenote. Recording, "
+[[ "$("$cli" status)" == *Physics* ]] || fail "status after recovery: $("$cli" status)"
+"$cli" end >/dev/null
+poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
+
+echo "desktop application end-to-end: ok"
