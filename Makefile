@@ -1,6 +1,6 @@
 # Thin wrapper over the CMake presets: every target first makes sure the Debian
 # packages are installed, then hands over to CMake and CTest.
-.PHONY: all deps build run test test-sanitize format format-check bench fuzz clean
+.PHONY: all deps build run desktop-entry test test-sanitize format format-check bench fuzz clean
 
 all: build
 
@@ -13,6 +13,14 @@ build: deps
 
 run: build
 	./build/bin/lumenote-cli record
+
+# The desktop menu starts the application of this build tree: its desktop
+# entry (written by the build, naming this tree's executable and icon) is
+# copied into the user's applications folder.
+DESKTOP_ENTRY = com.tallywise.Lumenote.desktop
+desktop-entry: build
+	install -D -m 0644 build/share/applications/$(DESKTOP_ENTRY) \
+		"$${XDG_DATA_HOME:-$$HOME/.local/share}/applications/$(DESKTOP_ENTRY)"
 
 test: build
 	ctest --preset default

@@ -153,6 +153,17 @@ std::size_t characterCount(std::string_view text) {
     return count;
 }
 
+bool isValidUtf8(std::string_view text) {
+    for (std::size_t position = 0; position < text.size();) {
+        const Character character = decodeAt(text, position);
+        if (!character.valid) {
+            return false;
+        }
+        position += character.size;
+    }
+    return true;
+}
+
 std::string prefixCharacters(std::string_view text, std::size_t count) {
     std::size_t position = 0;
     for (std::size_t taken = 0; taken < count && position < text.size(); ++taken) {

@@ -29,6 +29,10 @@ std::size_t characterCount(std::string_view text);
 // The first `count` characters of `text`, never cutting a character in half.
 std::string prefixCharacters(std::string_view text, std::size_t count);
 
+// Whether `text` is well-formed UTF-8: no stray continuation byte, no
+// truncated or overlong sequence, no surrogate, nothing above U+10FFFF.
+bool isValidUtf8(std::string_view text);
+
 // A form of `text` in which letters that differ only in case are equal:
 // ASCII, Latin-1, Latin Extended-A, Greek and Cyrillic capitals become their
 // small letters. Other characters are kept as they are.

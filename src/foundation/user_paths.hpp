@@ -24,6 +24,9 @@ struct UserPaths {
     std::filesystem::path applicationData() const { return dataHome / "Lumenote"; }
     // $XDG_CONFIG_HOME/Lumenote: the defaults domain.
     std::filesystem::path applicationConfig() const { return configHome / "Lumenote"; }
+    // $XDG_CONFIG_HOME/autostart: the desktop entries the user's session
+    // starts at login. The folder is shared with other applications.
+    std::filesystem::path autostart() const { return configHome / "autostart"; }
 };
 
 }  // namespace foundation

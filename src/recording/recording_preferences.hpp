@@ -33,6 +33,10 @@ class RecordingPreferences {
     // The once-per-day (and per goal) gate of the daily-goal-complete moment:
     // true the first time it is asked for `date`'s day in `calendar`.
     virtual bool acknowledgeDailyGoalIfNeeded(Date date, const LocalCalendar& calendar) = 0;
+    // Whether the recorder may post notifications at all; off, it posts none.
+    virtual bool notificationsEnabled() const = 0;
+    // Whether a notification about a session may name its subject.
+    virtual bool notificationsIncludeSubject() const = 0;
 };
 
 }  // namespace lumenote::recording

@@ -53,6 +53,12 @@ void SessionManager::reportProblem(SessionFailure failure, std::string detail) {
     problems_.notify(SessionError(failure, std::move(detail)));
 }
 
+void SessionManager::postNotice(const SessionNotice& notice) {
+    if (preferences_.notificationsEnabled()) {
+        notificationService_.post(notice.title, notice.body);
+    }
+}
+
 void SessionManager::clearPendingPostSession() {
     if (pendingPostSession_) {
         pendingPostSession_.reset();
@@ -270,7 +276,9 @@ void SessionManager::completeTimerIfReached(TrackingInstant instant) {
     const double overshoot = timer - planned;
     const TrackingInstant completion{instant.wallDate.addingSeconds(-overshoot),
                                      instant.monotonicTime - overshoot};
+    const std::string subject = activeSession_->subject;
     finishSession(completion, planned, StudySessionStatus::completed);
+    postNotice(timerCompletionNotice(subject, planned, preferences_.notificationsIncludeSubject()));
 }
 
 void SessionManager::finishSession(TrackingInstant endInstant, double timerDuration,

@@ -27,6 +27,10 @@
 // - History (editing, deleting with undo, resetting) and the classification
 //   rules are services of their own that the manager shares with the front
 //   ends; tick() also ends the history's undo offer when its time is up.
+// - Notifications go out only while the notifications preference is on: the
+//   pause after a long sleep, and a timer-mode session reaching its planned
+//   duration. A session ended by hand, at a no-input run or as interrupted
+//   posts nothing: the user is there, or it was not the timer that ended it.
 // - Failures: an operation returns its SessionError and nothing else keeps
 //   it. Failures that no call returns (a save during a tick, the checkpoint,
 //   what start-up finds) go to problems(). Keeping a last error for display
@@ -53,6 +57,7 @@
 #include "recording/session_checkpoint_store.hpp"
 #include "recording/session_history.hpp"
 #include "recording/session_messages.hpp"
+#include "recording/session_notices.hpp"
 #include "recording/session_records.hpp"
 #include "recording/study_state_edit.hpp"
 #include "recording/time_providers.hpp"
@@ -65,8 +70,6 @@ inline constexpr const char* kOwnBundleIdentifier = "com.tallywise.Lumenote";
 // The system stretch recorded while the computer sleeps or cannot be observed;
 // kept verbatim on every platform (they are stored values).
 inline constexpr const char* kSystemSleepApplicationName = "Mac asleep";
-inline constexpr const char* kLongSleepPauseNotice =
-    "Lumenote paused your session after a long Mac sleep.";
 // The label of a frontmost application that has no name.
 inline constexpr const char* kUnknownApplicationName = "Unknown application";
 // Ticks between saves of the growing open segment and the session's timer.
@@ -248,6 +251,9 @@ class SessionManager {
     // Pauses with the stretch closed at `instant` and the timer set to `timerValue`.
     void pauseAt(TrackingInstant instant, double timerValue);
     void reportProblem(SessionFailure failure, std::string detail = {});
+    // Posts `notice` when the notifications preference is on; every notice
+    // goes through here.
+    void postNotice(const SessionNotice& notice);
 
     // sampling (session_manager_sampling.cpp)
     // Observation (re)starts at `instant` (a start, resume, wake or recovery).

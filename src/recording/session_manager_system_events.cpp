@@ -55,7 +55,7 @@ void SessionManager::didWake() {
     if (threshold && slept >= *threshold &&
         activeSession_->status() == StudySessionStatus::running) {
         pauseAt(sleepStart, timerAtSleep);
-        notificationService_.post("Lumenote", kLongSleepPauseNotice);
+        postNotice(longSleepPauseNotice());
         return;
     }
     beginObservation(instant);

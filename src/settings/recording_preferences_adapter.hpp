@@ -25,6 +25,10 @@ class PreferencesForRecording final : public recording::RecordingPreferences {
     bool acknowledgeDailyGoalIfNeeded(Date date, const LocalCalendar& calendar) override {
         return store_.acknowledgeDailyGoalIfNeeded(date, calendar);
     }
+    bool notificationsEnabled() const override { return store_.notificationsEnabled(); }
+    bool notificationsIncludeSubject() const override {
+        return store_.notificationsIncludeSubject();
+    }
 
   private:
     PreferencesStore& store_;

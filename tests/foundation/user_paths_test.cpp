@@ -19,6 +19,7 @@ TEST(UserPathsTest, DefaultsUnderHome) {
     const UserPaths paths = pathsFor({{"HOME", "/home/ada"}});
     EXPECT_EQ(paths.applicationData(), "/home/ada/.local/share/Lumenote");
     EXPECT_EQ(paths.applicationConfig(), "/home/ada/.config/Lumenote");
+    EXPECT_EQ(paths.autostart(), "/home/ada/.config/autostart");
 }
 
 TEST(UserPathsTest, XdgFoldersWinWhenAbsolute) {
@@ -26,6 +27,7 @@ TEST(UserPathsTest, XdgFoldersWinWhenAbsolute) {
         pathsFor({{"HOME", "/home/ada"}, {"XDG_DATA_HOME", "/data"}, {"XDG_CONFIG_HOME", "/cfg"}});
     EXPECT_EQ(paths.applicationData(), "/data/Lumenote");
     EXPECT_EQ(paths.applicationConfig(), "/cfg/Lumenote");
+    EXPECT_EQ(paths.autostart(), "/cfg/autostart");
 }
 
 TEST(UserPathsTest, RelativeOrEmptyXdgValuesAreIgnored) {

@@ -349,6 +349,76 @@ TEST_F(SessionManagerTest, RecoveredSessionFinishesUnderItsOwnCalculationVersion
     EXPECT_FALSE(finished.confirmedBreakDurationStorage);
 }
 
+// ---- notifications ---------------------------------------------------------
+
+using Posted = std::vector<std::pair<std::string, std::string>>;
+
+TEST_F(SessionManagerTest, TimerCompletionIsAnnouncedOnceNamingTheSubjectOnlyWhenAllowed) {
+    struct Case {
+        bool includeSubject;
+        double planned;
+        const char* body;
+    };
+    preferences_.setNotificationsEnabled(true);
+    for (const Case& c : {Case{false, 1500.0, "Your 25 min study session is complete."},
+                          Case{true, 3900.0, "Biology: 1 h 5 min of study is complete."}}) {
+        SCOPED_TRACE(c.body);
+        machine_.notifications.posted.clear();
+        preferences_.setNotificationsIncludeSubject(c.includeSubject);
+        ASSERT_TRUE(manager_->start(request(c.planned)).ok());
+        tickFor(static_cast<int>(c.planned) - 1);
+        EXPECT_TRUE(machine_.notifications.posted.empty()) << "one second before the end";
+        // A late tick lands past the planned duration; later ticks find no session.
+        clock_.advance(2.5);
+        manager_->tick();
+        tickFor(5);
+        EXPECT_FALSE(manager_->activeSession());
+        EXPECT_EQ(machine_.notifications.posted, (Posted{{"Study session complete", c.body}}));
+    }
+}
+
+TEST_F(SessionManagerTest, NothingIsPostedWhileNotificationsAreOff) {
+    ASSERT_FALSE(preferences_.notificationsEnabled()) << "off unless the user turns them on";
+    ASSERT_TRUE(manager_->start(request(1500.0)).ok());
+    tickFor(60);
+    manager_->willSleep();
+    clock_.advance(3600.0);
+    manager_->didWake();
+    ASSERT_EQ(manager_->activeSession()->status(), StudySessionStatus::paused);
+    ASSERT_TRUE(manager_->resume().ok());
+    tickFor(1500);
+    EXPECT_FALSE(manager_->activeSession());
+    EXPECT_TRUE(machine_.notifications.posted.empty());
+
+    // The preference is read when a notice is due, not when the session began.
+    ASSERT_TRUE(manager_->start(request(120.0)).ok());
+    preferences_.setNotificationsEnabled(true);
+    manager_->willSleep();
+    clock_.advance(3600.0);
+    manager_->didWake();
+    EXPECT_EQ(machine_.notifications.posted,
+              (Posted{{"Lumenote", "Lumenote paused your session after a long Mac sleep."}}));
+}
+
+TEST_F(SessionManagerTest, SessionsNotEndedByTheirTimerPostNothing) {
+    preferences_.setNotificationsEnabled(true);
+    preferences_.setNotificationsIncludeSubject(true);
+    ASSERT_TRUE(manager_->start(request(120.0)).ok());
+    tickFor(119);
+    ASSERT_TRUE(manager_->end().ok());
+    ASSERT_TRUE(manager_->start(request(120.0)).ok());
+    tickFor(60);
+    ASSERT_TRUE(manager_->endAsInterrupted().ok());
+    // Open-ended: the planned duration passes without ending the session.
+    SessionStartRequest openEnded = request(120.0);
+    openEnded.timingMode = SessionTimingMode::openEnded;
+    ASSERT_TRUE(manager_->start(openEnded).ok());
+    tickFor(300);
+    ASSERT_TRUE(manager_->activeSession());
+    ASSERT_TRUE(manager_->end().ok());
+    EXPECT_TRUE(machine_.notifications.posted.empty());
+}
+
 // A checkpoint file that cannot be read is treated as missing: the session the
 // store still marks live is offered from the store.
 TEST_F(SessionManagerTest, UnreadableCheckpointFallsBackToTheLiveSessionInTheStore) {
