@@ -4,12 +4,14 @@
 #include <QMessageBox>
 #include <QSocketNotifier>
 #include <cstdlib>
+#include <filesystem>
 #include <iostream>
 
 #include "app/tray_icons.hpp"
 #include "platform/linux/x11_hotkey_grabber.hpp"
 #include "recording/session_notices.hpp"
 #include "shell/global_hotkey_coordinator.hpp"
+#include "shell/launch_at_login.hpp"
 #include "ui/questions.hpp"
 #include "ui/tray_panel.hpp"
 
@@ -239,9 +241,9 @@ void DesktopApplication::announceEndedElsewhere() {
     if (!finished || !services.preferences().notificationsEnabled()) {
         return;
     }
-    const recording::SessionNotice notice = recording::timerCompletionNotice(
-        finished->subject, finished->timerDuration,
-        services.preferences().notificationsIncludeSubject());
+    const recording::SessionNotice notice =
+        recording::timerCompletionNotice(finished->subject, finished->timerDuration,
+                                         services.preferences().notificationsIncludeSubject());
     services.notifications().post(notice.title, notice.body);
 }
 
@@ -329,7 +331,26 @@ void DesktopApplication::onShortcut() {
     refresh();
 }
 
+// "general.launchAtLogin" adds or removes the autostart entry that starts
+// this executable; a failure is shown in the panel and changes nothing else.
+void DesktopApplication::applyLaunchAtLogin() {
+    runtime::RecorderServices& services = *dependencies_.services;
+    std::error_code error;
+    const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error) {
+        return;
+    }
+    if (auto applied = shell::applyLaunchAtLogin(services.preferences().launchAtLogin(),
+                                                 services.paths(), self);
+        !applied.ok()) {
+        showError(applied.error().message());
+    }
+}
+
 void DesktopApplication::onPreferenceChanged(settings::PreferenceProperty property) {
+    if (property == settings::PreferenceProperty::launchAtLogin) {
+        applyLaunchAtLogin();
+    }
     if (property == settings::PreferenceProperty::appearance) {
         dependencies_.appearanceController->apply(
             dependencies_.services->preferences().appearance());

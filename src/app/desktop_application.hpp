@@ -100,6 +100,7 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     void startGlobalShortcut();
     void onShortcut();
     void announceEndedElsewhere();
+    void applyLaunchAtLogin();
 
     AppDependencies dependencies_;
     Options options_;

@@ -150,7 +150,8 @@ shot "$panel" panel-summary-dark
 "$cli" prefs set general.appearance light >/dev/null
 sessions=$("$cli" sessions)
 [[ "$sessions" == *Biology* && "$sessions" == *completed* ]] || fail "sessions: $sessions"
-shown=$("$cli" show "$(grep -o '[0-9a-f-]\{36\}' <<<"$sessions" | head -n1)")
+first=$("$cli" sessions --json | "$python" -c 'import json, sys; print(json.load(sys.stdin)[0]["id"])')
+shown=$("$cli" show "$first")
 grep -q LumenoteAlpha <<<"$shown" || fail "the first window is not recorded: $shown"
 grep -q LumenoteBeta <<<"$shown" || fail "the second window is not recorded: $shown"
 
@@ -195,7 +196,9 @@ start_app --hidden
 poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
 start_from_panel "Physics"
 sleep 1.5
-kill -9 "$app_pid"
+# The application itself, not the timeout around it.
+recorder=$(pgrep -P "$app_pid" -x lumenote) || fail "no lumenote process under $app_pid"
+kill -9 "$recorder"
 poll_until "lumenote to die" app_gone
 start_app --hidden
 poll_until "the recovery offer" window_named '^Unfinished session$'
