@@ -1,5 +1,7 @@
 #include "settings/json_file_defaults_domain.hpp"
 
+#include <utility>
+
 #include <sys/stat.h>
 
 #include <climits>
@@ -88,15 +90,19 @@ JsonFileDefaultsDomain::FileSignature JsonFileDefaultsDomain::currentSignature()
 }
 
 void JsonFileDefaultsDomain::refreshIfChanged() {
-    if (!seen_ || !(*seen_ == currentSignature())) {
+    if (!seen_) {
         reload();
+    } else if (!(*seen_ == currentSignature())) {
+        reload();
+        reloadedSinceLastRefresh_ = true;
     }
 }
 
+// Any read or write may have taken in another process's change already; it is
+// still reported here once, so that the preferences announce it.
 bool JsonFileDefaultsDomain::refreshFromStorage() {
-    const bool changed = seen_ && !(*seen_ == currentSignature());
     refreshIfChanged();
-    return changed;
+    return std::exchange(reloadedSinceLastRefresh_, false);
 }
 
 void JsonFileDefaultsDomain::reload() {

@@ -93,6 +93,9 @@ class JsonFileDefaultsDomain final : public DefaultsDomain {
     FileWriteOperations& operations_;
     std::map<std::string, DefaultsValue, std::less<>> values_;
     std::optional<FileSignature> seen_;  // nullopt until the file was first looked at
+    // Another process's version was read since refreshFromStorage() last
+    // reported one.
+    bool reloadedSinceLastRefresh_ = false;
     std::optional<PrivateFileError> lastWriteError_;
     std::optional<std::filesystem::path> lastQuarantinedPath_;
 };

@@ -25,6 +25,7 @@ namespace {
 // How many templates the panel offers as one-click starts.
 constexpr std::size_t kQuickStartTemplates = 4;
 constexpr int kPanelWidth = 380;
+constexpr int kPanelMargin = 16;
 
 QString qt(const std::string& text) {
     return QString::fromStdString(text);
@@ -68,7 +69,6 @@ TrayPanel::TrayPanel(runtime::RecorderRuntime& runtime, settings::SessionTemplat
     setWindowTitle(QStringLiteral("Lumenote"));
     setAccessibleName(QStringLiteral("Lumenote panel"));
     setFrameShape(QFrame::StyledPanel);
-    setFixedWidth(kPanelWidth);
 
     banner_ = label(this);
     banner_->setObjectName(QStringLiteral("banner"));
@@ -81,9 +81,11 @@ TrayPanel::TrayPanel(runtime::RecorderRuntime& runtime, settings::SessionTemplat
     pages_->addWidget(buildStartPage());
     pages_->addWidget(buildSessionPage());
     pages_->addWidget(buildSummaryPage());
+    // The panel keeps one width in every state; its height follows the page.
+    pages_->setFixedWidth(kPanelWidth - 2 * kPanelMargin);
 
     auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 14, 16, 14);
+    layout->setContentsMargins(kPanelMargin, 14, kPanelMargin, 14);
     layout->setSpacing(10);
     layout->addWidget(banner_);
     layout->addWidget(pages_);
@@ -189,7 +191,7 @@ QWidget* TrayPanel::buildSummaryPage() {
     summaryTotals_ = new QGridLayout;
     summaryTotals_->setHorizontalSpacing(16);
     summaryTotals_->setVerticalSpacing(2);
-    summaryScore_ = label(page, 1.15, true);
+    summaryScore_ = label(page, 1.0, true);
     summaryCoverage_ = muted(label(page));
     summaryBests_ = label(page);
     celebration_ = label(page, 1.0, true);

@@ -331,6 +331,24 @@ TEST_F(PreferencesStoreTest, ChangesMadeByAnotherProcessAreAdoptedAndAnnouncedOn
     EXPECT_TRUE(announced.empty());
 }
 
+TEST_F(PreferencesStoreTest, AChangeReadByAnEarlierWriteIsStillAnnounced) {
+    PreferencesStore& running = open();
+    std::vector<PreferenceProperty> announced;
+    running.addObserver([&](PreferenceProperty property) { announced.push_back(property); });
+    JsonFileDefaultsDomain otherDomain(path(), [] { return kNow; });
+    PreferencesStore other(otherDomain);
+    other.setAppearance(TallywiseAppearance::dark);
+
+    // This process writes a setting of its own before it looks for changes:
+    // the write reads the other process's version first and keeps it.
+    running.setStartHidden(true);
+    announced.clear();
+    running.adoptChangesMadeElsewhere();
+    EXPECT_EQ(running.appearance(), TallywiseAppearance::dark);
+    EXPECT_EQ(announced, std::vector<PreferenceProperty>{PreferenceProperty::appearance});
+    EXPECT_EQ(fileContents()["general.startHidden"], true);
+}
+
 TEST_F(PreferencesStoreTest, AFileReplacedByHandOrRemovedIsAdoptedLikeAnyOtherChange) {
     PreferencesStore& running = open();
     running.setManualPDFLabelsEnabled(false);
