@@ -12,7 +12,7 @@ build: deps
 	cmake --build --preset default
 
 run: build
-	./build/bin/lumenote-cli record
+	./build/bin/lumenote
 
 # The desktop menu starts the application of this build tree: its desktop
 # entry (written by the build, naming this tree's executable and icon) is

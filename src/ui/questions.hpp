@@ -27,12 +27,11 @@ class NoInputQuestion final : public QDialog {
     NoInputQuestion(const recording::NoInputClassificationPrompt& prompt,
                     const LocalCalendar& calendar, QWidget* parent = nullptr);
     const recording::NoInputClassificationPrompt& prompt() const { return prompt_; }
+    // Closing without an answer leaves the time unconfirmed.
+    void reject() override;
 
   Q_SIGNALS:
     void answered(recording::SessionManager::NoInputPromptAnswer answer);
-
-  protected:
-    void reject() override;
 
   private:
     void answer(recording::SessionManager::NoInputPromptAnswer answer);

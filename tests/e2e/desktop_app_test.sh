@@ -14,7 +14,7 @@
 # lumenote brings the first forward; quitting through the tray menu during a
 # session asks the quit question and "Quit and Mark Session Interrupted"
 # leaves an interrupted session; after kill -9 the next start offers
-# recovery. Screenshots of the panel in each state, light and dark, and of
+# recovery; storage that cannot be opened shows the failure window. Screenshots of the panel in each state, light and dark, and of
 # the questions are written to BIN_DIR/../screenshots.
 #
 # Usage: desktop_app_test.sh BIN_DIR
@@ -210,5 +210,23 @@ poll_until "the recovered session" tooltip_starts "Lumenote. Recording, "
 [[ "$("$cli" status)" == *Physics* ]] || fail "status after recovery: $("$cli" status)"
 "$cli" end >/dev/null
 poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
+
+# ---- storage that cannot be opened: the failure window, and nothing records
+broken="$work/broken-data"
+mkdir -p "$broken"
+: >"$broken/Lumenote"
+XDG_DATA_HOME="$broken" timeout 60 "$app" >"$work/failed.out" 2>"$work/failed.err" &
+failed=$!
+background+=($failed)
+poll_until "the failure window" window_named '^Lumenote could not start$'
+shot "$named" startup-failure
+grep -q "No study activity was recorded." "$work/failed.err" ||
+    fail "the failure's sentence: $(cat "$work/failed.err")"
+activate "$named"
+timeout 5 xdotool key Return
+failed_gone() { ! kill -0 "$failed" 2>/dev/null; }
+poll_until "the failed start to quit" failed_gone
+[[ ! -e "$broken/Lumenote.sqlite" && "$(find "$broken" | wc -l)" -eq 2 ]] ||
+    fail "a failed start wrote: $(find "$broken")"
 
 echo "desktop application end-to-end: ok"

@@ -52,7 +52,9 @@ class TrayPanelTest : public ::testing::Test {
         static int argc = 1;
         static char name[] = "ui_tests";
         static char* argv[] = {name, nullptr};
-        static QApplication application(argc, argv);
+        if (QApplication::instance() == nullptr) {
+            static QApplication application(argc, argv);
+        }
     }
 
     void SetUp() override {
