@@ -43,6 +43,8 @@ TallywiseStatusItemController::TallywiseStatusItemController(recording::SessionM
     menu_.addSeparator();
     menu_.addAction(qt(shell::kQuitTitle), this, [this] { actions_.quit(); });
     statusItem_.setContextMenu(&menu_);
+    connect(&menu_, &QMenu::aboutToShow, this,
+            [this] { updateMenu(shell::menuBarStatus(manager_)); });
 
     connect(&statusItem_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
@@ -69,16 +71,32 @@ void TallywiseStatusItemController::refresh() {
 
 void TallywiseStatusItemController::redrawAll() {
     icons_ = std::make_unique<TrayIcons>(onDarkPanel());
+    iconDrawn_ = false;
     rendering_.forget();
     refresh();
 }
 
+// Each part is handed to the tray only when it changed: every change is a
+// message to the tray host, and the elapsed time moves every second while
+// the image changes with the activity only and the tooltip once a minute.
+// The menu is brought up to date when it opens and when the activity
+// changes, not with every second of its status line.
 void TallywiseStatusItemController::draw(const shell::MenuBarStatus& status) {
     ++redraws_;
     const shell::MenuBarImage image = shell::menuBarImage(status);
-    statusItem_.setIcon(icons_->icon(image));
-    statusItem_.setToolTip(QString::fromStdString(shell::menuBarAccessibilityText(status)));
-    updateMenu(status);
+    if (image != drawnImage_ || !iconDrawn_) {
+        statusItem_.setIcon(icons_->icon(image));
+        drawnImage_ = image;
+        iconDrawn_ = true;
+    }
+    const QString tooltip = QString::fromStdString(shell::menuBarAccessibilityText(status));
+    if (tooltip != statusItem_.toolTip()) {
+        statusItem_.setToolTip(tooltip);
+    }
+    if (!menuStatus_ || menuStatus_->activity != status.activity ||
+        menuStatus_->studyState != status.studyState || menu_.isVisible()) {
+        updateMenu(status);
+    }
 }
 
 void TallywiseStatusItemController::updateMenu(const shell::MenuBarStatus& status) {
@@ -98,6 +116,7 @@ void TallywiseStatusItemController::updateMenu(const shell::MenuBarStatus& statu
             statusLine_->setText(QStringLiteral("Paused · %1").arg(QString::fromStdString(title)));
             break;
     }
+    menuStatus_ = status;
     const bool active = status.activity != Activity::idle;
     const bool away = status.studyState == recording::LiveStudyState::passiveStudy;
     newSession_->setEnabled(!active);

@@ -69,6 +69,10 @@ class TallywiseStatusItemController final : public QObject {
     QTimer refreshTask_;
     shell::StatusItemRendering rendering_;
     std::unique_ptr<TrayIcons> icons_;
+    shell::MenuBarImage drawnImage_ = shell::MenuBarImage::applicationImage;
+    bool iconDrawn_ = false;
+    // The status the menu's items were last set for.
+    std::optional<shell::MenuBarStatus> menuStatus_;
     int redraws_ = 0;
 };
 

@@ -31,42 +31,12 @@ deadline_seconds=30
 work=$(mktemp -d)
 background=()
 source "$here/desktop_session.sh"
+source "$here/desktop_app.sh"
 trap cleanup EXIT
 start_desktop_session
-export QT_QPA_PLATFORM=xcb XDG_RUNTIME_DIR="$work/runtime"
-mkdir -m 700 "$work/runtime"
 unset QT_STYLE_OVERRIDE
 
-timeout 600 "$python" "$here/fake_status_notifier_watcher.py" --record "$work/items.jsonl" \
-    >"$work/watcher.log" 2>&1 &
-background+=($!)
-poll_until "the test tray host" has_owner "$DBUS_SESSION_BUS_ADDRESS" org.kde.StatusNotifierWatcher
-: >"$work/items.jsonl"
-
-tray() { timeout 10 "$python" "$here/tray_driver.py" "$work/items.jsonl" "$@"; }
-tooltip_is() { [[ "$(tray tooltip 2>/dev/null)" == "$1" ]]; }
-tooltip_starts() { [[ "$(tray tooltip 2>/dev/null)" == "$1"* ]]; }
-item_registered() { [[ -s "$work/items.jsonl" ]]; }
-panel_window() {
-    panel=$(timeout 5 xdotool search --onlyvisible --name '^Lumenote$' 2>/dev/null | head -n1)
-    [[ -n "$panel" ]]
-}
-panel_hidden() { ! panel_window; }
-window_named() {
-    named=$(timeout 5 xdotool search --onlyvisible --name "$1" 2>/dev/null | head -n1)
-    [[ -n "$named" ]]
-}
-shot() { timeout 10 "$bin/lumenote-window-shot" "$1" "$shots/$2.png" || fail "no screenshot $2"; }
-app_running() { kill -0 "$app_pid" 2>/dev/null; }
-app_gone() { ! kill -0 "$app_pid" 2>/dev/null; }
-
-start_app() {
-    : >"$work/items.jsonl"
-    timeout 600 "$app" "$@" >>"$work/app.out" 2>>"$work/app.err" &
-    app_pid=$!
-    background+=($app_pid)
-    poll_until "the tray item" item_registered
-}
+start_tray_host
 
 # The shortcut is Ctrl+Alt+S (control 0x1000, option 0x800, key code 1).
 "$cli" prefs set shortcuts.globalHotkeyEnabled true >/dev/null
@@ -162,16 +132,6 @@ timeout 20 "$app" >"$work/second.out" 2>&1 || fail "the second start failed"
 grep -q "already running" "$work/second.out" || fail "second start: $(cat "$work/second.out")"
 poll_until "the panel brought forward" panel_window
 timeout 5 xdotool key Escape || true
-
-# start_from_panel SUBJECT: a session from the panel's form.
-start_from_panel() {
-    tray click "New Study Session"
-    poll_until "the panel" panel_window
-    activate "$panel"
-    timeout 5 xdotool type --delay 20 "$1"
-    timeout 5 xdotool key Return
-    poll_until "a running session" tooltip_starts "Lumenote. Recording, "
-}
 
 # ---- quitting during a session asks; "Quit and Mark Session Interrupted"
 start_from_panel "Chemistry"
