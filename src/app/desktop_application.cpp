@@ -62,6 +62,14 @@ std::vector<std::string> DesktopApplication::begin() {
     }
     statusItem_->show();
     startGlobalShortcut();
+    // The desktop session ending (a logout through the session manager)
+    // quits the application without a question: an active session is left
+    // for recovery, as a termination signal leaves it.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, [this] {
+        if (!quitting_ && !runtime_->stopped()) {
+            runtime_->terminate("The desktop session is ending");
+        }
+    });
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         gaps.push_back(
             "This desktop shows no tray icons, so Lumenote opens its panel in a window instead.");

@@ -3,6 +3,11 @@
 // refresh period), and whenever the recorder says something changed, and
 // redraws only when the status differs from the one drawn last. A left click
 // opens the panel; the menu carries the application-wide commands.
+//
+// A tray icon on Linux has no title beside it (neither the X11 tray nor
+// StatusNotifierItem hosts show one), so the elapsed time is shown where a
+// tray shows text: in the tooltip, which is the accessibility text, and in
+// the first line of the menu ("Recording · 12:34").
 #pragma once
 
 #include <QMenu>

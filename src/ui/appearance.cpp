@@ -34,8 +34,15 @@ QPalette AppearanceController::darkPalette() {
     QPalette palette;
     palette.setColor(QPalette::Window, QColor(0x24, 0x24, 0x24));
     palette.setColor(QPalette::WindowText, QColor(0xf6, 0xf5, 0xf4));
-    palette.setColor(QPalette::Base, QColor(0x1e, 0x1e, 0x1e));
-    palette.setColor(QPalette::AlternateBase, QColor(0x2a, 0x2a, 0x2a));
+    // Fields sit a step lighter than the window, and the shades Fusion draws
+    // frames and indicators with are set, so that edges show on dark.
+    palette.setColor(QPalette::Base, QColor(0x30, 0x30, 0x30));
+    palette.setColor(QPalette::AlternateBase, QColor(0x38, 0x38, 0x38));
+    palette.setColor(QPalette::Light, QColor(0x5a, 0x5a, 0x5a));
+    palette.setColor(QPalette::Midlight, QColor(0x48, 0x48, 0x48));
+    palette.setColor(QPalette::Mid, QColor(0x6a, 0x6a, 0x6a));
+    palette.setColor(QPalette::Dark, QColor(0x14, 0x14, 0x14));
+    palette.setColor(QPalette::Shadow, QColor(0x0a, 0x0a, 0x0a));
     palette.setColor(QPalette::Text, QColor(0xf6, 0xf5, 0xf4));
     palette.setColor(QPalette::Button, QColor(0x3a, 0x3a, 0x3a));
     palette.setColor(QPalette::ButtonText, QColor(0xf6, 0xf5, 0xf4));

@@ -74,7 +74,7 @@ StartSessionForm::StartSessionForm(QWidget* parent)
     }
     minutes_ = new QLineEdit(this);
     minutes_->setAccessibleName(QStringLiteral("Duration in minutes"));
-    minutes_->setMaximumWidth(64);
+    minutes_->setFixedWidth(56);
     minutes_->setAlignment(Qt::AlignRight);
     durationRow->addWidget(minutes_);
     durationRow->addWidget(new QLabel(QStringLiteral("min"), this));

@@ -14,7 +14,8 @@
 # lumenote brings the first forward; quitting through the tray menu during a
 # session asks the quit question and "Quit and Mark Session Interrupted"
 # leaves an interrupted session; after kill -9 the next start offers
-# recovery; storage that cannot be opened shows the failure window. Screenshots of the panel in each state, light and dark, and of
+# recovery; SIGTERM leaves the session for recovery without a question;
+# storage that cannot be opened shows the failure window. Screenshots of the panel in each state, light and dark, and of
 # the questions are written to BIN_DIR/../screenshots.
 #
 # Usage: desktop_app_test.sh BIN_DIR
@@ -67,6 +68,11 @@ done
 tray click "New Study Session"
 poll_until "the panel" panel_window
 shot "$panel" panel-start-light
+"$cli" prefs set general.appearance dark >/dev/null
+sleep 2.2
+shot "$panel" panel-start-dark
+"$cli" prefs set general.appearance light >/dev/null
+sleep 1.2
 activate "$panel"
 timeout 5 xdotool type --delay 20 "Biology"
 timeout 5 xdotool key Return
@@ -168,8 +174,14 @@ activate "$named"
 timeout 5 xdotool key Return
 poll_until "the recovered session" tooltip_starts "Lumenote. Recording, "
 [[ "$("$cli" status)" == *Physics* ]] || fail "status after recovery: $("$cli" status)"
-"$cli" end >/dev/null
-poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
+
+# ---- SIGTERM (as at logout) asks nothing and leaves the session for recovery
+kill -TERM "$(pgrep -P "$app_pid" -x lumenote)"
+poll_until "lumenote to stop" app_gone
+recovery=$("$cli" recovery status)
+[[ "$recovery" == *"Lumenote found an unfinished session."* && "$recovery" == *Physics* ]] ||
+    fail "SIGTERM did not leave the session for recovery: $recovery"
+"$cli" recovery end >/dev/null
 
 # ---- storage that cannot be opened: the failure window, and nothing records
 broken="$work/broken-data"
