@@ -26,6 +26,7 @@ deadline_seconds=30
 work=$(mktemp -d)
 background=()
 source "$here/../tests/e2e/desktop_session.sh"
+source "$here/switching_windows.sh"
 source "$here/../tests/e2e/desktop_app.sh"
 trap cleanup EXIT
 
@@ -55,24 +56,10 @@ idle_kb=$(awk '/VmRSS/ {print $2}' "/proc/$pid/status")
 
 start_from_panel "Resources"
 activate "$alpha"
-cpu_ticks() { awk '{print $14 + $15}' "/proc/$pid/stat"; }
-ticks_per_second=$(getconf CLK_TCK)
-start_ticks=$(cpu_ticks)
-start=$SECONDS
-windows=("$beta" "$alpha")
-switches=0
-while ((SECONDS - start < seconds)); do
-    sleep "$switch_seconds"
-    activate "${windows[switches % 2]}"
-    switches=$((switches + 1))
-done
-elapsed=$((SECONDS - start))
-end_ticks=$(cpu_ticks)
-peak_kb=$(awk '/VmHWM/ {print $2}' "/proc/$pid/status")
-rss_kb=$(awk '/VmRSS/ {print $2}' "/proc/$pid/status")
+measure_while_switching "$pid" "$seconds" "$switch_seconds" "$alpha" "$beta"
 "$cli" end >/dev/null
 
-awk -v ticks=$((end_ticks - start_ticks)) -v hz="$ticks_per_second" -v elapsed="$elapsed" \
+awk -v ticks="$cpu_ticks_used" -v hz="$ticks_per_second" -v elapsed="$elapsed" \
     -v idle="$idle_kb" -v peak="$peak_kb" -v rss="$rss_kb" -v every="$switch_seconds" \
     -v median="$median_ms" -v runs="$starts" -v all="${timings[*]}" 'BEGIN {
     cpu = ticks / hz

@@ -39,6 +39,16 @@ unset QT_STYLE_OVERRIDE
 
 start_tray_host
 
+# shot_in_dark WINDOW NAME: the window's screenshot in the dark appearance,
+# set as any other process sets it and adopted within a tick; then light again.
+shot_in_dark() {
+    "$cli" prefs set general.appearance dark >/dev/null
+    sleep 2.2
+    shot "$1" "$2"
+    "$cli" prefs set general.appearance light >/dev/null
+    sleep 1.2
+}
+
 # The shortcut is Ctrl+Alt+S (control 0x1000, option 0x800, key code 1).
 "$cli" prefs set shortcuts.globalHotkeyEnabled true >/dev/null
 "$cli" prefs set shortcuts.globalHotkeyKeyCode 1 >/dev/null
@@ -68,11 +78,7 @@ done
 tray click "New Study Session"
 poll_until "the panel" panel_window
 shot "$panel" panel-start-light
-"$cli" prefs set general.appearance dark >/dev/null
-sleep 2.2
-shot "$panel" panel-start-dark
-"$cli" prefs set general.appearance light >/dev/null
-sleep 1.2
+shot_in_dark "$panel" panel-start-dark
 activate "$panel"
 timeout 5 xdotool type --delay 20 "Biology"
 timeout 5 xdotool key Return
@@ -96,10 +102,7 @@ poll_until "the shortcut's resume" tooltip_starts "Lumenote. Recording, "
 tray activate
 poll_until "the panel" panel_window
 shot "$panel" panel-session-light
-"$cli" prefs set general.appearance dark >/dev/null
-sleep 2.2
-shot "$panel" panel-session-dark
-"$cli" prefs set general.appearance light >/dev/null
+shot_in_dark "$panel" panel-session-dark
 
 # ---- a combination another client holds: unavailable with its sentence
 # Ctrl+Alt+K (key code 40) held by another client first.
@@ -120,10 +123,7 @@ notified() { grep -q '"appName": "Lumenote"' "$work/notifications.txt" 2>/dev/nu
 poll_until "the completion notification" notified
 poll_until "the summary panel" panel_window
 shot "$panel" panel-summary-light
-"$cli" prefs set general.appearance dark >/dev/null
-sleep 2.2
-shot "$panel" panel-summary-dark
-"$cli" prefs set general.appearance light >/dev/null
+shot_in_dark "$panel" panel-summary-dark
 sessions=$("$cli" sessions)
 [[ "$sessions" == *Biology* && "$sessions" == *completed* ]] || fail "sessions: $sessions"
 first=$("$cli" sessions --json | "$python" -c 'import json, sys; print(json.load(sys.stdin)[0]["id"])')
