@@ -224,6 +224,8 @@ void DesktopApplication::refresh() {
     statusItem_->refresh();
     if (panel_->isVisible()) {
         panel_->refresh();
+    } else {
+        panel_->followActivity();
     }
     // A question answered elsewhere (another front end's command) goes away.
     const auto& pending = runtime_->manager().pendingNoInputPrompt();

@@ -57,6 +57,21 @@ std::string_view classificationChipText(ActivityClassification classification) {
     return recording::kUnclassifiedName;
 }
 
+std::optional<LiveClassificationTarget> liveClassificationTarget(
+    const std::string& currentBundleIdentifier, const std::string& currentName,
+    const std::optional<recording::ActivitySegment>& open, const std::string& ownBundleIdentifier) {
+    if (currentBundleIdentifier.empty() || currentBundleIdentifier == ownBundleIdentifier) {
+        return std::nullopt;
+    }
+    LiveClassificationTarget target{currentBundleIdentifier, std::nullopt, currentName};
+    if (open && open->tabSessionIdentifier && !open->isInactive &&
+        (open->bundleIdentifier == currentBundleIdentifier ||
+         open->browserBundleIdentifier == currentBundleIdentifier)) {
+        target.tab = open->tabSessionIdentifier;
+    }
+    return target;
+}
+
 LiveSessionPanel liveSessionPanel(const recording::StudySession& session,
                                   const LiveSessionValues& values) {
     LiveSessionPanel panel;

@@ -73,6 +73,30 @@ PostSessionPanel postSessionPanel(const recording::StudySession& session,
                                   const std::vector<recording::PersonalBest>& bests,
                                   bool allowsCelebration);
 
+// What "Classify for this session" changes for the activity in front: the
+// browser tab of a website or PDF recorded in it, else the application.
+struct LiveClassificationTarget {
+    std::string bundleIdentifier;  // the application, or the browser of the tab
+    std::optional<Uuid> tab;       // set for a website or PDF in a browser tab
+    std::string name;              // as the panel names it
+
+    friend bool operator==(const LiveClassificationTarget&,
+                           const LiveClassificationTarget&) = default;
+};
+
+// Nothing while nothing is observed, and never Lumenote itself (always
+// Ignored). `open` is the stretch being recorded, which tells a tab.
+std::optional<LiveClassificationTarget> liveClassificationTarget(
+    const std::string& currentBundleIdentifier, const std::string& currentName,
+    const std::optional<recording::ActivitySegment>& open, const std::string& ownBundleIdentifier);
+
+// The classes offered for the session, in the order of the menu.
+inline constexpr classification::ActivityClassification kSessionClassChoices[] = {
+    classification::ActivityClassification::focused,
+    classification::ActivityClassification::neutral,
+    classification::ActivityClassification::distracting,
+    classification::ActivityClassification::ignored};
+
 // The words of a classification as its chip shows them ("Focused",
 // "Distracting", "Neutral", "Unclassified", "Ignored").
 std::string_view classificationChipText(classification::ActivityClassification classification);

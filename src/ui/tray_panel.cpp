@@ -6,10 +6,12 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QPushButton>
 #include <QScreen>
 #include <QStackedWidget>
 #include <QTimer>
+#include <QToolButton>
 
 #include "shell/panel_history.hpp"
 #include "shell/panel_model.hpp"
@@ -138,6 +140,19 @@ QWidget* TrayPanel::buildSessionPage() {
     activityRow->addWidget(activity_, 1);
     activityRow->addWidget(chip_, 0, Qt::AlignTop);
 
+    classify_ = new QToolButton(page);
+    classify_->setObjectName(QStringLiteral("classifyForSession"));
+    classify_->setText(QStringLiteral("Classify for this session"));
+    classify_->setPopupMode(QToolButton::InstantPopup);
+    classify_->setToolButtonStyle(Qt::ToolButtonTextOnly);
+    auto* classes = new QMenu(classify_);
+    for (const classification::ActivityClassification choice : shell::kSessionClassChoices) {
+        const std::string_view word = shell::classificationChipText(choice);
+        classes->addAction(QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size())),
+                           this, [this, choice] { classifyForSession(choice); });
+    }
+    classify_->setMenu(classes);
+
     pause_ = new QPushButton(page);
     away_ = new QPushButton(page);
     end_ = new QPushButton(QStringLiteral("End"), page);
@@ -178,6 +193,7 @@ QWidget* TrayPanel::buildSessionPage() {
     layout->addWidget(remaining_);
     layout->addSpacing(4);
     layout->addLayout(activityRow);
+    layout->addWidget(classify_, 0, Qt::AlignLeft);
     layout->addWidget(split_);
     layout->addSpacing(6);
     layout->addLayout(controls);
@@ -312,8 +328,10 @@ void TrayPanel::refreshSessionPage() {
     shell::LiveSessionValues values;
     values.timerValue = manager.currentTimerValue();
     values.studyState = manager.liveStudyState();
-    values.activityName = manager.currentApplicationName();
-    values.classification = manager.currentClassification();
+    const SeenActivity* seen = activityBehindPanel();
+    values.activityName = seen != nullptr ? seen->name : std::string();
+    values.classification =
+        seen != nullptr ? seen->classification : manager.currentClassification();
     values.asleep = manager.isSleeping();
     std::tie(values.focusedSeconds, values.distractingSeconds) =
         shell::focusedAndDistractingSeconds(manager.activeSessionSegments(),
@@ -330,6 +348,15 @@ void TrayPanel::refreshSessionPage() {
         chip_->setClassification(*panel.classification);
     }
     split_->setText(qt(panel.splitText));
+    const auto target = seen == nullptr ? std::nullopt
+                                        : shell::liveClassificationTarget(
+                                              seen->bundleIdentifier, seen->name, seen->open,
+                                              recording::kOwnBundleIdentifier);
+    classify_->setVisible(target.has_value() && panel.classification.has_value());
+    if (target) {
+        classify_->setToolTip(QStringLiteral("Choose how %1 counts for the rest of this session")
+                                  .arg(qt(target->name)));
+    }
     pause_->setText(qt(panel.pauseTitle));
     away_->setText(qt(panel.awayTitle));
     away_->setEnabled(!panel.paused);
@@ -410,6 +437,50 @@ void TrayPanel::started(const recording::SessionStartRequest& request) {
     banner_->setVisible(false);
     refresh();
     Q_EMIT sessionStarted();
+}
+
+void TrayPanel::classifyForSession(classification::ActivityClassification choice) {
+    recording::SessionManager& manager = runtime_.manager();
+    const SeenActivity* seen = activityBehindPanel();
+    const auto target = seen == nullptr ? std::nullopt
+                                        : shell::liveClassificationTarget(
+                                              seen->bundleIdentifier, seen->name, seen->open,
+                                              recording::kOwnBundleIdentifier);
+    if (!target || !manager.activeSession()) {
+        return;
+    }
+    seen_->classification = choice;
+    classification::ClassificationRules& rules = runtime_.services().rules();
+    if (target->tab) {
+        rules.setTabOverride(*target->tab, choice);
+    } else {
+        rules.setSessionApplicationOverride(target->bundleIdentifier, choice);
+    }
+    // The stretch in front takes its new class now, not at the next tick.
+    manager.applicationActivated();
+    refresh();
+}
+
+const TrayPanel::SeenActivity* TrayPanel::activityBehindPanel() {
+    recording::SessionManager& manager = runtime_.manager();
+    const auto& session = manager.activeSession();
+    if (!session) {
+        seen_.reset();
+        return nullptr;
+    }
+    if (seen_ && seen_->session != session->id) {
+        seen_.reset();
+    }
+    const std::string& inFront = manager.currentBundleIdentifier();
+    if (inFront != recording::kOwnBundleIdentifier) {
+        if (manager.currentApplicationName().empty()) {
+            seen_.reset();
+        } else {
+            seen_ = SeenActivity{session->id, inFront, manager.currentApplicationName(),
+                                 manager.currentClassification(), manager.openPersistedSegment()};
+        }
+    }
+    return seen_ ? &*seen_ : nullptr;
 }
 
 void TrayPanel::changeEvent(QEvent* event) {

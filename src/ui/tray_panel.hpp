@@ -18,6 +18,7 @@ class QGridLayout;
 class QLabel;
 class QPushButton;
 class QStackedWidget;
+class QToolButton;
 
 namespace lumenote::ui {
 
@@ -46,6 +47,9 @@ class TrayPanel final : public QFrame {
     // the page it belongs to.
     void showError(const QString& message);
     Page page() const { return page_; }
+    // Notes what is in front while the panel is closed, so that it can
+    // speak of it once it opens (and is itself in front).
+    void followActivity() { (void)activityBehindPanel(); }
     StartSessionForm& startForm() { return *form_; }
 
   Q_SIGNALS:
@@ -67,9 +71,26 @@ class TrayPanel final : public QFrame {
     void startFromForm();
     void startFromTemplate(const Uuid& templateID);
     void started(const recording::SessionStartRequest& request);
+    // Gives the activity in front `choice` for the rest of this session.
+    void classifyForSession(classification::ActivityClassification choice);
+
+    // The activity in front before the panel itself came forward: opening
+    // the panel puts Lumenote in front, and the panel speaks of what the
+    // user came from.
+    struct SeenActivity {
+        Uuid session;
+        std::string bundleIdentifier;
+        std::string name;
+        classification::ActivityClassification classification;
+        std::optional<recording::ActivitySegment> open;
+    };
+    // Remembers the activity in front unless it is Lumenote; the one the
+    // panel speaks of.
+    const SeenActivity* activityBehindPanel();
 
     runtime::RecorderRuntime& runtime_;
     settings::SessionTemplateStore& templates_;
+    std::optional<SeenActivity> seen_;
     Page page_ = Page::start;
     QLabel* banner_;
     QStackedWidget* pages_;
@@ -86,6 +107,7 @@ class TrayPanel final : public QFrame {
     QLabel* activity_;
     ClassificationChip* chip_;
     QLabel* split_;
+    QToolButton* classify_;
     QPushButton* pause_;
     QPushButton* away_;
     QPushButton* end_;

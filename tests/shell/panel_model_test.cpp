@@ -111,6 +111,31 @@ TEST(PostSessionPanelText, ScoreOnlyWithAMinuteOfEvidenceAndPraiseOnlyWhenAllowe
     EXPECT_TRUE(panel.coverageText.empty());
 }
 
+TEST(LiveClassification, TargetsTheTabInFrontElseTheApplicationAndNeverLumenote) {
+    const std::string own = "com.tallywise.Lumenote";
+    EXPECT_FALSE(liveClassificationTarget("", "", std::nullopt, own));
+    EXPECT_FALSE(liveClassificationTarget(own, "Lumenote", std::nullopt, own));
+    const auto editor =
+        liveClassificationTarget("org.gnome.TextEditor", "Text Editor", std::nullopt, own);
+    ASSERT_TRUE(editor);
+    EXPECT_EQ(editor->bundleIdentifier, "org.gnome.TextEditor");
+    EXPECT_FALSE(editor->tab);
+
+    auto website = segment(30.0, ActivityClassification::unclassified);
+    website.bundleIdentifier = "org.chromium.Chromium";
+    website.browserBundleIdentifier = "org.chromium.Chromium";
+    website.hostname = "example.org";
+    website.tabSessionIdentifier = Uuid::generate();
+    const auto tab = liveClassificationTarget("org.chromium.Chromium", "example.org", website, own);
+    ASSERT_TRUE(tab);
+    EXPECT_EQ(tab->tab, website.tabSessionIdentifier);
+    // A stretch of another application, or one without input, names no tab.
+    EXPECT_FALSE(
+        liveClassificationTarget("org.gnome.TextEditor", "Text Editor", website, own)->tab);
+    website.isInactive = true;
+    EXPECT_FALSE(liveClassificationTarget("org.chromium.Chromium", "Chromium", website, own)->tab);
+}
+
 TEST(TodaysStudyLine, SaysTheFigureAndTheGoal) {
     EXPECT_EQ(todaysStudyText(0.0, 0), "Nothing studied yet today");
     EXPECT_EQ(todaysStudyText(0.0, 120), "Nothing studied yet today (goal: 2 h 00 min)");

@@ -1,4 +1,7 @@
 #include "platform/linux/x11_frontmost_application.hpp"
+#include "recording/session_manager.hpp"
+
+#include <unistd.h>
 
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
@@ -167,6 +170,14 @@ std::optional<recording::FrontmostApplication> X11FrontmostApplicationSource::re
     const auto windowClass = readStringProperty(display, window, XA_WM_CLASS, XA_STRING);
     if (!gtkApplicationId || !windowClass) {
         return std::nullopt;
+    }
+    // The recorder's own windows (the desktop application's panel and
+    // questions) are Lumenote itself, whatever their class says, so that
+    // looking at the recorder is recorded as its own, ignored activity.
+    if (const auto process = processID(window); process && *process == ::getpid()) {
+        recording::FrontmostApplication own{"Lumenote", recording::kOwnBundleIdentifier};
+        cache_.emplace(window, own);
+        return own;
     }
     WindowClassHints hints;
     hints.gtkApplicationId = *gtkApplicationId;
