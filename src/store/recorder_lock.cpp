@@ -43,9 +43,11 @@ std::string recorderLockMessage(const RecorderLockError& error) {
         case RecorderLockFailure::heldByAnotherProcess:
             if (error.holderProcessId) {
                 return "Another Lumenote process (pid " + std::to_string(*error.holderProcessId) +
-                       ") is already recording.";
+                       ") is already recording, or waits in the tray to record: use it, or quit "
+                       "it first.";
             }
-            return "Another Lumenote process is already recording.";
+            return "Another Lumenote process is already recording, or waits in the tray to "
+                   "record: use it, or quit it first.";
         case RecorderLockFailure::unusable:
             return "Lumenote could not take its recording lock (" + error.detail + ").";
     }

@@ -118,7 +118,8 @@ TEST_F(RecorderLockTest, ASecondLockInTheSameProcessIsRefusedUntilTheFirstIsRele
         EXPECT_EQ(second.error().failure, store::RecorderLockFailure::heldByAnotherProcess);
         EXPECT_EQ(store::recorderLockMessage(second.error()), "Another Lumenote process (pid " +
                                                                   std::to_string(::getpid()) +
-                                                                  ") is already recording.");
+                                                                  ") is already recording, or waits in the tray to record: use it, or "
+                                     "quit it first.");
         // The refused attempt leaves the holder's id in place.
         EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
     }
@@ -136,7 +137,8 @@ TEST_F(RecorderLockTest, ALockHeldByAnotherProcessNamesItAndIsFreedWhenThatProce
     EXPECT_EQ(refused.error().holderProcessId, child.pid());
     EXPECT_EQ(
         store::recorderLockMessage(refused.error()),
-        "Another Lumenote process (pid " + std::to_string(child.pid()) + ") is already recording.");
+        "Another Lumenote process (pid " + std::to_string(child.pid()) + ") is already recording, or waits in the tray to record: use it, or "
+                                     "quit it first.");
 
     // The child ends without releasing: its id stays in the file, yet the
     // lock died with it.
@@ -159,7 +161,8 @@ TEST_F(RecorderLockTest, AHolderWhoseIdCannotBeReadIsStillRefusedWithoutAnId) {
         ASSERT_FALSE(refused.ok());
         EXPECT_FALSE(refused.error().holderProcessId);
         EXPECT_EQ(store::recorderLockMessage(refused.error()),
-                  "Another Lumenote process is already recording.");
+                  "Another Lumenote process is already recording, or waits in the tray to "
+                  "record: use it, or quit it first.");
     }
 }
 
