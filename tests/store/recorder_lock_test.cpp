@@ -116,10 +116,10 @@ TEST_F(RecorderLockTest, ASecondLockInTheSameProcessIsRefusedUntilTheFirstIsRele
         auto second = store::RecorderLock::acquire(lockFile());
         ASSERT_FALSE(second.ok());
         EXPECT_EQ(second.error().failure, store::RecorderLockFailure::heldByAnotherProcess);
-        EXPECT_EQ(store::recorderLockMessage(second.error()), "Another Lumenote process (pid " +
-                                                                  std::to_string(::getpid()) +
-                                                                  ") is already recording, or waits in the tray to record: use it, or "
-                                     "quit it first.");
+        EXPECT_EQ(store::recorderLockMessage(second.error()),
+                  "Another Lumenote process (pid " + std::to_string(::getpid()) +
+                      ") is already recording, or waits in the tray to record: use it, or "
+                      "quit it first.");
         // The refused attempt leaves the holder's id in place.
         EXPECT_EQ(contentsOf(lockFile()), std::to_string(::getpid()) + "\n");
     }
@@ -135,10 +135,10 @@ TEST_F(RecorderLockTest, ALockHeldByAnotherProcessNamesItAndIsFreedWhenThatProce
     auto refused = store::RecorderLock::acquire(lockFile());
     ASSERT_FALSE(refused.ok());
     EXPECT_EQ(refused.error().holderProcessId, child.pid());
-    EXPECT_EQ(
-        store::recorderLockMessage(refused.error()),
-        "Another Lumenote process (pid " + std::to_string(child.pid()) + ") is already recording, or waits in the tray to record: use it, or "
-                                     "quit it first.");
+    EXPECT_EQ(store::recorderLockMessage(refused.error()),
+              "Another Lumenote process (pid " + std::to_string(child.pid()) +
+                  ") is already recording, or waits in the tray to record: use it, or "
+                  "quit it first.");
 
     // The child ends without releasing: its id stays in the file, yet the
     // lock died with it.
