@@ -127,11 +127,14 @@ Result<void, StoreError> upsertOne(SqliteConnection& connection, const TableLayo
     return (*statement)->run();
 }
 
-// Steps `statement` to its end, reading each row with `read`.
+// Steps `statement` to its end, reading each row with `read`. `expected`
+// reserves room for that many rows up front, sparing the re-allocations of a
+// growing vector where the usual count is known.
 template <typename Read>
-auto collect(StatementLoan& statement, Read read)
+auto collect(StatementLoan& statement, Read read, std::size_t expected = 0)
     -> Result<std::vector<decltype(read(*statement))>, StoreError> {
     std::vector<decltype(read(*statement))> records;
+    records.reserve(expected);
     while (true) {
         auto row = statement->step();
         if (!row) {
@@ -161,6 +164,11 @@ void orderEqualStartsById(std::vector<recording::ActivitySegment>& segments) {
         run = next;
     }
 }
+
+// A long session holds a few hundred segments; most hold fewer than a
+// hundred. Reserving this many spares most sessions every re-allocation while
+// a whole-history walk reads them one after another.
+constexpr std::size_t kUsualSegmentsPerSession = 128;
 
 template <typename Read>
 auto queryAll(SqliteConnection& connection, const std::string& sql, Read read)
@@ -312,7 +320,7 @@ Result<void, StoreError> SqliteRecordingStore::loadChildren(recording::StudySess
             return fail(statement.error());
         }
         (*statement)->bind(1, session.id);
-        auto segments = collect(*statement, readSegment);
+        auto segments = collect(*statement, readSegment, kUsualSegmentsPerSession);
         if (!segments) {
             return fail(segments.error());
         }
