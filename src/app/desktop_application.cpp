@@ -304,8 +304,7 @@ Result<void, std::string> DesktopApplication::present() {
 }
 
 void DesktopApplication::startGlobalShortcut() {
-    auto grabber = platform::linux_desktop::X11HotkeyGrabber::open(
-        [](const char* name) { return std::getenv(name); });
+    auto grabber = platform::linux_desktop::X11HotkeyGrabber::open(processEnvironmentValue);
     if (grabber.ok()) {
         hotkeyGrabber_ = std::move(grabber).value();
         hotkeyEvents_ = std::make_unique<QSocketNotifier>(hotkeyGrabber_->fileDescriptor(),

@@ -141,8 +141,7 @@ Result<std::string, BrowserBridgeStoreError> BrowserBridgeStore::prepare() {
         return fail(BrowserBridgeStoreError::tokenUnavailable);
     }
     if (existing || existing.error() == PrivateFileError::tooLarge) {
-        if (!private_file::quarantine(tokenPath(),
-                                      Date::fromSystemClock(std::chrono::system_clock::now()))) {
+        if (!private_file::quarantine(tokenPath(), systemNow())) {
             return fail(BrowserBridgeStoreError::tokenUnavailable);
         }
     }

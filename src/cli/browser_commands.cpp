@@ -38,14 +38,6 @@ void showBrowserEvents(CliContext& context) {
     }
 }
 
-const char* environmentValue(const char* name) {
-    return std::getenv(name);
-}
-
-Date systemNow() {
-    return Date::fromSystemClock(std::chrono::system_clock::now());
-}
-
 // The browsers named, or `fallback` when none was.
 std::optional<std::vector<bridge::SupportedBrowser>> chosenBrowsers(
     CliContext& context, const std::vector<std::string>& names,
@@ -83,7 +75,7 @@ void changeEach(CliContext& context, const std::vector<bridge::SupportedBrowser>
 }
 
 void registerBrowsers(CliContext& context, const std::vector<std::string>& names) {
-    const auto locations = bridge::BrowserSearchLocations::fromEnvironment(environmentValue);
+    const auto locations = bridge::BrowserSearchLocations::fromEnvironment(processEnvironmentValue);
     std::vector<bridge::SupportedBrowser> installed;
     for (const auto browser : registrableBrowsers()) {
         if (bridge::browserInstalled(browser, locations)) {
@@ -140,13 +132,13 @@ void showBrowserStatus(CliContext& context, const std::vector<std::string>& name
         const Date now = systemNow();
         const auto checker = registrationChecker(context);
         const bridge::BrowserBridgeStore store(
-            bridge::BrowserBridgeStore::defaultRoot(context.paths, environmentValue));
+            bridge::BrowserBridgeStore::defaultRoot(context.paths, processEnvironmentValue));
         const auto extensions = bridge::BrowserExtensionStatusService::readNow(store, now);
         const auto state = store.readState();
         const bridge::BrowserStatusSources sources{
             checker,
             extensions,
-            bridge::BrowserSearchLocations::fromEnvironment(environmentValue),
+            bridge::BrowserSearchLocations::fromEnvironment(processEnvironmentValue),
             state,
             std::nullopt,
             state && state->sessionRunning,

@@ -21,8 +21,8 @@ std::string lowered(std::string_view text) {
 }  // namespace
 
 bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context) {
-    return bridge::NativeHostRegistrationChecker(bridge::nativeHostConfiguration(
-        context.paths, [](const char* name) { return std::getenv(name); }));
+    return bridge::NativeHostRegistrationChecker(
+        bridge::nativeHostConfiguration(context.paths, processEnvironmentValue));
 }
 
 std::vector<bridge::SupportedBrowser> registrableBrowsers() {

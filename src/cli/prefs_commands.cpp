@@ -20,10 +20,6 @@ namespace lumenote::cli {
 
 namespace {
 
-Date systemNow() {
-    return Date::fromSystemClock(std::chrono::system_clock::now());
-}
-
 // The user's preferences, opened for one command.
 struct OpenPreferences {
     settings::JsonFileDefaultsDomain domain;

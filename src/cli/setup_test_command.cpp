@@ -18,8 +18,7 @@ void runSetupTestCommand(CliContext& context, bool reportOnly) {
     const runtime::SetupTestSurroundings surroundings{context.paths, LUMENOTE_VERSION,
                                                       LUMENOTE_BUILD_NUMBER};
     const bridge::SetupTestReport report =
-        bridge::runSetupTest(runtime::gatherSetupTestInput(surroundings),
-                             Date::fromSystemClock(std::chrono::system_clock::now()));
+        bridge::runSetupTest(runtime::gatherSetupTestInput(surroundings), systemNow());
     if (reportOnly) {
         context.out << report.diagnosticText;
     } else {

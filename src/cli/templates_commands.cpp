@@ -19,10 +19,6 @@ namespace lumenote::cli {
 
 namespace {
 
-Date systemNow() {
-    return Date::fromSystemClock(std::chrono::system_clock::now());
-}
-
 // The user's templates, opened for one command. What the load found (a
 // quarantined, refused or newer file) is told on the error stream first.
 struct OpenTemplates {

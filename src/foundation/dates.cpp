@@ -137,6 +137,10 @@ Date Date::fromSystemClock(std::chrono::system_clock::time_point point) {
     return fromUnixSeconds(since.count());
 }
 
+Date systemNow() {
+    return Date::fromSystemClock(std::chrono::system_clock::now());
+}
+
 double Date::millisecondsSince1970() const {
     return std::round(unixSeconds() * 1000.0);
 }

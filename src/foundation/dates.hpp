@@ -45,6 +45,10 @@ struct Date {
     friend auto operator<=>(const Date&, const Date&) = default;
 };
 
+// The system clock's date now. Only the edges of a program (its main, a
+// command's handler) read it: everything below them is given its time.
+Date systemNow();
+
 struct Iso8601Options {
     bool fractionalSeconds = false;  // ".SSS" milliseconds
     // Offset east of UTC in seconds; nullopt writes "Z".

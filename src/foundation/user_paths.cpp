@@ -34,8 +34,12 @@ UserPaths UserPaths::fromEnvironment(const EnvironmentLookup& lookup) {
     return paths;
 }
 
+const char* processEnvironmentValue(const char* name) {
+    return std::getenv(name);
+}
+
 UserPaths UserPaths::fromProcessEnvironment() {
-    return fromEnvironment([](const char* name) { return std::getenv(name); });
+    return fromEnvironment(processEnvironmentValue);
 }
 
 }  // namespace foundation

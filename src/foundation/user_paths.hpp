@@ -11,6 +11,9 @@ inline namespace foundation {
 // Looks up an environment variable; nullptr when unset.
 using EnvironmentLookup = std::function<const char*(const char*)>;
 
+// The lookup of this process's own environment.
+const char* processEnvironmentValue(const char* name);
+
 struct UserPaths {
     std::filesystem::path dataHome;    // $XDG_DATA_HOME, else ~/.local/share
     std::filesystem::path configHome;  // $XDG_CONFIG_HOME, else ~/.config

@@ -19,14 +19,6 @@ namespace lumenote::runtime {
 
 namespace {
 
-const char* environmentValue(const char* name) {
-    return std::getenv(name);
-}
-
-Date systemNow() {
-    return Date::fromSystemClock(std::chrono::system_clock::now());
-}
-
 template <typename T>
 std::optional<std::size_t> sizeOf(Result<std::vector<T>, StoreError> rows) {
     return rows ? std::optional<std::size_t>(rows->size()) : std::nullopt;
@@ -87,10 +79,11 @@ portability::DiagnosticReportFacts gatherDiagnosticReportFacts(
     countStore(surroundings.paths, facts);
 
     const bridge::BrowserBridgeStore bridgeStore(
-        bridge::BrowserBridgeStore::defaultRoot(surroundings.paths, environmentValue));
+        bridge::BrowserBridgeStore::defaultRoot(surroundings.paths, processEnvironmentValue));
     const auto extensions =
         bridge::BrowserExtensionStatusService::readNow(bridgeStore, facts.generatedAt);
-    const auto installations = bridge::BrowserSearchLocations::fromEnvironment(environmentValue);
+    const auto installations =
+        bridge::BrowserSearchLocations::fromEnvironment(processEnvironmentValue);
     for (const auto& [browser, name] : RawValues<bridge::SupportedBrowser>::entries) {
         facts.browserReadiness.emplace_back(
             browser, portability::browserReadiness(bridge::browserInstalled(browser, installations),

@@ -23,14 +23,6 @@
 
 namespace lumenote::runtime {
 
-namespace {
-
-const char* environmentValue(const char* name) {
-    return std::getenv(name);
-}
-
-}  // namespace
-
 // Declared in the order they are built: each member refers only to those
 // above it, and they are destroyed in reverse.
 struct RecorderServices::Parts {
@@ -45,9 +37,9 @@ struct RecorderServices::Parts {
           recordingPreferences(preferences),
           checkpoints(paths.applicationData(), wallClock),
           personalBests({*store, *store, recordingPreferences, LocalCalendar::current(), {}}),
-          bridgeStore(bridge::BrowserBridgeStore::defaultRoot(paths, environmentValue)),
+          bridgeStore(bridge::BrowserBridgeStore::defaultRoot(paths, processEnvironmentValue)),
           browser(bridgeStore, wallClock, static_cast<std::int32_t>(::getpid())),
-          registration(bridge::nativeHostConfiguration(paths, environmentValue)),
+          registration(bridge::nativeHostConfiguration(paths, processEnvironmentValue)),
           notifications(QDBusConnection::sessionBus()) {}
 
     UserPaths paths;
@@ -94,7 +86,7 @@ Result<std::unique_ptr<RecorderServices>, ServicesOpenError> RecorderServices::o
     recording::FrontmostApplicationSource* frontmost = &parts->headless.frontmostApplication;
     recording::IdleTimeProvider* idle = &parts->headless.idleTime;
     if (auto opened =
-            platform::linux_desktop::X11FrontmostApplicationSource::open(environmentValue);
+            platform::linux_desktop::X11FrontmostApplicationSource::open(processEnvironmentValue);
         opened.ok()) {
         parts->x11 = std::move(opened).value();
         parts->x11Idle = std::make_unique<platform::linux_desktop::XScreenSaverIdleTimeProvider>(
@@ -186,7 +178,7 @@ std::string RecorderServices::browserStatusJson() {
     const bridge::BrowserStatusSources sources{
         parts_->registration,
         browser.extensionStatus(),
-        bridge::BrowserSearchLocations::fromEnvironment(environmentValue),
+        bridge::BrowserSearchLocations::fromEnvironment(processEnvironmentValue),
         parts_->bridgeStore.readState(),
         static_cast<std::int32_t>(::getpid()),
         browser.runningSession().has_value(),

@@ -30,8 +30,8 @@ SetupCheck checkSetup() {
     QCoreApplication application(argc, argv);
     SetupCheck check;
 
-    auto x11 = platform::linux_desktop::X11FrontmostApplicationSource::open(
-        [](const char* key) { return std::getenv(key); });
+    auto x11 =
+        platform::linux_desktop::X11FrontmostApplicationSource::open(processEnvironmentValue);
     if (x11.ok()) {
         platform::linux_desktop::XScreenSaverIdleTimeProvider idle((*x11)->connection());
         check.report +=

@@ -18,31 +18,19 @@
 
 namespace lumenote::runtime {
 
-namespace {
-
-const char* environmentValue(const char* name) {
-    return std::getenv(name);
-}
-
-Date systemNow() {
-    return Date::fromSystemClock(std::chrono::system_clock::now());
-}
-
-}  // namespace
-
 bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroundings) {
     using bridge::SupportedBrowser;
     bridge::SetupTestInput input;
     const Date now = systemNow();
 
     input.applicationObservationAvailable =
-        platform::linux_desktop::X11FrontmostApplicationSource::open(environmentValue).ok();
+        platform::linux_desktop::X11FrontmostApplicationSource::open(processEnvironmentValue).ok();
     input.samplingPipelinePassed = recording::samplingPipelineSelfTest();
     input.persistenceReadable = store::storeIsReadable(store::storePath(surroundings.paths));
 
-    input.chromeInstalled =
-        bridge::browserInstalled(SupportedBrowser::googleChrome,
-                                 bridge::BrowserSearchLocations::fromEnvironment(environmentValue));
+    input.chromeInstalled = bridge::browserInstalled(
+        SupportedBrowser::googleChrome,
+        bridge::BrowserSearchLocations::fromEnvironment(processEnvironmentValue));
     settings::JsonFileDefaultsDomain defaults(
         settings::JsonFileDefaultsDomain::pathFor(surroundings.paths), systemNow);
     const settings::PreferencesStore preferences(defaults);
@@ -50,11 +38,11 @@ bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroun
     input.notificationPreferenceEnabled = preferences.notificationsEnabled();
 
     const bridge::NativeHostRegistrationChecker checker(
-        bridge::nativeHostConfiguration(surroundings.paths, environmentValue));
+        bridge::nativeHostConfiguration(surroundings.paths, processEnvironmentValue));
     input.nativeHost = checker.check(SupportedBrowser::googleChrome);
 
     const bridge::BrowserBridgeStore store(
-        bridge::BrowserBridgeStore::defaultRoot(surroundings.paths, environmentValue));
+        bridge::BrowserBridgeStore::defaultRoot(surroundings.paths, processEnvironmentValue));
     const auto extensions = bridge::BrowserExtensionStatusService::readNow(store, now);
     const bridge::BrowserExtensionStatus& chrome =
         extensions.status(SupportedBrowser::googleChrome);

@@ -397,7 +397,7 @@ std::size_t TerminalRecorder::lineWidth() const {
 }
 
 std::string TerminalRecorder::timestamp() const {
-    const Date now = Date::fromSystemClock(std::chrono::system_clock::now());
+    const Date now = systemNow();
     return "[" + calendar_.formatIso8601(now).substr(11, 8) + "] ";
 }
 

@@ -45,10 +45,6 @@ constexpr const char* kHelp =
     "  TALLYWISE_BRIDGE_DIR  the bridge directory, instead of\n"
     "                        $XDG_DATA_HOME/Tallywise/BrowserBridge\n";
 
-const char* environmentValue(const char* name) {
-    return std::getenv(name);
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -86,8 +82,8 @@ int main(int argc, char** argv) {
     // A browser that stops reading ends the host through a failed write, not
     // through SIGPIPE.
     std::signal(SIGPIPE, SIG_IGN);
-    BrowserBridgeStore store(
-        BrowserBridgeStore::defaultRoot(UserPaths::fromProcessEnvironment(), environmentValue));
+    BrowserBridgeStore store(BrowserBridgeStore::defaultRoot(UserPaths::fromProcessEnvironment(),
+                                                             processEnvironmentValue));
     platform::system::SystemWallClock clock;
     host::SystemProcessProbe processes;
     host::DescriptorFrameSink output(STDOUT_FILENO);
