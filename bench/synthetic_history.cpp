@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "store/sqlite_connection.hpp"
+#include "store/sqlite_indexes.hpp"
 #include "store/sqlite_recording_store.hpp"
 #include "store/store_rows.hpp"
 
@@ -471,38 +472,6 @@ std::vector<classification::WebsiteClassification> HistoryWriter::websiteRules()
     return rules;
 }
 
-// Drops the indexes that are not part of a table's key and returns the
-// statements that create them again.
-Result<std::vector<std::string>, StoreError> dropSecondaryIndexes(
-    store::SqliteConnection& connection) {
-    std::vector<std::pair<std::string, std::string>> indexes;
-    {
-        auto statement = connection.cached(
-            "SELECT name, sql FROM sqlite_schema WHERE type = 'index' AND sql IS NOT NULL");
-        if (!statement) {
-            return fail(statement.error());
-        }
-        while (true) {
-            auto row = (*statement)->step();
-            if (!row) {
-                return fail(row.error());
-            }
-            if (!*row) {
-                break;
-            }
-            indexes.emplace_back((*statement)->textAt(0), (*statement)->textAt(1));
-        }
-    }
-    std::vector<std::string> creates;
-    for (const auto& [name, sql] : indexes) {
-        if (auto dropped = connection.execute("DROP INDEX " + name); !dropped) {
-            return fail(dropped.error());
-        }
-        creates.push_back(sql);
-    }
-    return creates;
-}
-
 template <typename Record>
 Result<void, StoreError> insertAll(store::SqliteConnection& connection,
                                    const store::TableLayout& layout,
@@ -598,7 +567,7 @@ Result<SyntheticHistorySummary, StoreError> writeSyntheticHistory(
     }
     std::vector<std::string> deferred;
     if (options.deferIndexes) {
-        auto dropped = dropSecondaryIndexes(**connection);
+        auto dropped = store::dropSecondaryIndexes(**connection);
         if (!dropped) {
             return fail(dropped.error());
         }

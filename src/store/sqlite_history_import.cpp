@@ -3,6 +3,7 @@
 #include <cassert>
 #include <string>
 
+#include "store/sqlite_indexes.hpp"
 #include "store/store_rows.hpp"
 
 namespace lumenote::store {
@@ -94,30 +95,11 @@ Result<void, StoreError> SqliteHistoryImport::removeHistoryAndRules() {
     }
     // The tables are empty now: their secondary indexes are built once at
     // the commit, from sorted keys, instead of row by row.
-    std::vector<std::pair<std::string, std::string>> indexes;
-    {
-        auto statement = connection_.cached(
-            "SELECT name, sql FROM sqlite_schema WHERE type = 'index' AND sql IS NOT NULL");
-        if (!statement) {
-            return fail(statement.error());
-        }
-        while (true) {
-            auto row = (*statement)->step();
-            if (!row) {
-                return fail(row.error());
-            }
-            if (!*row) {
-                break;
-            }
-            indexes.emplace_back((*statement)->textAt(0), (*statement)->textAt(1));
-        }
+    auto dropped = dropSecondaryIndexes(connection_);
+    if (!dropped) {
+        return fail(dropped.error());
     }
-    for (auto& [name, sql] : indexes) {
-        if (auto dropped = connection_.execute("DROP INDEX \"" + name + "\""); !dropped) {
-            return dropped;
-        }
-        deferredIndexes_.push_back(std::move(sql));
-    }
+    deferredIndexes_ = std::move(*dropped);
     return {};
 }
 
