@@ -12,18 +12,13 @@
 #include "recording/session_notices.hpp"
 #include "shell/global_hotkey_coordinator.hpp"
 #include "shell/launch_at_login.hpp"
+#include "ui/qt_text.hpp"
 #include "ui/questions.hpp"
 #include "ui/tray_panel.hpp"
 
 namespace lumenote::app {
 
-namespace {
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-}  // namespace
+using ui::qt;
 
 DesktopApplication::DesktopApplication(AppDependencies dependencies, Options options)
     : dependencies_(std::move(dependencies)), options_(options) {
@@ -75,7 +70,7 @@ std::vector<std::string> DesktopApplication::begin() {
             "This desktop shows no tray icons, so Lumenote opens its panel in a window instead.");
     }
     for (const std::string& warning : dependencies_.startupWarnings) {
-        panel_->showError(QString::fromStdString(warning));
+        panel_->showError(qt(warning));
     }
     if (runtime_->manager().pendingRecoverySession()) {
         offerRecovery();
@@ -258,7 +253,7 @@ void DesktopApplication::announceEndedElsewhere() {
 }
 
 void DesktopApplication::showError(const std::string& message) {
-    panel_->showError(QString::fromStdString(message));
+    panel_->showError(qt(message));
 }
 
 void DesktopApplication::noInputQuestionArrived(

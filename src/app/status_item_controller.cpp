@@ -4,14 +4,13 @@
 #include <QCursor>
 
 #include "shell/panel_model.hpp"
+#include "ui/qt_text.hpp"
 
 namespace lumenote::app {
 
-namespace {
+using ui::qt;
 
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
+namespace {
 
 bool onDarkPanel() {
     return QApplication::palette().color(QPalette::Window).lightness() < 128;
@@ -89,7 +88,7 @@ void TallywiseStatusItemController::draw(const shell::MenuBarStatus& status) {
         drawnImage_ = image;
         iconDrawn_ = true;
     }
-    const QString tooltip = QString::fromStdString(shell::menuBarAccessibilityText(status));
+    const QString tooltip = qt(shell::menuBarAccessibilityText(status));
     if (tooltip != statusItem_.toolTip()) {
         statusItem_.setToolTip(tooltip);
     }
@@ -107,13 +106,12 @@ void TallywiseStatusItemController::updateMenu(const shell::MenuBarStatus& statu
             statusLine_->setText(QStringLiteral("No session running"));
             break;
         case Activity::recording:
-            statusLine_->setText(
-                status.studyState == recording::LiveStudyState::passiveStudy
-                    ? QStringLiteral("Studying away · %1").arg(QString::fromStdString(title))
-                    : QStringLiteral("Recording · %1").arg(QString::fromStdString(title)));
+            statusLine_->setText(status.studyState == recording::LiveStudyState::passiveStudy
+                                     ? QStringLiteral("Studying away · %1").arg(qt(title))
+                                     : QStringLiteral("Recording · %1").arg(qt(title)));
             break;
         case Activity::paused:
-            statusLine_->setText(QStringLiteral("Paused · %1").arg(QString::fromStdString(title)));
+            statusLine_->setText(QStringLiteral("Paused · %1").arg(qt(title)));
             break;
     }
     menuStatus_ = status;

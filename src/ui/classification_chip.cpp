@@ -4,6 +4,7 @@
 #include <QEvent>
 
 #include "shell/panel_model.hpp"
+#include "ui/qt_text.hpp"
 
 namespace lumenote::ui {
 
@@ -53,7 +54,7 @@ void ClassificationChip::restyle() {
     const bool dark = isDark(QApplication::palette());
     const QColor background = classificationColor(classification_, dark);
     const QColor foreground = dark ? QColor(0xf6, 0xf5, 0xf4) : QColor(0x24, 0x1f, 0x31);
-    const QString word = QString::fromUtf8(shell::classificationChipText(classification_).data());
+    const QString word = qt(shell::classificationChipText(classification_));
     setText(word);
     setAccessibleName(word);
     const QString style = QStringLiteral(

@@ -6,16 +6,13 @@
 #include <QPushButton>
 
 #include "recording/session_figures.hpp"
+#include "ui/qt_text.hpp"
 
 namespace lumenote::ui {
 
 namespace {
 
 using Answer = recording::SessionManager::NoInputPromptAnswer;
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QLabel* wrapped(const QString& text, QWidget* parent, bool bold = false) {
     auto* label = new QLabel(text, parent);
@@ -92,7 +89,7 @@ RecoveryQuestion::RecoveryQuestion(const recording::ActiveSessionRecoverySummary
     layout->addWidget(wrapped(qt(recording::kRecoveryPromptTitle), this, true));
     layout->addWidget(
         wrapped(QStringLiteral("“%1”, last confirmed at %2 (%3 of %4).")
-                    .arg(QString::fromStdString(subject),
+                    .arg(qt(subject),
                          qt(recording::shortLocalTime(summary.lastConfirmedActivityAt, calendar)),
                          qt(recording::clockDurationText(summary.confirmedDuration)),
                          qt(calendar.dayKey(summary.startTime))),

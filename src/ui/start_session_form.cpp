@@ -1,4 +1,5 @@
 #include "ui/start_session_form.hpp"
+#include "ui/qt_text.hpp"
 
 #include <QAbstractItemView>
 #include <QBoxLayout>
@@ -15,10 +16,6 @@
 namespace lumenote::ui {
 
 namespace {
-
-QString qt(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 constexpr recording::StudySessionMode kModes[] = {recording::StudySessionMode::computerBased,
                                                   recording::StudySessionMode::mixedStudy,
@@ -140,12 +137,12 @@ void StartSessionForm::load(const shell::SessionStartForm& form,
                             const std::vector<std::string>& subjects) {
     QStringList list;
     for (const std::string& subject : subjects) {
-        list.append(QString::fromStdString(subject));
+        list.append(qt(subject));
     }
     subjects_->setStringList(list);
-    subject_->setText(QString::fromStdString(form.subject));
-    goal_->setText(QString::fromStdString(form.goal));
-    minutes_->setText(QString::fromStdString(form.durationMinutes));
+    subject_->setText(qt(form.subject));
+    goal_->setText(qt(form.goal));
+    minutes_->setText(qt(form.durationMinutes));
     (form.timingMode == recording::SessionTimingMode::timer ? timer_ : openEnded_)
         ->setChecked(true);
     studyMode_->setCurrentIndex(studyMode_->findData(static_cast<int>(form.studyMode)));
@@ -184,7 +181,7 @@ void StartSessionForm::showRefusal(const shell::FormRefusal& refusal) {
         case shell::FormField::wholeForm:
             break;
     }
-    label->setText(QString::fromStdString(refusal.message));
+    label->setText(qt(refusal.message));
     label->setVisible(true);
     field->setAccessibleDescription(label->text());
     field->setFocus();

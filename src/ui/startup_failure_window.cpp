@@ -7,14 +7,13 @@
 #include <QStyle>
 
 #include "shell/startup_failure.hpp"
+#include "ui/qt_text.hpp"
 
 namespace lumenote::ui {
 
 StartupFailureWindow::StartupFailureWindow(const QString& text, QWidget* parent)
     : QWidget(parent, Qt::Window) {
-    const QString title =
-        QString::fromUtf8(shell::kStartupFailureTitle.data(),
-                          static_cast<qsizetype>(shell::kStartupFailureTitle.size()));
+    const QString title = qt(shell::kStartupFailureTitle);
     setWindowTitle(title);
     setMinimumWidth(460);
 
