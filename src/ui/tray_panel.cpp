@@ -18,6 +18,7 @@
 #include "shell/session_start_form.hpp"
 #include "ui/classification_chip.hpp"
 #include "ui/goal_ring.hpp"
+#include "ui/qt_text.hpp"
 #include "ui/start_session_form.hpp"
 
 namespace lumenote::ui {
@@ -28,10 +29,6 @@ namespace {
 constexpr std::size_t kQuickStartTemplates = 4;
 constexpr int kPanelWidth = 380;
 constexpr int kPanelMargin = 16;
-
-QString qt(const std::string& text) {
-    return QString::fromStdString(text);
-}
 
 QLabel* label(QWidget* parent, qreal scale = 1.0, bool bold = false) {
     auto* made = new QLabel(parent);
@@ -148,8 +145,7 @@ QWidget* TrayPanel::buildSessionPage() {
     auto* classes = new QMenu(classify_);
     for (const classification::ActivityClassification choice : shell::kSessionClassChoices) {
         const std::string_view word = shell::classificationChipText(choice);
-        classes->addAction(QString::fromUtf8(word.data(), static_cast<qsizetype>(word.size())),
-                           this, [this, choice] { classifyForSession(choice); });
+        classes->addAction(qt(word), this, [this, choice] { classifyForSession(choice); });
     }
     classify_->setMenu(classes);
 
@@ -242,6 +238,9 @@ QWidget* TrayPanel::buildSummaryPage() {
 
 void TrayPanel::popUp(const QPoint& anchor) {
     refresh();
+    if (page_ == Page::start) {
+        refreshTodaysStudy();
+    }
     adjustSize();
     const QScreen* screen = QGuiApplication::screenAt(anchor);
     if (screen == nullptr) {
@@ -274,9 +273,9 @@ void TrayPanel::refresh() {
     } else if (manager.pendingPostSession()) {
         showPage(Page::summary);
         refreshSummaryPage();
-    } else {
+    } else if (page_ != Page::start) {
         showPage(Page::start);
-        refreshStartPage();
+        refreshTodaysStudy();
     }
 }
 
@@ -310,9 +309,10 @@ void TrayPanel::reloadStartForm() {
         connect(button, &QPushButton::clicked, this, [this, id] { startFromTemplate(id); });
         templateButtons_->addWidget(button);
     }
+    refreshTodaysStudy();
 }
 
-void TrayPanel::refreshStartPage() {
+void TrayPanel::refreshTodaysStudy() {
     runtime::RecorderServices& services = runtime_.services();
     const double today =
         shell::todaysStudyTime(services.store(), LocalCalendar::current(), services.now());
@@ -348,10 +348,7 @@ void TrayPanel::refreshSessionPage() {
         chip_->setClassification(*panel.classification);
     }
     split_->setText(qt(panel.splitText));
-    const auto target = seen == nullptr ? std::nullopt
-                                        : shell::liveClassificationTarget(
-                                              seen->bundleIdentifier, seen->name, seen->open,
-                                              recording::kOwnBundleIdentifier);
+    const auto target = classificationTarget(seen);
     classify_->setVisible(target.has_value() && panel.classification.has_value());
     if (target) {
         classify_->setToolTip(QStringLiteral("Choose how %1 counts for the rest of this session")
@@ -442,10 +439,7 @@ void TrayPanel::started(const recording::SessionStartRequest& request) {
 void TrayPanel::classifyForSession(classification::ActivityClassification choice) {
     recording::SessionManager& manager = runtime_.manager();
     const SeenActivity* seen = activityBehindPanel();
-    const auto target = seen == nullptr ? std::nullopt
-                                        : shell::liveClassificationTarget(
-                                              seen->bundleIdentifier, seen->name, seen->open,
-                                              recording::kOwnBundleIdentifier);
+    const auto target = classificationTarget(seen);
     if (!target || !manager.activeSession()) {
         return;
     }
@@ -459,6 +453,15 @@ void TrayPanel::classifyForSession(classification::ActivityClassification choice
     // The stretch in front takes its new class now, not at the next tick.
     manager.applicationActivated();
     refresh();
+}
+
+std::optional<shell::LiveClassificationTarget> TrayPanel::classificationTarget(
+    const SeenActivity* seen) {
+    if (seen == nullptr) {
+        return std::nullopt;
+    }
+    return shell::liveClassificationTarget(seen->bundleIdentifier, seen->name, seen->open,
+                                           recording::kOwnBundleIdentifier);
 }
 
 const TrayPanel::SeenActivity* TrayPanel::activityBehindPanel() {

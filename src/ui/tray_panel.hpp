@@ -8,10 +8,12 @@
 
 #include <QFrame>
 
+#include <optional>
 #include <vector>
 
 #include "runtime/recorder_runtime.hpp"
 #include "settings/session_template_store.hpp"
+#include "shell/panel_model.hpp"
 
 class QBoxLayout;
 class QGridLayout;
@@ -65,7 +67,9 @@ class TrayPanel final : public QFrame {
     QWidget* buildSessionPage();
     QWidget* buildSummaryPage();
     void showPage(Page page);
-    void refreshStartPage();
+    // Today's study time and the goal ring: read from the history when the
+    // start page comes into view, not at every tick.
+    void refreshTodaysStudy();
     void refreshSessionPage();
     void refreshSummaryPage();
     void startFromForm();
@@ -87,6 +91,9 @@ class TrayPanel final : public QFrame {
     // Remembers the activity in front unless it is Lumenote; the one the
     // panel speaks of.
     const SeenActivity* activityBehindPanel();
+    // What "Classify for this session" would classify, if anything.
+    static std::optional<shell::LiveClassificationTarget> classificationTarget(
+        const SeenActivity* seen);
 
     runtime::RecorderRuntime& runtime_;
     settings::SessionTemplateStore& templates_;
