@@ -8,6 +8,7 @@
 #include "recording/focus_score_text.hpp"
 #include "recording/session_figures.hpp"
 #include "recording/study_time.hpp"
+#include "shell/quit_decision.hpp"
 
 namespace lumenote::terminal {
 
@@ -141,10 +142,12 @@ std::string recoveryOffer(const recording::ActiveSessionRecoverySummary& summary
 }
 
 std::string quitQuestion() {
-    return "A study session is active\n"
-           "Choose how Lumenote should handle the active session before quitting.\n"
-           "[e] End Session and Quit  [k] Keep Lumenote Running  [i] Quit and Mark Session "
-           "Interrupted";
+    using shell::QuitChoice;
+    return fmt::format("{}\n{}\n[e] {}  [k] {}  [i] {}", shell::kQuitQuestionTitle,
+                       shell::kQuitQuestionExplanation,
+                       shell::quitChoiceTitle(QuitChoice::endSessionAndQuit),
+                       shell::quitChoiceTitle(QuitChoice::keepRunning),
+                       shell::quitChoiceTitle(QuitChoice::quitAndMarkInterrupted));
 }
 
 std::string personalBestLine(const recording::PersonalBest& best) {
