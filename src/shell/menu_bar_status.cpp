@@ -6,6 +6,7 @@
 
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_manager.hpp"
+#include "shell/duration_text.hpp"
 
 namespace lumenote::shell {
 
@@ -74,11 +75,7 @@ std::string menuBarTitle(const MenuBarStatus& status) {
     if (status.activity == MenuBarStatus::Activity::idle) {
         return {};
     }
-    const long long seconds = wholeSeconds(status.elapsed);
-    if (seconds < 3600) {
-        return fmt::format("{}:{:02}", seconds / 60, seconds % 60);
-    }
-    return fmt::format("{}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+    return clockText(status.elapsed);
 }
 
 std::string spokenElapsedTime(double seconds) {

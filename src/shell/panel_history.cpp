@@ -8,26 +8,9 @@
 
 #include "foundation/text.hpp"
 #include "recording/study_time.hpp"
+#include "shell/duration_text.hpp"
 
 namespace lumenote::shell {
-
-namespace {
-
-// "1 h 05 min", "45 min", "38 s".
-std::string panelDuration(double seconds) {
-    const long long whole =
-        std::isfinite(seconds) && seconds > 0.0 ? static_cast<long long>(std::llround(seconds)) : 0;
-    if (whole < 60) {
-        return fmt::format("{} s", whole);
-    }
-    const long long minutes = whole / 60;
-    if (minutes < 60) {
-        return fmt::format("{} min", minutes);
-    }
-    return fmt::format("{} h {:02} min", minutes / 60, minutes % 60);
-}
-
-}  // namespace
 
 std::vector<std::string> subjectSuggestions(recording::RecordingStore& store,
                                             const std::vector<settings::SessionTemplate>& templates,
@@ -73,13 +56,13 @@ double todaysStudyTime(recording::RecordingStore& store, const LocalCalendar& ca
 
 std::string todaysStudyText(double studySeconds, long long dailyGoalMinutes) {
     const std::string goal = dailyGoalMinutes > 0
-                                 ? panelDuration(static_cast<double>(dailyGoalMinutes) * 60.0)
+                                 ? durationText(static_cast<double>(dailyGoalMinutes) * 60.0)
                                  : std::string();
     if (!(studySeconds >= 0.5)) {
         return goal.empty() ? "Nothing studied yet today"
                             : "Nothing studied yet today (goal: " + goal + ")";
     }
-    return panelDuration(studySeconds) + (goal.empty() ? "" : " of " + goal) + " studied today";
+    return durationText(studySeconds) + (goal.empty() ? "" : " of " + goal) + " studied today";
 }
 
 double dailyGoalProgress(double studySeconds, long long dailyGoalMinutes) {

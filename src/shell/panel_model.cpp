@@ -8,17 +8,13 @@
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_figures.hpp"
 #include "recording/study_time.hpp"
-#include "shell/menu_bar_status.hpp"
+#include "shell/duration_text.hpp"
 
 namespace lumenote::shell {
 
 namespace {
 
 using classification::ActivityClassification;
-
-std::string clock(double seconds) {
-    return menuBarTitle({MenuBarStatus::Activity::recording, seconds, std::nullopt});
-}
 
 std::string activityText(const LiveSessionValues& values, bool paused) {
     if (paused) {
@@ -79,10 +75,10 @@ LiveSessionPanel liveSessionPanel(const recording::StudySession& session,
     panel.goal = session.goal;
     panel.paused = session.status() == recording::StudySessionStatus::paused;
     panel.away = !panel.paused && values.studyState == recording::LiveStudyState::passiveStudy;
-    panel.elapsedText = clock(values.timerValue);
+    panel.elapsedText = clockText(values.timerValue);
     if (session.timingMode() == recording::SessionTimingMode::timer) {
         panel.remainingText =
-            clock(std::max(0.0, session.plannedDuration - values.timerValue) + 0.999) + " left";
+            clockText(std::max(0.0, session.plannedDuration - values.timerValue) + 0.999) + " left";
     }
     panel.activityText = activityText(values, panel.paused);
     const bool observing = !panel.paused && !values.asleep && !values.activityName.empty() &&
@@ -91,8 +87,8 @@ LiveSessionPanel liveSessionPanel(const recording::StudySession& session,
         panel.classification = values.classification;
     }
     panel.splitText =
-        fmt::format("{} {} · {} {}", recording::kFocusedName, clock(values.focusedSeconds),
-                    recording::kDistractingName, clock(values.distractingSeconds));
+        fmt::format("{} {} · {} {}", recording::kFocusedName, clockText(values.focusedSeconds),
+                    recording::kDistractingName, clockText(values.distractingSeconds));
     panel.pauseTitle = panel.paused ? "Resume" : "Pause";
     panel.awayTitle =
         panel.away ? "Return to Computer Study" : std::string(recording::kStudyAwayControl);
