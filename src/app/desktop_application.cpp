@@ -12,7 +12,7 @@
 #include "recording/session_notices.hpp"
 #include "shell/global_hotkey_coordinator.hpp"
 #include "shell/launch_at_login.hpp"
-#include "ui/qt_text.hpp"
+#include "ui/design/qt_text.hpp"
 #include "ui/questions.hpp"
 #include "ui/tray_panel.hpp"
 

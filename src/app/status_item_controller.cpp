@@ -4,7 +4,7 @@
 #include <QCursor>
 
 #include "shell/panel_model.hpp"
-#include "ui/qt_text.hpp"
+#include "ui/design/qt_text.hpp"
 
 namespace lumenote::app {
 

@@ -4,31 +4,15 @@
 #include <QEvent>
 
 #include "shell/panel_model.hpp"
-#include "ui/qt_text.hpp"
+#include "ui/design/palette.hpp"
+#include "ui/design/qt_text.hpp"
 
 namespace lumenote::ui {
 
+using design::classificationColor;
+using design::isDark;
+
 using classification::ActivityClassification;
-
-QColor classificationColor(ActivityClassification classification, bool dark) {
-    switch (classification) {
-        case ActivityClassification::focused:
-            return dark ? QColor(0x2e, 0x7d, 0x4f) : QColor(0xc8, 0xe8, 0xd2);
-        case ActivityClassification::distracting:
-            return dark ? QColor(0x9c, 0x3b, 0x3b) : QColor(0xf6, 0xd0, 0xcc);
-        case ActivityClassification::neutral:
-            return dark ? QColor(0x3d, 0x5a, 0x80) : QColor(0xd3, 0xe1, 0xf3);
-        case ActivityClassification::unclassified:
-            return dark ? QColor(0x8a, 0x6d, 0x1f) : QColor(0xf5, 0xe6, 0xb8);
-        case ActivityClassification::ignored:
-            return dark ? QColor(0x55, 0x57, 0x53) : QColor(0xe0, 0xe0, 0xdd);
-    }
-    return {};
-}
-
-bool isDark(const QPalette& palette) {
-    return palette.color(QPalette::Window).lightness() < 128;
-}
 
 ClassificationChip::ClassificationChip(QWidget* parent) : QLabel(parent) {
     setAlignment(Qt::AlignCenter);
@@ -53,7 +37,7 @@ void ClassificationChip::restyle() {
     // colours.
     const bool dark = isDark(QApplication::palette());
     const QColor background = classificationColor(classification_, dark);
-    const QColor foreground = dark ? QColor(0xf6, 0xf5, 0xf4) : QColor(0x24, 0x1f, 0x31);
+    const QColor foreground = design::chipTextColor(dark);
     const QString word = qt(shell::classificationChipText(classification_));
     setText(word);
     setAccessibleName(word);

@@ -3,15 +3,11 @@
 // so colour is never the only sign.
 #pragma once
 
-#include <QColor>
 #include <QLabel>
 
 #include "classification/classification_enumerations.hpp"
 
 namespace lumenote::ui {
-
-// The chip's background for a class, for a light or a dark window.
-QColor classificationColor(classification::ActivityClassification classification, bool dark);
 
 class ClassificationChip final : public QLabel {
     Q_OBJECT
@@ -28,8 +24,5 @@ class ClassificationChip final : public QLabel {
     classification::ActivityClassification classification_ =
         classification::ActivityClassification::unclassified;
 };
-
-// True when the widget's window colour is dark (a dark appearance).
-bool isDark(const QPalette& palette);
 
 }  // namespace lumenote::ui

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "ui/classification_chip.hpp"
+#include "ui/design/palette.hpp"
 
 namespace lumenote::ui {
 
@@ -31,7 +31,7 @@ void GoalRing::paintEvent(QPaintEvent*) {
     painter.setPen(QPen(track, thickness, Qt::SolidLine, Qt::RoundCap));
     painter.drawEllipse(ring);
     if (progress_ > 0.0) {
-        const QColor fill = isDark(palette()) ? QColor(0x57, 0xe3, 0x89) : QColor(0x26, 0xa2, 0x69);
+        const QColor fill = design::accentColor(design::isDark(palette()));
         painter.setPen(QPen(fill, thickness, Qt::SolidLine, Qt::RoundCap));
         painter.drawArc(ring, 90 * 16, -static_cast<int>(std::lround(progress_ * 360.0 * 16)));
     }

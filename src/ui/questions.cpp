@@ -6,7 +6,7 @@
 #include <QPushButton>
 
 #include "recording/session_figures.hpp"
-#include "ui/qt_text.hpp"
+#include "ui/design/qt_text.hpp"
 
 namespace lumenote::ui {
 

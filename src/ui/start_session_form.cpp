@@ -1,5 +1,5 @@
 #include "ui/start_session_form.hpp"
-#include "ui/qt_text.hpp"
+#include "ui/design/qt_text.hpp"
 
 #include <QAbstractItemView>
 #include <QBoxLayout>

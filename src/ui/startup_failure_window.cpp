@@ -7,7 +7,7 @@
 #include <QStyle>
 
 #include "shell/startup_failure.hpp"
-#include "ui/qt_text.hpp"
+#include "ui/design/qt_text.hpp"
 
 namespace lumenote::ui {
 

@@ -17,8 +17,8 @@
 #include "shell/panel_model.hpp"
 #include "shell/session_start_form.hpp"
 #include "ui/classification_chip.hpp"
+#include "ui/design/qt_text.hpp"
 #include "ui/goal_ring.hpp"
-#include "ui/qt_text.hpp"
 #include "ui/start_session_form.hpp"
 
 namespace lumenote::ui {
