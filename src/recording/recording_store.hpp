@@ -53,6 +53,12 @@ StoreSaveOperation saveOperationOr(StoreSaveOperation given, RecordingStore& sto
 struct SessionQuery {
     std::optional<Date> startingAtOrAfter;
     std::optional<Date> startingBefore;
+    // Only sessions whose subject or goal contains this text, ignoring the
+    // case of ASCII letters (other letters match as written); empty matches
+    // every session.
+    std::string subjectOrGoalContains;
+    // Only sessions of this status.
+    std::optional<StudySessionStatus> status;
     bool newestFirst = true;
     std::optional<std::size_t> limit;
     std::size_t offset = 0;

@@ -165,6 +165,20 @@ void orderEqualStartsById(std::vector<recording::ActivitySegment>& segments) {
     }
 }
 
+// A LIKE pattern that matches `text` anywhere, its own % and _ (and the
+// escape character) taken literally.
+std::string likePatternContaining(std::string_view text) {
+    std::string pattern = "%";
+    for (const char character : text) {
+        if (character == '%' || character == '_' || character == '\\') {
+            pattern += '\\';
+        }
+        pattern += character;
+    }
+    pattern += '%';
+    return pattern;
+}
+
 // A long session holds a few hundred segments; most hold fewer than a
 // hundred. Reserving this many spares most sessions every re-allocation while
 // a whole-history walk reads them one after another.
@@ -396,6 +410,12 @@ Result<std::vector<recording::StudySession>, StoreError> SqliteRecordingStore::l
     if (query.startingBefore) {
         tail += " AND startDate < ?2";
     }
+    if (!query.subjectOrGoalContains.empty()) {
+        tail += " AND (subject LIKE ?5 ESCAPE '\\' OR goal LIKE ?5 ESCAPE '\\')";
+    }
+    if (query.status) {
+        tail += " AND statusRawValue = ?6";
+    }
     tail += query.newestFirst ? " ORDER BY startDate DESC, id DESC" : " ORDER BY startDate, id";
     tail += " LIMIT ?3 OFFSET ?4";
     auto statement = connection_->cached(selectSql(sessionLayout(), tail));
@@ -411,6 +431,12 @@ Result<std::vector<recording::StudySession>, StoreError> SqliteRecordingStore::l
     // A negative limit is SQLite's "no limit".
     (*statement)->bind(3, query.limit ? static_cast<long long>(*query.limit) : -1LL);
     (*statement)->bind(4, static_cast<long long>(query.offset));
+    if (!query.subjectOrGoalContains.empty()) {
+        (*statement)->bind(5, likePatternContaining(query.subjectOrGoalContains));
+    }
+    if (query.status) {
+        (*statement)->bind(6, std::string_view(rawValue(*query.status)));
+    }
     return readSessions(*statement, query.includeChildren);
 }
 

@@ -400,6 +400,55 @@ TEST_F(SqliteRecordingStoreTest, ListingOrdersByStartThenIdAndHonoursRangeAndPag
               std::vector<recording::ActivitySegment>{changes.segments[1]});
 }
 
+TEST_F(SqliteRecordingStoreTest, ListingFiltersBySubjectOrGoalTextAndByStatus) {
+    auto store = store::SqliteRecordingStore::openInMemory();
+    ASSERT_TRUE(store.ok());
+    const struct {
+        std::uint8_t number;
+        const char* subject;
+        const char* goal;
+        recording::StudySessionStatus status;
+    } stored[] = {
+        {1, "Linear Algebra", "eigenvalues", recording::StudySessionStatus::completed},
+        {2, "History", "read about ALGEBRA's origins", recording::StudySessionStatus::interrupted},
+        {3, "100% effort_plan", "", recording::StudySessionStatus::completed},
+        {4, "1000 effortless plans", "", recording::StudySessionStatus::completed},
+        {5, "Ökonomie", "", recording::StudySessionStatus::completed},
+    };
+    recording::StoreChangeSet changes;
+    for (const auto& row : stored) {
+        recording::StudySession session = bareSession(row.number, Date{100.0 * row.number});
+        session.subject = row.subject;
+        session.goal = row.goal;
+        session.setStatus(row.status);
+        changes.sessions.push_back(session);
+    }
+    apply(**store, changes);
+    const auto numbersOf = [&](const recording::SessionQuery& query) {
+        std::vector<int> numbers;
+        const auto listed = (*store)->listSessions(query);
+        for (const auto& session : *listed) {
+            numbers.push_back(session.id.bytes()[15]);
+        }
+        return numbers;
+    };
+    // ASCII letters match in either case, in the subject or the goal.
+    EXPECT_EQ(numbersOf({.subjectOrGoalContains = "algebra"}), (std::vector<int>{2, 1}));
+    // % and _ are taken as written, not as wildcards.
+    EXPECT_EQ(numbersOf({.subjectOrGoalContains = "0% effort_"}), (std::vector<int>{3}));
+    EXPECT_EQ(numbersOf({.subjectOrGoalContains = "Ökon"}), (std::vector<int>{5}));
+    EXPECT_TRUE(numbersOf({.subjectOrGoalContains = "calculus"}).empty());
+    EXPECT_EQ(numbersOf({.status = recording::StudySessionStatus::interrupted}),
+              (std::vector<int>{2}));
+    // Filters, range and paging combine.
+    EXPECT_EQ(numbersOf({.startingAtOrAfter = Date{150},
+                         .subjectOrGoalContains = "a",
+                         .status = recording::StudySessionStatus::completed,
+                         .limit = 1,
+                         .offset = 1}),
+              (std::vector<int>{3}));
+}
+
 TEST_F(SqliteRecordingStoreTest, LiveSessionsAreTheRunningAndPausedOnesWithTheirChildren) {
     auto store = store::SqliteRecordingStore::openInMemory();
     ASSERT_TRUE(store.ok());
