@@ -22,6 +22,10 @@ HistorySessionRow historySessionRow(const recording::StudySession& session) {
     return row;
 }
 
+std::string historyReadFailureText(const StoreError& error) {
+    return "The study history could not be read (" + error.description + ").";
+}
+
 HistoryPager::HistoryPager(recording::RecordingStore& store, LocalCalendar calendar,
                            unsigned firstWeekday, HistoryFilter filter, std::size_t pageSize)
     : store_(store),

@@ -54,6 +54,10 @@ using HistoryEntry = std::variant<HistoryWeekHeading, HistorySessionRow>;
 
 HistorySessionRow historySessionRow(const recording::StudySession& session);
 
+// The sentence shown where a page of the history could not be read:
+// "The study history could not be read ({reason})."
+std::string historyReadFailureText(const StoreError& error);
+
 // Reads the filtered history page after page. The first page starts with a
 // heading; a later page starts with one only when its first session opens a
 // new week.
