@@ -47,6 +47,7 @@ class HistoryListModel final : public QAbstractListModel {
     bool canFetchMore(const QModelIndex& parent) const override;
     void fetchMore(const QModelIndex& parent) override;
 
+    const models::HistoryFilter& filter() const { return pager_->filter(); }
     // The sessions among `rows`, in row order; headings are left out.
     std::vector<Uuid> sessionIds(const QModelIndexList& rows) const;
     // The store's error of the last page that could not be read.
