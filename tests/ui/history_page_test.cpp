@@ -15,6 +15,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/offscreen_application.hpp"
+
 #include "platform/fake/fake_platform.hpp"
 #include "settings/in_memory_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
@@ -28,15 +30,7 @@ namespace {
 
 class HistoryPageTest : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        static int argc = 1;
-        static char name[] = "ui_tests";
-        static char* argv[] = {name, nullptr};
-        if (QApplication::instance() == nullptr) {
-            static QApplication application(argc, argv);
-        }
-    }
+    static void SetUpTestSuite() { lumenote::testing::ensureOffscreenApplication(); }
 
     void SetUp() override {
         auto opened = store::SqliteRecordingStore::openInMemory();

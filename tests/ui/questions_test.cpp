@@ -4,7 +4,9 @@
 #include "ui/questions.hpp"
 
 #include <gtest/gtest.h>
+
 #include <stdlib.h>
+#include "ui/offscreen_application.hpp"
 
 #include <QApplication>
 #include <QLabel>
@@ -20,15 +22,7 @@ using Answer = recording::SessionManager::NoInputPromptAnswer;
 
 class QuestionsTest : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        static int argc = 1;
-        static char name[] = "ui_tests";
-        static char* argv[] = {name, nullptr};
-        if (QApplication::instance() == nullptr) {
-            static QApplication application(argc, argv);
-        }
-    }
+    static void SetUpTestSuite() { lumenote::testing::ensureOffscreenApplication(); }
 
     static recording::NoInputClassificationPrompt prompt(double seconds) {
         recording::NoInputClassificationPrompt made;

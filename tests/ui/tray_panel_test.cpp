@@ -6,7 +6,9 @@
 #include "ui/tray_panel.hpp"
 
 #include <gtest/gtest.h>
+
 #include <stdlib.h>
+#include "ui/offscreen_application.hpp"
 
 #include <QApplication>
 #include <QComboBox>
@@ -45,17 +47,7 @@ class SilentFrontEnd final : public runtime::RecorderFrontEnd {
 
 class TrayPanelTest : public ::testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::unsetenv("DISPLAY");
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent/lumenote-test-bus", 1);
-        static int argc = 1;
-        static char name[] = "ui_tests";
-        static char* argv[] = {name, nullptr};
-        if (QApplication::instance() == nullptr) {
-            static QApplication application(argc, argv);
-        }
-    }
+    static void SetUpTestSuite() { lumenote::testing::ensureOffscreenApplication(); }
 
     void SetUp() override {
         std::vector<std::string> warnings;
