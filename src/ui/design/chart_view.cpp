@@ -174,7 +174,7 @@ void ChartView::paintEvent(QPaintEvent*) {
     const QRectF target = QRectF(rect()).adjusted(2, 2, -2, -2);
     if (isEmpty()) {
         painter.setPen(palette().color(QPalette::PlaceholderText));
-        painter.drawText(target, Qt::AlignCenter, QStringLiteral("No figures yet"));
+        painter.drawText(target, Qt::AlignCenter, QStringLiteral("No data yet"));
         return;
     }
     std::visit(

@@ -51,9 +51,9 @@ QColor accentColor(bool dark) {
 QColor statusColor(recording::StudySessionStatus status, bool dark) {
     switch (status) {
         case recording::StudySessionStatus::running:
-            return dark ? QColor(0x2f, 0x5f, 0x8a) : QColor(0xd6, 0xe6, 0xf5);
+            return dark ? QColor(0x5a, 0x4a, 0x9c) : QColor(0xe0, 0xd9, 0xf7);
         case recording::StudySessionStatus::paused:
-            return dark ? QColor(0x55, 0x4e, 0x6b) : QColor(0xe6, 0xe1, 0xf0);
+            return dark ? QColor(0x4c, 0x55, 0x63) : QColor(0xdc, 0xe2, 0xea);
         case recording::StudySessionStatus::completed:
             return dark ? QColor(0x4a, 0x4a, 0x48) : QColor(0xe4, 0xe4, 0xe1);
         case recording::StudySessionStatus::interrupted:

@@ -22,7 +22,9 @@ inline void ensureApplication() {
     static int argc = 1;
     static char name[] = "ui_design_tests";
     static char* argv[] = {name, nullptr};
-    static QApplication application(argc, argv);
+    // Never destroyed: torn down among the other statics at exit, it would
+    // outlive the input devices that the key events register and crash.
+    new QApplication(argc, argv);
     // Times read "09:05" whatever the machine's locale.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
 }

@@ -7,12 +7,15 @@
 #include <QDateTime>
 #include <QDir>
 #include <QLabel>
+#include <QPainter>
+#include <QPdfWriter>
 #include <QVBoxLayout>
 #include <functional>
 #include <memory>
 
 #include "ui/design/card.hpp"
 #include "ui/design/chart_view.hpp"
+#include "ui/design/charts.hpp"
 #include "ui/design/chip.hpp"
 #include "ui/design/metric.hpp"
 #include "ui/design/offscreen_application.hpp"
@@ -69,6 +72,7 @@ std::unique_ptr<QWidget> todayCard() {
     studied->setValue(QStringLiteral("2 h 05 min"), QStringLiteral("studied today"));
     metrics->addWidget(studied);
     auto* score = new Metric;
+    score->setValue(QStringLiteral("0%"), QStringLiteral("focus score"));
     score->setUnavailable(QStringLiteral("Not enough data"));
     metrics->addWidget(score);
     metrics->addStretch();
@@ -168,6 +172,30 @@ TEST(DesignSamples, EveryWidgetIsGrabbedInLightAndDark) {
         }
     }
     testing::applyAppearance(false);
+}
+
+TEST(DesignSamples, TheChartsArePaintedIntoAPdfPage) {
+    testing::ensureApplication();
+    const QString folder = QStringLiteral(LUMENOTE_BINARY_DIR "/screenshots/design");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QPdfWriter writer(folder + QStringLiteral("/charts.pdf"));
+    writer.setPageSize(QPageSize(QPageSize::A4));
+    writer.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
+    QPainter painter(&writer);
+    const ChartStyle style = chartStyle(AppearanceController::lightPalette());
+    const qreal width = writer.width();
+    const qreal band = writer.height() / 4.0;
+    const qreal gap = band / 8.0;
+    paintBarChart(painter, QRectF(0, 0, width, band - gap),
+                  {{{"Mon", 5400.0}, {"Tue", 2700.0}, {"Wed", 0.0}, {"Thu", 7800.0}}, 5400.0},
+                  style);
+    models::StackedBarDay day{"Mon", {3000.0, 600.0, 900.0, 200.0, 100.0}};
+    paintStackedBarChart(painter, QRectF(0, band, width, band - gap), {{day, day}}, style);
+    paintLineChart(
+        painter, QRectF(0, 2 * band, width, band - gap),
+        {{{"3 Nov", 62.0}, {"10 Nov", std::nullopt}, {"17 Nov", 80.0}, {"24 Nov", 71.0}}}, style);
+    paintRing(painter, QRectF(0, 3 * band, width, band - gap), {0.62, "Daily goal"}, style);
+    EXPECT_TRUE(painter.end());
 }
 
 }  // namespace
