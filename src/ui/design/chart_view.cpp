@@ -33,7 +33,6 @@ QString titleOf(ChartView::Kind kind) {
 }  // namespace
 
 ChartView::ChartView(QWidget* parent) : QWidget(parent) {
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     showTable_ = new QAction(QStringLiteral("Show as table"), this);
     showTable_->setCheckable(true);
     connect(showTable_, &QAction::toggled, this, &ChartView::setShowsTable);
@@ -66,6 +65,8 @@ void ChartView::setData(std::variant<models::BarChartData, models::StackedBarCha
     setAccessibleDescription(tableText());
     if (kind() == Kind::ring) {
         setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    } else {
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     }
     if (tableWidget_ != nullptr) {
         fillTable();

@@ -69,6 +69,9 @@ void Row::setTrailingText(const QString& text) {
 }
 
 void Row::setTrailingWidget(QWidget* widget) {
+    if (widget != nullptr && widget == trailingWidget_) {
+        return;
+    }
     clearTrailing();
     trailingWidget_ = widget;
     if (widget != nullptr) {
@@ -89,7 +92,11 @@ void Row::clearTrailing() {
 void Row::setClickable(bool clickable) {
     clickable_ = clickable;
     setFocusPolicy(clickable ? Qt::StrongFocus : Qt::NoFocus);
-    setCursor(clickable ? Qt::PointingHandCursor : Qt::ArrowCursor);
+    if (clickable) {
+        setCursor(Qt::PointingHandCursor);
+    } else {
+        unsetCursor();
+    }
     update();
 }
 

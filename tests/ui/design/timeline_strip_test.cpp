@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <QDateTime>
+#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QToolTip>
 
 #include "ui/design/offscreen_application.hpp"
 #include "ui/design/palette.hpp"
@@ -97,6 +99,24 @@ TEST_F(TimelineStripTest, TheKeyboardMovesFromBlockToBlockShowingNameAndTimes) {
     press(strip, Qt::Key_Home);
     press(strip, Qt::Key_Left);
     EXPECT_EQ(strip.currentBlock(), 0u) << "stays on the first block";
+}
+
+TEST_F(TimelineStripTest, HoveringABlockShowsItsNameAndTimesAndAPauseShowsNothing) {
+    TimelineStrip strip;
+    strip.setBlocks(blocks);
+    strip.resize(80 * 4 + 4, 28);
+    strip.show();
+    // The tooltip shown, or nothing when the strip turned the hover down.
+    const auto hover = [&](int minutes) {
+        const QPoint at(2 + minutes * 4 + 2, 14);
+        QHelpEvent help(QEvent::ToolTip, at, strip.mapToGlobal(at));
+        QApplication::sendEvent(&strip, &help);
+        return help.isAccepted() && QToolTip::isVisible() ? QToolTip::text() : QString();
+    };
+    EXPECT_EQ(hover(55), "Video, 09:50–10:00");
+    EXPECT_EQ(hover(45), "") << "the pause between 09:40 and 09:50";
+    EXPECT_EQ(hover(65), "No input, 10:00–10:10");
+    QToolTip::hideText();
 }
 
 TEST_F(TimelineStripTest, NewBlocksStartWithoutAFocusedBlockAndAnEmptyStripSaysSo) {
