@@ -1,10 +1,10 @@
 #include "ui/goal_ring.hpp"
 
 #include <QPainter>
-#include <algorithm>
 #include <cmath>
 
-#include "ui/design/palette.hpp"
+#include "ui/design/charts.hpp"
+#include "ui/models/chart_table.hpp"
 
 namespace lumenote::ui {
 
@@ -14,7 +14,7 @@ GoalRing::GoalRing(QWidget* parent) : QWidget(parent) {
 }
 
 void GoalRing::setProgress(double progress) {
-    progress_ = std::isfinite(progress) ? std::clamp(progress, 0.0, 1.0) : 0.0;
+    progress_ = models::clampedProgress(progress);
     setAccessibleName(QStringLiteral("Daily goal %1% reached")
                           .arg(static_cast<int>(std::lround(progress_ * 100.0))));
     update();
@@ -22,19 +22,8 @@ void GoalRing::setProgress(double progress) {
 
 void GoalRing::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const qreal thickness = 6.0;
-    const QRectF ring = QRectF(rect()).adjusted(thickness / 2 + 1, thickness / 2 + 1,
-                                                -thickness / 2 - 1, -thickness / 2 - 1);
-    QColor track = palette().color(QPalette::WindowText);
-    track.setAlphaF(0.15f);
-    painter.setPen(QPen(track, thickness, Qt::SolidLine, Qt::RoundCap));
-    painter.drawEllipse(ring);
-    if (progress_ > 0.0) {
-        const QColor fill = design::accentColor(design::isDark(palette()));
-        painter.setPen(QPen(fill, thickness, Qt::SolidLine, Qt::RoundCap));
-        painter.drawArc(ring, 90 * 16, -static_cast<int>(std::lround(progress_ * 360.0 * 16)));
-    }
+    design::paintRing(painter, QRectF(rect()), models::RingData{progress_},
+                      design::chartStyle(palette()));
 }
 
 }  // namespace lumenote::ui

@@ -1,4 +1,5 @@
-// A ring that fills with the day's progress towards the daily study goal; its
+// The tray panel's ring of the day's progress towards the daily study goal,
+// drawn by the design system's ring; its
 // accessible name says the figure in words.
 #pragma once
 

@@ -16,7 +16,7 @@
 #include "shell/panel_history.hpp"
 #include "shell/panel_model.hpp"
 #include "shell/session_start_form.hpp"
-#include "ui/classification_chip.hpp"
+#include "ui/design/chip.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/goal_ring.hpp"
 #include "ui/start_session_form.hpp"
@@ -130,7 +130,7 @@ QWidget* TrayPanel::buildSessionPage() {
     remaining_ = muted(label(page));
     activity_ = label(page);
     activity_->setAccessibleName(QStringLiteral("Current activity"));
-    chip_ = new ClassificationChip(page);
+    chip_ = new design::Chip(page);
     split_ = muted(label(page));
 
     auto* activityRow = new QHBoxLayout;

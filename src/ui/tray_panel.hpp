@@ -24,7 +24,9 @@ class QToolButton;
 
 namespace lumenote::ui {
 
-class ClassificationChip;
+namespace design {
+class Chip;
+}
 class GoalRing;
 class StartSessionForm;
 
@@ -112,7 +114,7 @@ class TrayPanel final : public QFrame {
     QLabel* elapsed_;
     QLabel* remaining_;
     QLabel* activity_;
-    ClassificationChip* chip_;
+    design::Chip* chip_;
     QLabel* split_;
     QToolButton* classify_;
     QPushButton* pause_;

@@ -48,4 +48,22 @@ QColor accentColor(bool dark) {
     return classificationFill(ActivityClassification::focused, dark);
 }
 
+QColor statusColor(recording::StudySessionStatus status, bool dark) {
+    switch (status) {
+        case recording::StudySessionStatus::running:
+            return dark ? QColor(0x5a, 0x4a, 0x9c) : QColor(0xe0, 0xd9, 0xf7);
+        case recording::StudySessionStatus::paused:
+            return dark ? QColor(0x4c, 0x55, 0x63) : QColor(0xdc, 0xe2, 0xea);
+        case recording::StudySessionStatus::completed:
+            return dark ? QColor(0x4a, 0x4a, 0x48) : QColor(0xe4, 0xe4, 0xe1);
+        case recording::StudySessionStatus::interrupted:
+            return dark ? QColor(0x7a, 0x52, 0x30) : QColor(0xf5, 0xdf, 0xc8);
+    }
+    return {};
+}
+
+QColor sleepFill(bool dark) {
+    return dark ? QColor(0x5e, 0x5c, 0x64) : QColor(0x9a, 0x99, 0x96);
+}
+
 }  // namespace lumenote::ui::design

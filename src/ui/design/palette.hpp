@@ -7,6 +7,7 @@
 #include <QPalette>
 
 #include "classification/classification_enumerations.hpp"
+#include "recording/enumerations.hpp"
 
 namespace lumenote::ui::design {
 
@@ -23,5 +24,10 @@ QColor classificationFill(classification::ActivityClassification classification,
 QColor chipTextColor(bool dark);
 // Progress towards a goal (the ring, the study-time bars).
 QColor accentColor(bool dark);
+// A session status's soft colour, the background of its chip: quiet tones
+// apart from the five classes', so that a status never reads as a class.
+QColor statusColor(recording::StudySessionStatus status, bool dark);
+// The computer asleep or locked in a timeline: a plain grey.
+QColor sleepFill(bool dark);
 
 }  // namespace lumenote::ui::design

@@ -1,0 +1,39 @@
+// A small rounded label for a classification or a session status. A class
+// takes its soft colour from the one palette of the five classes, a status a
+// quiet tone of its own; both read in light and dark, and the chip always
+// carries its word, so colour is never the only sign.
+#pragma once
+
+#include <QLabel>
+
+#include <variant>
+
+#include "classification/classification_enumerations.hpp"
+#include "recording/enumerations.hpp"
+
+namespace lumenote::ui::design {
+
+class Chip final : public QLabel {
+    Q_OBJECT
+
+  public:
+    explicit Chip(QWidget* parent = nullptr);
+    void setClassification(classification::ActivityClassification classification);
+    void setStatus(recording::StudySessionStatus status);
+    // The chip's background for the current appearance.
+    QColor background() const;
+
+  protected:
+    void changeEvent(QEvent* event) override;
+
+  private:
+    void restyle();
+    std::variant<classification::ActivityClassification, recording::StudySessionStatus> shown_ =
+        classification::ActivityClassification::unclassified;
+};
+
+// A session status as its chip shows it: "Running", "Paused", "Completed",
+// "Interrupted".
+QString statusChipText(recording::StudySessionStatus status);
+
+}  // namespace lumenote::ui::design

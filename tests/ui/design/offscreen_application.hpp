@@ -1,0 +1,60 @@
+// The one QApplication of the design tests, on Qt's offscreen platform, with
+// the light or the dark appearance, and small helpers to read painted images.
+#pragma once
+
+#include <stdlib.h>
+
+#include <QApplication>
+#include <QColor>
+#include <QImage>
+#include <QLocale>
+
+#include "ui/appearance.hpp"
+
+namespace lumenote::ui::design::testing {
+
+inline void ensureApplication() {
+    if (QApplication::instance() != nullptr) {
+        return;
+    }
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::unsetenv("DISPLAY");
+    static int argc = 1;
+    static char name[] = "ui_design_tests";
+    static char* argv[] = {name, nullptr};
+    // Never destroyed: torn down among the other statics at exit, it would
+    // outlive the input devices that the key events register and crash.
+    new QApplication(argc, argv);
+    // Times read "09:05" whatever the machine's locale.
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+}
+
+inline void applyAppearance(bool dark) {
+    static AppearanceController appearance;
+    appearance.apply(dark ? settings::TallywiseAppearance::dark
+                          : settings::TallywiseAppearance::light);
+    QApplication::processEvents();
+}
+
+// Close enough to be the same colour once antialiasing and rounding are
+// allowed for.
+inline bool near(const QColor& a, const QColor& b, int tolerance = 10) {
+    return std::abs(a.red() - b.red()) <= tolerance &&
+           std::abs(a.green() - b.green()) <= tolerance &&
+           std::abs(a.blue() - b.blue()) <= tolerance;
+}
+
+inline int countNear(const QImage& image, const QColor& colour, QRect area = {}) {
+    if (area.isNull()) {
+        area = image.rect();
+    }
+    int count = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            count += near(image.pixelColor(x, y), colour) ? 1 : 0;
+        }
+    }
+    return count;
+}
+
+}  // namespace lumenote::ui::design::testing
