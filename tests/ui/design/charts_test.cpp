@@ -15,7 +15,7 @@
 #include <limits>
 #include <string>
 
-#include "ui/design/offscreen_application.hpp"
+#include "ui/design/design_test_support.hpp"
 #include "ui/design/palette.hpp"
 
 namespace lumenote::ui::design {

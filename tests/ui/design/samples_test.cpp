@@ -17,8 +17,8 @@
 #include "ui/design/chart_view.hpp"
 #include "ui/design/charts.hpp"
 #include "ui/design/chip.hpp"
+#include "ui/design/design_test_support.hpp"
 #include "ui/design/metric.hpp"
-#include "ui/design/offscreen_application.hpp"
 #include "ui/design/row.hpp"
 #include "ui/design/timeline_strip.hpp"
 

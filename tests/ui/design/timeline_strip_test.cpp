@@ -10,7 +10,7 @@
 #include <QKeyEvent>
 #include <QToolTip>
 
-#include "ui/design/offscreen_application.hpp"
+#include "ui/design/design_test_support.hpp"
 #include "ui/design/palette.hpp"
 
 namespace lumenote::ui::design {

@@ -1,8 +1,9 @@
-// The one QApplication of the design tests, on Qt's offscreen platform, with
-// the light or the dark appearance, and small helpers to read painted images.
+// The design tests' application (the widget tests' offscreen one, with a
+// fixed locale), the light or the dark appearance, and small helpers to read
+// painted images.
 #pragma once
 
-#include <stdlib.h>
+#include <cstdlib>
 
 #include <QApplication>
 #include <QColor>
@@ -10,21 +11,12 @@
 #include <QLocale>
 
 #include "ui/appearance.hpp"
+#include "ui/offscreen_application.hpp"
 
 namespace lumenote::ui::design::testing {
 
 inline void ensureApplication() {
-    if (QApplication::instance() != nullptr) {
-        return;
-    }
-    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    ::unsetenv("DISPLAY");
-    static int argc = 1;
-    static char name[] = "ui_design_tests";
-    static char* argv[] = {name, nullptr};
-    // Never destroyed: torn down among the other statics at exit, it would
-    // outlive the input devices that the key events register and crash.
-    new QApplication(argc, argv);
+    lumenote::testing::ensureOffscreenApplication();
     // Times read "09:05" whatever the machine's locale.
     QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
 }
