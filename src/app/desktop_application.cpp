@@ -8,11 +8,13 @@
 #include <iostream>
 
 #include "app/tray_icons.hpp"
+#include "insights/first_weekday.hpp"
 #include "platform/linux/x11_hotkey_grabber.hpp"
 #include "recording/session_notices.hpp"
 #include "shell/global_hotkey_coordinator.hpp"
 #include "shell/launch_at_login.hpp"
 #include "ui/design/qt_text.hpp"
+#include "ui/history_page.hpp"
 #include "ui/questions.hpp"
 #include "ui/tray_panel.hpp"
 
@@ -28,6 +30,7 @@ DesktopApplication::DesktopApplication(AppDependencies dependencies, Options opt
     TallywiseStatusItemController::Actions actions;
     actions.command = [this](shell::AppCommand command) { perform(command); };
     actions.openPanel = [this](const QPoint& anchor) { openPanel(anchor); };
+    actions.openWindow = [this] { openMainWindow(); };
     actions.checkForUpdates = [] {
         QMessageBox::information(nullptr, QStringLiteral("Lumenote"),
                                  qt(shell::kUpdatesFromPackageManager));
@@ -103,9 +106,11 @@ void DesktopApplication::perform(shell::AppCommand command) {
             break;
         // The pages of the main window; until it opens them the panel shows
         // the recorder's state.
+        case shell::AppCommand::navigateHistory:
+            openMainWindow(ui::MainPage::history);
+            break;
         case shell::AppCommand::navigateToday:
         case shell::AppCommand::navigateReplay:
-        case shell::AppCommand::navigateHistory:
         case shell::AppCommand::navigateInsights:
         case shell::AppCommand::navigateSettings:
         case shell::AppCommand::reviewUnclassified:
@@ -117,6 +122,24 @@ void DesktopApplication::perform(shell::AppCommand command) {
 
 void DesktopApplication::openPanel(const QPoint& anchor) {
     panel_->popUp(anchor);
+}
+
+void DesktopApplication::openMainWindow(std::optional<ui::MainPage> page) {
+    if (!mainWindow_) {
+        runtime::RecorderServices& services = *dependencies_.services;
+        mainWindow_ = std::make_unique<ui::MainWindow>();
+        mainWindow_->setWindowIcon(applicationIcon());
+        historyPage_ = new ui::HistoryPage(services.store(), services.history(),
+                                           LocalCalendar::current(), insights::localeFirstWeekday(),
+                                           [&services] { return services.now(); });
+        mainWindow_->addPage(ui::MainPage::history, historyPage_);
+        connect(mainWindow_.get(), &ui::MainWindow::newSessionRequested, this,
+                [this] { perform(shell::AppCommand::newSession); });
+    }
+    if (page) {
+        mainWindow_->showPage(*page);
+    }
+    mainWindow_->present();
 }
 
 void DesktopApplication::offerRecovery() {
@@ -280,6 +303,9 @@ void DesktopApplication::sessionEnded(const std::optional<recording::StudySessio
     statusItem_->refresh();
     if (quitting_) {
         return;
+    }
+    if (historyPage_ != nullptr) {
+        historyPage_->reload();
     }
     // The summary is offered where the session was watched.
     openPanel(statusItem_->panelAnchor());

@@ -22,6 +22,7 @@
 #include "shell/app_commands.hpp"
 #include "shell/quit_decision.hpp"
 #include "ui/appearance.hpp"
+#include "ui/main_window.hpp"
 
 class QMessageBox;
 class QSocketNotifier;
@@ -86,11 +87,16 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
 
     runtime::RecorderRuntime& runtime() { return *runtime_; }
     ui::TrayPanel& panel() { return *panel_; }
+    // The main window once it has been opened.
+    ui::MainWindow* mainWindow() { return mainWindow_.get(); }
     TallywiseStatusItemController& statusItem() { return *statusItem_; }
     bool decidingTermination() const { return decidingTermination_; }
 
   private:
     void openPanel(const QPoint& anchor);
+    // Shows the main window on `page`, or on the page it last showed; made
+    // on first use.
+    void openMainWindow(std::optional<ui::MainPage> page = std::nullopt);
     void offerRecovery();
     void answerQuitQuestion(shell::QuitChoice choice);
     void quitNow();
@@ -106,6 +112,8 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     Options options_;
     std::unique_ptr<runtime::RecorderRuntime> runtime_;
     std::unique_ptr<ui::TrayPanel> panel_;
+    std::unique_ptr<ui::MainWindow> mainWindow_;
+    ui::HistoryPage* historyPage_ = nullptr;  // owned by the main window
     std::unique_ptr<TallywiseStatusItemController> statusItem_;
     std::unique_ptr<platform::linux_desktop::X11HotkeyGrabber> hotkeyGrabber_;
     std::unique_ptr<shell::GlobalHotkeyCoordinator> hotkeyController_;

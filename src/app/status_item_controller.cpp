@@ -27,8 +27,7 @@ TallywiseStatusItemController::TallywiseStatusItemController(recording::SessionM
     statusLine_ = menu_.addAction(QString());
     statusLine_->setEnabled(false);
     menu_.addSeparator();
-    menu_.addAction(qt(shell::kOpenLumenoteTitle), this,
-                    [this] { actions_.openPanel(panelAnchor()); });
+    menu_.addAction(qt(shell::kOpenLumenoteTitle), this, [this] { actions_.openWindow(); });
     const auto commandItem = [this](shell::AppCommand command) {
         return menu_.addAction(qt(shell::appCommandInfo(command).menuTitle), this,
                                [this, command] { actions_.command(command); });

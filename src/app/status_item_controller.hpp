@@ -36,6 +36,8 @@ class TallywiseStatusItemController final : public QObject {
     struct Actions {
         std::function<void(shell::AppCommand)> command;
         std::function<void(const QPoint& anchor)> openPanel;
+        // "Open Lumenote": the main window.
+        std::function<void()> openWindow;
         std::function<void()> checkForUpdates;
         std::function<void()> quit;
     };

@@ -15,8 +15,10 @@
 # session asks the quit question and "Quit and Mark Session Interrupted"
 # leaves an interrupted session; after kill -9 the next start offers
 # recovery; SIGTERM leaves the session for recovery without a question;
-# storage that cannot be opened shows the failure window. Screenshots of the panel in each state, light and dark, and of
-# the questions are written to BIN_DIR/../screenshots.
+# storage that cannot be opened shows the failure window; "Open Lumenote"
+# opens the main window on the history. Screenshots of the panel in each
+# state and of the main window, light and dark, and of the questions are
+# written to BIN_DIR/../screenshots.
 #
 # Usage: desktop_app_test.sh BIN_DIR
 set -euo pipefail
@@ -131,9 +133,18 @@ shown=$("$cli" show "$first")
 grep -q LumenoteAlpha <<<"$shown" || fail "the first window is not recorded: $shown"
 grep -q LumenoteBeta <<<"$shown" || fail "the second window is not recorded: $shown"
 
-# ---- a second start brings the running application forward
+# ---- "Open Lumenote" opens the main window on the history, which lists the session
 timeout 10 xdotool key Escape || true
 poll_until "the panel to close" panel_hidden
+tray click "Open Lumenote"
+poll_until "the main window" window_named "^History — Lumenote$"
+main=$named
+shot "$main" main-history-light
+shot_in_dark "$main" main-history-dark
+timeout 5 xdotool windowclose "$main" || fail "the main window would not close"
+poll_until "the main window to hide" eval '! window_named "^History — Lumenote$"'
+
+# ---- a second start brings the running application forward
 timeout 20 "$app" >"$work/second.out" 2>&1 || fail "the second start failed"
 grep -q "already running" "$work/second.out" || fail "second start: $(cat "$work/second.out")"
 poll_until "the panel brought forward" panel_window
