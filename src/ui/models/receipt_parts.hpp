@@ -2,6 +2,7 @@
 // four classes, a named duration and the fixed sentences they print.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 

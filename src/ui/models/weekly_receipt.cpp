@@ -42,8 +42,8 @@ WeeklyReceipt makeWeeklyReceipt(const insights::WeeklyFigures& figures,
         receipt.focusScoreAbsence = std::string(Tracking::kNotEnoughEvidenceToShowScoreText);
     }
     for (const insights::DayFigures& day : figures.days) {
-        receipt.days.push_back({receiptShortWeekday(day.weekday),
-                                shell::durationText(day.studyTime), day.studyTime, day.goalMet});
+        receipt.days.push_back(
+            {receiptShortWeekday(day.weekday), shell::durationText(day.studyTime), day.studyTime});
     }
     receipt.split = {.focused = figures.focused,
                      .distracting = figures.distracted,

@@ -20,7 +20,6 @@ struct WeeklyReceiptDay {
     std::string weekday;  // "Mon"
     std::string studyTime;
     double seconds = 0.0;
-    bool goalMet = false;
 
     friend bool operator==(const WeeklyReceiptDay&, const WeeklyReceiptDay&) = default;
 };
