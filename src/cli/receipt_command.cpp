@@ -15,6 +15,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
+#include "cli/study_streak.hpp"
 #include "insights/first_weekday.hpp"
 #include "insights/weekly_figures.hpp"
 #include "recording/session_messages.hpp"
@@ -107,9 +108,17 @@ void saveWeeklyReceipt(CliContext& context, HistoryEnvironment& environment,
                                                     sessions.error().description));
         return;
     }
+    // Only the week that holds today may show today's streak.
+    std::optional<int> streak;
+    if (week.dayIndex(environment.now())) {
+        streak = readCurrentStreak(context, environment);
+        if (!streak) {
+            return;
+        }
+    }
     const auto figures =
         insights::computeWeeklyFigures(*sessions, week, calendar, dailyGoalMinutes);
-    const auto receipt = ui::models::makeWeeklyReceipt(figures, std::nullopt, options, calendar);
+    const auto receipt = ui::models::makeWeeklyReceipt(figures, streak, options, calendar);
     const fs::path path =
         destination(arguments, defaultName("Weekly Receipt", calendar.dayKey(week.start), format));
     report(context, ui::receipts::writeWeeklyReceipt(receipt, path, format), path);

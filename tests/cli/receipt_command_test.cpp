@@ -103,5 +103,29 @@ TEST_F(ReceiptCommandTest, WeekReceiptReadsTheWeekOfAnyOfItsDays) {
     EXPECT_TRUE(contains(text.output, "1 session")) << text.output;
 }
 
+TEST_F(ReceiptCommandTest, ThisWeeksReceiptCarriesTheStreak) {
+    // Sessions a day apart, the later one started an hour ago: a streak of
+    // two days, whether it fell today or (just after midnight) yesterday.
+    // The wall clock jumps the day between them.
+    const Date later = systemNow().addingSeconds(-3600.0);
+    const std::string script =
+        R"({"at":0,"do":"frontmost","bundle":"org.gnome.TextEditor","name":"Text Editor"}
+{"at":0,"do":"start","subject":"Algebra","duration":600}
+{"at":300,"do":"end"}
+{"at":301,"do":"wallClock","iso":")" +
+        formatIso8601(later) + R"("}
+{"at":301,"do":"start","subject":"Algebra","duration":600}
+{"at":601,"do":"end"}
+)";
+    record(script, later.addingSeconds(-86400.0));
+    const std::string today = LocalCalendar::current().dayKey(systemNow());
+    const fs::path target = folder() / "this week.pdf";
+    const CliRun saved =
+        run({"receipt", "--week", today, "--format", "pdf", "-o", target.string()});
+    ASSERT_EQ(saved.status, 0) << saved.err;
+    const auto text = lumenote::testing::runProgram({"pdftotext", target.string(), "-"}, 30);
+    EXPECT_TRUE(contains(text.output, "2-day streak")) << text.output;
+}
+
 }  // namespace
 }  // namespace lumenote::cli::testing
