@@ -27,12 +27,15 @@ void paintHeader(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
     }
 }
 
-void paintFigures(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
+std::vector<Metric> metricsOf(const models::WeeklyReceipt& receipt) {
     namespace Tracking = recording::TrackingCalculationService;
-    paintMetrics(canvas, {{receipt.studyTime, "Study time"},
-                          {receipt.sessionsText, "Recorded"},
-                          {receipt.focusScore.value_or(std::string(Tracking::kAbsentScoreText)),
-                           "Focus score"}});
+    return {{receipt.studyTime, "Study time"},
+            {receipt.sessionsText, "Recorded"},
+            {receipt.focusScore.value_or(std::string(Tracking::kAbsentScoreText)), "Focus score"}};
+}
+
+void paintFigures(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
+    paintMetrics(canvas, metricsOf(receipt));
     if (!receipt.focusScoreAbsence.empty()) {
         canvas.advance(6.0);
         canvas.line(receipt.focusScoreAbsence, kNoteText, TextWeight::regular, kMutedInkColor);
@@ -106,16 +109,21 @@ void paintWeeklyReceipt(QPainter& painter, const QRectF& page,
     ReceiptCanvas canvas(painter, page);
     paintHeader(canvas, receipt);
     canvas.rule();
+    // A week without sessions says so once, instead of an empty chart, an
+    // empty bar and a missing score each explaining the same absence.
+    if (receipt.emptyText) {
+        paintMetrics(canvas, metricsOf(receipt));
+        canvas.advance(kSectionGap);
+        canvas.line(*receipt.emptyText, kDetailText, TextWeight::regular, kMutedInkColor);
+        paintBranding(canvas, receipt.branding);
+        return;
+    }
     paintFigures(canvas, receipt);
     canvas.advance(kSectionGap);
     paintDays(canvas, receipt.days);
     canvas.advance(kSectionGap);
     paintHeading(canvas, "Computer study by class");
     paintClassSplit(canvas, receipt.split);
-    if (receipt.emptyText) {
-        canvas.advance(kSectionGap);
-        canvas.line(*receipt.emptyText, kDetailText, TextWeight::regular, kMutedInkColor);
-    }
     paintLists(canvas, receipt);
     paintBranding(canvas, receipt.branding);
 }

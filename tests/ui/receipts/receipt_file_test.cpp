@@ -188,6 +188,28 @@ TEST_F(ReceiptFileTest, WritesThePicturesForReview) {
         {}, LocalCalendar::utc());
     ASSERT_TRUE(
         writeSessionReceipt(empty, folder / "session-no-input.png", ReceiptFormat::png).ok());
+    auto crowded = sessionReceipt({.includeGoal = true, .includeExactTimes = true});
+    crowded.goal =
+        "Work through every exercise of chapter 4 and write up the two proofs that "
+        "were left open in the lecture";
+    crowded.topActivities.push_back(
+        models::receiptLine("A very long window name of an "
+                            "application that goes on and on",
+                            61.0));
+    crowded.personalBests = {"Daily goal complete: 2 h 00 min", "New longest focus: 50 min",
+                             "New highest focus score: 88%", "New longest session: 1 h 00 min"};
+    ASSERT_TRUE(
+        writeSessionReceipt(crowded, folder / "session-crowded.png", ReceiptFormat::png).ok());
+    const auto utc = LocalCalendar::utc();
+    insights::WeeklyFigures emptyWeek;
+    emptyWeek.period = insights::weekContaining(at("2026-11-25T12:00:00Z"), utc, 1);
+    for (std::size_t day = 0; day < emptyWeek.days.size(); ++day) {
+        emptyWeek.days[day] = {.start = emptyWeek.period.dayStarts[day],
+                               .weekday = static_cast<unsigned>((day + 1) % 7)};
+    }
+    ASSERT_TRUE(writeWeeklyReceipt(models::makeWeeklyReceipt(emptyWeek, std::nullopt, {}, utc),
+                                   folder / "week-empty.png", ReceiptFormat::png)
+                    .ok());
     ASSERT_TRUE(writeWeeklyReceipt(weeklyReceipt(), folder / "week.png", ReceiptFormat::png).ok());
     ASSERT_TRUE(writeWeeklyReceipt(weeklyReceipt(), folder / "week.pdf", ReceiptFormat::pdf).ok());
     const auto rendered = lumenote::testing::runProgram(
