@@ -127,6 +127,17 @@ TEST_F(ReceiptFileTest, PdfOpensAndShowsTheGoalOnlyWhenAsked) {
     EXPECT_THAT(text, Not(HasSubstr("09:00")));
 }
 
+TEST_F(ReceiptFileTest, LongSubjectIsElidedNotCutOrWrapped) {
+    auto receipt = sessionReceipt({});
+    receipt.subject = "Introduction to thermodynamics and statistical mechanics, week 7";
+    const fs::path pdf = file("long.pdf");
+    ASSERT_TRUE(writeSessionReceipt(receipt, pdf, ReceiptFormat::pdf).ok());
+    const std::string text = pdfText(pdf);
+    EXPECT_THAT(text, HasSubstr("Introduction to"));
+    EXPECT_THAT(text, HasSubstr("…"));
+    EXPECT_THAT(text, Not(HasSubstr("week 7")));
+}
+
 TEST_F(ReceiptFileTest, WeeklyPdfIsOnePage) {
     const fs::path pdf = file("week.pdf");
     ASSERT_TRUE(writeWeeklyReceipt(weeklyReceipt(), pdf, ReceiptFormat::pdf).ok());
