@@ -24,6 +24,9 @@ void installSessionCommands(CLI::App& app, CliContext& context);
 // `export --format json|csv|ics [--table] [--session] [-o]`: sessions as files.
 void installExportCommand(CLI::App& app, CliContext& context);
 
+// `receipt ID|--week DAY --format png|pdf [-o PATH]`: a receipt as a file.
+void installReceiptCommand(CLI::App& app, CliContext& context);
+
 // `rules list|starter|set-app|set-website|remove|recent|clear-apps|clear-websites`.
 void installRulesCommands(CLI::App& app, CliContext& context);
 

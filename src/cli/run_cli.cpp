@@ -20,10 +20,10 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
     app.fallthrough(false);
     for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
                          installTemplatesCommands, installSessionCommands, installExportCommand,
-                         installBackupCommands, installRulesCommands, installReviewCommands,
-                         installRecoveryCommands, installWeekCommands, installBrowserCommands,
-                         installExtensionCommands, installSetupTestCommand, installReportCommand,
-                         installHelpCommand}) {
+                         installReceiptCommand, installBackupCommands, installRulesCommands,
+                         installReviewCommands, installRecoveryCommands, installWeekCommands,
+                         installBrowserCommands, installExtensionCommands, installSetupTestCommand,
+                         installReportCommand, installHelpCommand}) {
         install(app, context);
     }
 

@@ -10,12 +10,12 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
+#include "cli/study_streak.hpp"
 #include "foundation/numeric.hpp"
 #include "insights/first_weekday.hpp"
 #include "insights/insight_dismissal_store.hpp"
@@ -34,9 +34,6 @@ namespace {
 
 using insights::SessionSnapshot;
 using insights::WeekPeriod;
-
-// Days read per step when following the streak back in time.
-constexpr int kStreakStepDays = 28;
 
 void printJson(CliContext& context, const nlohmann::json& value) {
     context.out << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
@@ -69,38 +66,6 @@ std::optional<std::vector<SessionSnapshot>> readWeek(CliContext& context,
         return std::nullopt;
     }
     return std::move(*snapshots);
-}
-
-// The current streak, reading back four weeks at a time (sessions only, no
-// segments) until a day without study ends it.
-std::optional<int> streak(CliContext& context, HistoryEnvironment& environment) {
-    const LocalCalendar& calendar = environment.calendar();
-    const Date now = environment.now();
-    const Date tomorrow = calendar.startOfDay(calendar.addingDays(calendar.startOfDay(now), 1));
-    std::set<std::string> days;
-    for (int step = 1;; ++step) {
-        const Date from = calendar.startOfDay(
-            calendar.addingDays(calendar.startOfDay(now), -kStreakStepDays * step));
-        const Date to = calendar.startOfDay(
-            calendar.addingDays(calendar.startOfDay(now), -kStreakStepDays * (step - 1)));
-        const recording::SessionRange range{from, step == 1 ? tomorrow : to};
-        auto walked = environment.historyReader().forEachSession(
-            {.range = range}, [&](const recording::StudySession& session) {
-                if (insights::countsForAnalytics(session, now, {})) {
-                    days.insert(calendar.dayKey(session.startDate));
-                }
-                return true;
-            });
-        if (!walked) {
-            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
-                                                        walked.error().description));
-            return std::nullopt;
-        }
-        const int found = insights::currentStudyStreak(days, now, calendar);
-        if (found < kStreakStepDays * step - 1) {
-            return found;
-        }
-    }
 }
 
 long long dailyGoalMinutes(const UserPaths& paths, Date now) {
@@ -235,7 +200,8 @@ void installWeek(CLI::App& app, CliContext& context) {
             insights::weekContaining(*date, calendar, insights::localeFirstWeekday());
         const auto sessions =
             readWeek(context, *environment, week.range(), insights::SnapshotDetail::full);
-        const auto currentStreak = sessions ? streak(context, *environment) : std::nullopt;
+        const auto currentStreak =
+            sessions ? readCurrentStreak(context, *environment) : std::nullopt;
         if (!currentStreak) {
             return;
         }
