@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QLocale>
 
+#include "ui/design/chip.hpp"
 #include "ui/design/qt_text.hpp"
 
 namespace lumenote::ui {
@@ -16,20 +17,6 @@ QDateTime dateTimeOf(Date date) {
 }
 
 }  // namespace
-
-QString statusWord(recording::StudySessionStatus status) {
-    switch (status) {
-        case recording::StudySessionStatus::running:
-            return QStringLiteral("Running");
-        case recording::StudySessionStatus::paused:
-            return QStringLiteral("Paused");
-        case recording::StudySessionStatus::completed:
-            return QStringLiteral("Completed");
-        case recording::StudySessionStatus::interrupted:
-            return QStringLiteral("Interrupted");
-    }
-    return {};
-}
 
 HistoryListModel::HistoryListModel(recording::RecordingStore& store, LocalCalendar calendar,
                                    unsigned firstWeekday, QObject* parent)
@@ -96,13 +83,15 @@ QVariant HistoryListModel::data(const QModelIndex& index, int role) const {
         case focusScoreRole:
             return qt(row.focusScoreText);
         case statusRole:
-            return row.status ? statusWord(*row.status) : QString();
+            return row.status ? QVariant(static_cast<int>(*row.status)) : QVariant();
+        case statusTextRole:
+            return row.status ? design::statusChipText(*row.status) : QString();
         case Qt::AccessibleTextRole:
             return QStringLiteral("%1, %2, %3, focus score %4, %5")
                 .arg(qt(row.subject),
                      QLocale().toString(dateTimeOf(row.start), QLocale::ShortFormat),
                      qt(row.durationText), qt(row.focusScoreText),
-                     row.status ? statusWord(*row.status) : QString());
+                     row.status ? design::statusChipText(*row.status) : QString());
         default:
             return {};
     }

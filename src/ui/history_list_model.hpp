@@ -27,7 +27,8 @@ class HistoryListModel final : public QAbstractListModel {
         goalRole,
         durationRole,
         focusScoreRole,
-        statusRole,  // the status's word: "Completed", …; empty when unknown
+        statusRole,      // the status as an int; invalid when unknown
+        statusTextRole,  // the status's word: "Completed", …; empty when unknown
     };
 
     // `store` must outlive the model.
@@ -64,8 +65,5 @@ class HistoryListModel final : public QAbstractListModel {
     std::vector<models::HistoryEntry> entries_;
     std::optional<StoreError> readError_;
 };
-
-// The word shown for a session's status.
-QString statusWord(recording::StudySessionStatus status);
 
 }  // namespace lumenote::ui

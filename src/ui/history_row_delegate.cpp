@@ -1,10 +1,10 @@
 #include "ui/history_row_delegate.hpp"
 
-#include <QApplication>
 #include <QDateTime>
 #include <QLocale>
 #include <QPainter>
 
+#include "ui/design/chip.hpp"
 #include "ui/design/palette.hpp"
 #include "ui/history_list_model.hpp"
 
@@ -25,20 +25,20 @@ QColor muted(const QPalette& palette) {
     return color;
 }
 
-void paintStatusChip(QPainter& painter, const QRectF& area, const QString& word, bool dark) {
-    if (word.isEmpty()) {
+void paintStatusChip(QPainter& painter, const QRectF& area, const QVariant& status, bool dark) {
+    if (!status.isValid()) {
         return;
     }
+    const auto value = static_cast<recording::StudySessionStatus>(status.toInt());
+    const QString word = design::statusChipText(value);
     QFont font = painter.font();
     font.setWeight(QFont::DemiBold);
     font.setPointSizeF(font.pointSizeF() * 0.9);
     painter.setFont(font);
     const qreal width = std::min(area.width(), QFontMetricsF(font).horizontalAdvance(word) + 20.0);
     const QRectF chip(area.right() - width, area.center().y() - 10.0, width, 20.0);
-    QColor fill = QApplication::palette().color(QPalette::WindowText);
-    fill.setAlphaF(word == QStringLiteral("Interrupted") ? 0.22f : 0.1f);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(fill);
+    painter.setBrush(design::statusColor(value, dark));
     painter.drawRoundedRect(chip, 10.0, 10.0);
     painter.setPen(design::chipTextColor(dark));
     painter.drawText(chip, Qt::AlignCenter, word);

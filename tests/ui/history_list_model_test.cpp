@@ -102,7 +102,9 @@ TEST_F(HistoryListModelTest, RowsSpeakTheirFiguresAndStatus) {
     const QModelIndex first = model.index(1);
     EXPECT_EQ(first.data(Model::durationRole).toString(), "25 min");
     EXPECT_EQ(first.data(Model::focusScoreRole).toString(), "—");
-    EXPECT_EQ(first.data(Model::statusRole).toString(), "Completed");
+    EXPECT_EQ(first.data(Model::statusTextRole).toString(), "Completed");
+    EXPECT_EQ(first.data(Model::statusRole).toInt(),
+              static_cast<int>(recording::StudySessionStatus::completed));
     EXPECT_TRUE(first.data(Qt::AccessibleTextRole).toString().startsWith("Odd, "));
     EXPECT_TRUE(model.index(0).data(Qt::DisplayRole).toString().startsWith("Week of "));
 }
