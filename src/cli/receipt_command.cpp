@@ -38,12 +38,6 @@ struct ReceiptArguments {
     std::optional<std::string> output;
 };
 
-// "Lumenote Receipt 2026-11-23.png" or "Lumenote Weekly Receipt 2026-11-23.pdf",
-// named by the session's day or the week's first day.
-fs::path defaultName(std::string_view kind, const std::string& dayKey, ReceiptFormat format) {
-    return fmt::format("Lumenote {} {}.{}", kind, dayKey, ui::receipts::extensionOf(format));
-}
-
 fs::path destination(const ReceiptArguments& arguments, fs::path fallback) {
     return arguments.output ? fs::path(*arguments.output) : std::move(fallback);
 }
@@ -83,8 +77,9 @@ void saveSessionReceipt(CliContext& context, HistoryEnvironment& environment,
     }
     const LocalCalendar& calendar = environment.calendar();
     const auto receipt = ui::models::makeSessionReceipt(session, {}, options, calendar);
-    const fs::path path =
-        destination(arguments, defaultName("Receipt", calendar.dayKey(session.startDate), format));
+    const fs::path path = destination(arguments, ui::receipts::defaultReceiptFileName(
+                                                     ui::receipts::ReceiptKind::session,
+                                                     calendar.dayKey(session.startDate), format));
     report(context, ui::receipts::writeSessionReceipt(receipt, path, format), path);
 }
 
@@ -119,8 +114,9 @@ void saveWeeklyReceipt(CliContext& context, HistoryEnvironment& environment,
     const auto figures =
         insights::computeWeeklyFigures(*sessions, week, calendar, dailyGoalMinutes);
     const auto receipt = ui::models::makeWeeklyReceipt(figures, streak, options, calendar);
-    const fs::path path =
-        destination(arguments, defaultName("Weekly Receipt", calendar.dayKey(week.start), format));
+    const fs::path path = destination(
+        arguments, ui::receipts::defaultReceiptFileName(ui::receipts::ReceiptKind::week,
+                                                        calendar.dayKey(week.start), format));
     report(context, ui::receipts::writeWeeklyReceipt(receipt, path, format), path);
 }
 

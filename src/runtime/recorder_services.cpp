@@ -157,6 +157,10 @@ settings::PreferencesStore& RecorderServices::preferences() {
     return parts_->preferences;
 }
 
+settings::DefaultsDomain& RecorderServices::defaults() {
+    return parts_->defaults;
+}
+
 recording::RecordingStore& RecorderServices::store() {
     return *parts_->store;
 }

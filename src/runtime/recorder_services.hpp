@@ -51,6 +51,9 @@ class RecorderServices {
     classification::ClassificationRules& rules();
     bridge::BridgeTrackingCoordinator& browserTracking();
     settings::PreferencesStore& preferences();
+    // The user's defaults domain itself, for the keys no store owns (the
+    // receipt options).
+    settings::DefaultsDomain& defaults();
     recording::RecordingStore& store();
     // The desktop's notification server (every notice the recorder posts).
     recording::NotificationService& notifications();

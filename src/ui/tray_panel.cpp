@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QBoxLayout>
+#include <QDir>
+#include <QFileDialog>
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -10,6 +12,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QStackedWidget>
+#include <QStandardPaths>
 #include <QTimer>
 #include <QToolButton>
 
@@ -19,6 +22,9 @@
 #include "ui/design/chip.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/goal_ring.hpp"
+#include "ui/models/receipt_options.hpp"
+#include "ui/models/session_receipt.hpp"
+#include "ui/receipts/receipt_file.hpp"
 #include "ui/start_session_form.hpp"
 
 namespace lumenote::ui {
@@ -218,7 +224,14 @@ QWidget* TrayPanel::buildSummaryPage() {
         reloadStartForm();
         refresh();
     });
+    saveReceipt_ = new QPushButton(QStringLiteral("Save Receipt…"), page);
+    saveReceipt_->setObjectName(QStringLiteral("saveReceipt"));
+    connect(saveReceipt_, &QPushButton::clicked, this, &TrayPanel::chooseReceiptFile);
+    receiptSaved_ = muted(label(page));
+    receiptSaved_->setObjectName(QStringLiteral("receiptSaved"));
+    receiptSaved_->setVisible(false);
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(saveReceipt_);
     buttons->addStretch();
     buttons->addWidget(done_);
 
@@ -232,8 +245,60 @@ QWidget* TrayPanel::buildSummaryPage() {
     layout->addWidget(summaryCoverage_);
     layout->addWidget(summaryBests_);
     layout->addWidget(celebration_);
+    layout->addWidget(receiptSaved_);
     layout->addLayout(buttons);
     return page;
+}
+
+void TrayPanel::chooseReceiptFile() {
+    const auto& session = runtime_.manager().pendingPostSession();
+    if (!session) {
+        return;
+    }
+    const QString folder =
+        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation).isEmpty()
+            ? QDir::homePath()
+            : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    const QString suggested = QDir(folder).filePath(qt(receipts::defaultReceiptFileName(
+        receipts::ReceiptKind::session, LocalCalendar::current().dayKey(session->startDate),
+        receipts::ReceiptFormat::png)));
+    const QString chosen =
+        QFileDialog::getSaveFileName(this, QStringLiteral("Save Receipt"), suggested,
+                                     QStringLiteral("PNG image (*.png);;PDF document (*.pdf)"));
+    if (!chosen.isEmpty()) {
+        saveReceipt(std::filesystem::path(chosen.toStdString()));
+    }
+}
+
+bool TrayPanel::saveReceipt(const std::filesystem::path& path) {
+    const auto& pending = runtime_.manager().pendingPostSession();
+    if (!pending) {
+        return false;
+    }
+    runtime::RecorderServices& services = runtime_.services();
+    auto stored = services.store().loadSession(pending->id);
+    if (!stored || !*stored) {
+        showError(
+            QStringLiteral("The receipt could not be saved (the session could not be read)."));
+        return false;
+    }
+    const auto receipt = models::makeSessionReceipt(
+        **stored, runtime_.manager().pendingPostSessionPersonalBests(),
+        models::readReceiptOptions(services.defaults()), LocalCalendar::current());
+    const auto format =
+        path.extension() == ".pdf" ? receipts::ReceiptFormat::pdf : receipts::ReceiptFormat::png;
+    std::filesystem::path destination = path;
+    if (destination.extension() != ".pdf" && destination.extension() != ".png") {
+        destination += ".png";
+    }
+    if (auto written = receipts::writeSessionReceipt(receipt, destination, format); !written) {
+        showError(qt(written.error().message()));
+        return false;
+    }
+    receiptSaved_->setText(
+        QStringLiteral("Receipt saved as %1.").arg(qt(destination.filename().string())));
+    receiptSaved_->setVisible(true);
+    return true;
 }
 
 void TrayPanel::popUp(const QPoint& anchor) {
@@ -282,6 +347,7 @@ void TrayPanel::refresh() {
 void TrayPanel::showPage(Page page) {
     if (page != page_) {
         banner_->setVisible(false);
+        receiptSaved_->setVisible(false);
     }
     page_ = page;
     pages_->setCurrentIndex(static_cast<int>(page));

@@ -8,6 +8,7 @@
 
 #include <QFrame>
 
+#include <filesystem>
 #include <optional>
 #include <vector>
 
@@ -55,6 +56,10 @@ class TrayPanel final : public QFrame {
     // speak of it once it opens (and is itself in front).
     void followActivity() { (void)activityBehindPanel(); }
     StartSessionForm& startForm() { return *form_; }
+    // Saves the receipt of the session the summary shows as `path` (a PNG,
+    // or a PDF when the name ends in .pdf; .png is added to a name without
+    // either); a failure shows its sentence in the banner.
+    bool saveReceipt(const std::filesystem::path& path);
 
   Q_SIGNALS:
     // A session started from the panel.
@@ -74,6 +79,8 @@ class TrayPanel final : public QFrame {
     void refreshTodaysStudy();
     void refreshSessionPage();
     void refreshSummaryPage();
+    // "Save Receipt…": asks where, in the user's pictures folder by default.
+    void chooseReceiptFile();
     void startFromForm();
     void startFromTemplate(const Uuid& templateID);
     void started(const recording::SessionStartRequest& request);
@@ -129,6 +136,8 @@ class TrayPanel final : public QFrame {
     QLabel* summaryBests_;
     QLabel* celebration_;
     QPushButton* done_;
+    QPushButton* saveReceipt_;
+    QLabel* receiptSaved_;
 };
 
 }  // namespace lumenote::ui

@@ -5,6 +5,9 @@
 // nothing.
 #include "ui/tray_panel.hpp"
 
+#include <filesystem>
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include <stdlib.h>
@@ -170,6 +173,31 @@ TEST_F(TrayPanelTest, FollowsASessionThroughItsThreeStates) {
     // The subject is offered again, and today's line names no figure it
     // cannot know.
     EXPECT_FALSE(child<QLabel>("today").text().isEmpty());
+}
+
+TEST_F(TrayPanelTest, TheSummarySavesTheSessionsReceipt) {
+    fillForm("Geology", "25");
+    child<QPushButton>("start").click();
+    child<QPushButton>("end").click();
+    ASSERT_EQ(panel_->page(), TrayPanel::Page::summary);
+    EXPECT_TRUE(child<QPushButton>("saveReceipt").isEnabled());
+
+    // A name without .png or .pdf becomes a PNG; .pdf gives a PDF.
+    const std::filesystem::path folder = home_.root() / "Pictures";
+    ASSERT_TRUE(panel_->saveReceipt(folder / "geology"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "geology.png"));
+    ASSERT_TRUE(panel_->saveReceipt(folder / "geology.pdf"));
+    std::ifstream pdf(folder / "geology.pdf", std::ios::binary);
+    std::string magic(4, '\0');
+    pdf.read(magic.data(), 4);
+    EXPECT_EQ(magic, "%PDF");
+    EXPECT_TRUE(child<QLabel>("receiptSaved").isVisibleTo(panel_.get()));
+
+    // A folder in the way is refused with its sentence, and nothing is lost.
+    std::filesystem::create_directories(folder / "taken.png");
+    EXPECT_FALSE(panel_->saveReceipt(folder / "taken.png"));
+    EXPECT_TRUE(child<QLabel>("banner").text().startsWith("The receipt could not be saved"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "taken.png"));
 }
 
 TEST_F(TrayPanelTest, ATemplateStartsInOneClickAndIsMarkedUsed) {

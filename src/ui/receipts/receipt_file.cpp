@@ -113,6 +113,13 @@ std::string_view extensionOf(ReceiptFormat format) {
     return format == ReceiptFormat::png ? "png" : "pdf";
 }
 
+std::string defaultReceiptFileName(ReceiptKind kind, std::string_view dayKey,
+                                   ReceiptFormat format) {
+    const std::string_view name = kind == ReceiptKind::session ? "Receipt" : "Weekly Receipt";
+    return "Lumenote " + std::string(name) + " " + std::string(dayKey) + "." +
+           std::string(extensionOf(format));
+}
+
 std::string ReceiptFileError::message() const {
     std::string reason;
     switch (failure) {

@@ -23,6 +23,13 @@ enum class ReceiptFormat { png, pdf };
 // "png" or "pdf", the file name's extension without its dot.
 std::string_view extensionOf(ReceiptFormat format);
 
+enum class ReceiptKind { session, week };
+
+// The name a receipt is offered under: "Lumenote Receipt 2026-11-23.png" for
+// a session (its local day), "Lumenote Weekly Receipt 2026-11-23.pdf" for a
+// week (its first day).
+std::string defaultReceiptFileName(ReceiptKind kind, std::string_view dayKey, ReceiptFormat format);
+
 enum class ReceiptFileFailure {
     destinationIsFolder,  // the path names an existing folder
     folderUnusable,       // the folder is missing and cannot be created
