@@ -159,21 +159,36 @@ Result<ExportSummary, ExportError> DataExportService::write(const ExportRequest&
         }
         format->writeSession(**loaded, summary);
         sessionDone();
+    } else if (request.sessions && segmentTable == nullptr) {
+        for (const Uuid& id : *request.sessions) {
+            auto loaded = store_.loadSession(id);
+            if (!loaded) {
+                return fail(unreadable(loaded.error()));
+            }
+            if (loaded->has_value()) {
+                format->writeSession(**loaded, summary);
+                sessionDone();
+            }
+            if (!output.ok()) {
+                break;
+            }
+        }
     } else if (segmentTable != nullptr) {
         // The segments alone: no session is loaded with its children.
         std::optional<Uuid> owner;
-        auto walked = history_.forEachSegment({}, [&](const recording::StudySession& session,
-                                                      const recording::ActivitySegment& segment) {
-            if (owner != session.id) {
-                if (owner) {
-                    sessionDone();
+        auto walked = history_.forEachSegment(
+            {.sessions = request.sessions},
+            [&](const recording::StudySession& session, const recording::ActivitySegment& segment) {
+                if (owner != session.id) {
+                    if (owner) {
+                        sessionDone();
+                    }
+                    owner = session.id;
+                    ++summary.sessions;
                 }
-                owner = session.id;
-                ++summary.sessions;
-            }
-            segmentTable->writeSegment(session.id, segment, summary);
-            return output.ok();
-        });
+                segmentTable->writeSegment(session.id, segment, summary);
+                return output.ok();
+            });
         if (!walked) {
             return fail(unreadable(walked.error()));
         }

@@ -13,6 +13,7 @@
 #include <functional>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "foundation/dates.hpp"
 #include "foundation/result.hpp"
@@ -32,6 +33,10 @@ struct ExportRequest {
     ExportFormat format = ExportFormat::json;
     ExportTable table = ExportTable::sessions;  // read for CSV only
     std::optional<Uuid> session;                // one session; all when absent
+    // Several chosen sessions (a selection in the history), written in the
+    // order given, which should be start order; ids of no stored session
+    // are passed over. Named like an export of all; `session` wins over it.
+    std::optional<std::vector<Uuid>> sessions;
 };
 
 // The name a file of `request` is saved under by default:

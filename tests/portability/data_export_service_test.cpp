@@ -196,6 +196,31 @@ TEST_F(DataExportServiceTest, OneSessionOrAnUnknownOne) {
     EXPECT_EQ(missing.error().message(), "The session to export is no longer in the history.");
 }
 
+TEST_F(DataExportServiceTest, AChosenSetOfSessionsInEveryFormat) {
+    storeHistory();
+    const std::vector<Uuid> chosen{uuidNumbered(3), uuidNumbered(99), uuidNumbered(2)};
+    const json document = json::parse(exported({.format = ExportFormat::json, .sessions = chosen}));
+    std::vector<std::string> order;
+    for (const json& session : document["sessions"]) {
+        order.push_back(session["id"]);
+    }
+    // In the order given; the id of no stored session is passed over.
+    EXPECT_EQ(order, idsOf({3, 2}));
+    const auto rows = exportedTable({.format = ExportFormat::csv, .sessions = chosen});
+    ASSERT_EQ(rows.size(), 1u + 2u);
+    EXPECT_EQ(rows[2][1], uuidNumbered(2).upperString());
+    const auto segments = exportedTable(
+        {.format = ExportFormat::csv, .table = ExportTable::segments, .sessions = chosen});
+    ASSERT_EQ(segments.size(), 1u + 5u + 3u);
+    EXPECT_EQ(segments.back()[1], uuidNumbered(2).upperString());
+    // Nothing chosen writes an empty document, not the whole history.
+    const json none =
+        json::parse(exported({.format = ExportFormat::json, .sessions = std::vector<Uuid>{}}));
+    EXPECT_TRUE(none["sessions"].empty());
+    EXPECT_EQ(defaultExportFileName({.format = ExportFormat::json, .sessions = chosen}),
+              "Lumenote Sessions.json");
+}
+
 TEST_F(DataExportServiceTest, ProgressCountsEverySessionVisitedOnce) {
     storeHistory();
     for (const ExportRequest& request :
