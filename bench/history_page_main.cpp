@@ -80,8 +80,8 @@ int main(int argc, char** argv) {
     for (int run = 0; run < runs; ++run) {
         page.reset();
         const auto started = Clock::now();
-        page = std::make_unique<ui::HistoryPage>(**store, history, LocalCalendar::current(), 1,
-                                                 [] { return systemNow(); });
+        page = std::make_unique<ui::HistoryPage>(
+            **store, **store, history, LocalCalendar::current(), 1, [] { return systemNow(); });
         page->resize(960, 720);
         page->show();
         (void)page->grab();

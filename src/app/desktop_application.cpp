@@ -129,9 +129,10 @@ void DesktopApplication::openMainWindow(std::optional<ui::MainPage> page) {
         runtime::RecorderServices& services = *dependencies_.services;
         mainWindow_ = std::make_unique<ui::MainWindow>();
         mainWindow_->setWindowIcon(applicationIcon());
-        historyPage_ = new ui::HistoryPage(services.store(), services.history(),
-                                           LocalCalendar::current(), insights::localeFirstWeekday(),
-                                           [&services] { return services.now(); });
+        historyPage_ =
+            new ui::HistoryPage(services.store(), services.historyReader(), services.history(),
+                                LocalCalendar::current(), insights::localeFirstWeekday(),
+                                [&services] { return services.now(); });
         mainWindow_->addPage(ui::MainPage::history, historyPage_);
         connect(mainWindow_.get(), &ui::MainWindow::newSessionRequested, this,
                 [this] { perform(shell::AppCommand::newSession); });

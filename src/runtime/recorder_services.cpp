@@ -157,6 +157,10 @@ settings::PreferencesStore& RecorderServices::preferences() {
     return parts_->preferences;
 }
 
+recording::SessionHistoryReader& RecorderServices::historyReader() {
+    return *parts_->store;
+}
+
 settings::DefaultsDomain& RecorderServices::defaults() {
     return parts_->defaults;
 }

@@ -17,6 +17,7 @@
 #include "foundation/result.hpp"
 #include "foundation/user_paths.hpp"
 #include "recording/session_history.hpp"
+#include "recording/session_history_reader.hpp"
 #include "recording/session_manager.hpp"
 #include "settings/preferences_store.hpp"
 
@@ -55,6 +56,8 @@ class RecorderServices {
     // receipt options).
     settings::DefaultsDomain& defaults();
     recording::RecordingStore& store();
+    // The store's walks over the whole history (export, review).
+    recording::SessionHistoryReader& historyReader();
     // The desktop's notification server (every notice the recorder posts).
     recording::NotificationService& notifications();
     // The wall clock's time now.

@@ -1,15 +1,23 @@
 #include "ui/history_page.hpp"
 
+#include <algorithm>
+
 #include <QComboBox>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMenu>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "portability/export_file.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/history_list_model.hpp"
 #include "ui/history_row_delegate.hpp"
@@ -40,10 +48,12 @@ constexpr std::pair<const char*, HistoryPage::Period> kPeriodChoices[] = {
 
 }  // namespace
 
-HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHistory& history,
-                         LocalCalendar calendar, unsigned firstWeekday, std::function<Date()> now,
-                         QWidget* parent)
+HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHistoryReader& reader,
+                         recording::SessionHistory& history, LocalCalendar calendar,
+                         unsigned firstWeekday, std::function<Date()> now, QWidget* parent)
     : QWidget(parent),
+      store_(store),
+      reader_(reader),
       history_(history),
       calendar_(std::move(calendar)),
       firstWeekday_(firstWeekday),
@@ -120,6 +130,15 @@ HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHis
     layout->addWidget(undoBar_);
 
     auto* actions = new QHBoxLayout;
+    auto* exporting = new QPushButton(QStringLiteral("Export…"), this);
+    exporting->setObjectName(QStringLiteral("historyExport"));
+    auto* exportMenu = new QMenu(exporting);
+    exportSelection_ = exportMenu->addAction(QStringLiteral("Export Selected Sessions…"), this,
+                                             [this] { chooseExport(false); });
+    exportMenu->addAction(QStringLiteral("Export All Sessions…"), this,
+                          [this] { chooseExport(true); });
+    exporting->setMenu(exportMenu);
+    actions->addWidget(exporting);
     delete_ = new QPushButton(QStringLiteral("Delete"), this);
     delete_->setObjectName(QStringLiteral("historyDelete"));
     delete_->setEnabled(false);
@@ -221,7 +240,79 @@ void HistoryPage::applyFilter() {
 }
 
 void HistoryPage::selectionChanged() {
-    delete_->setEnabled(!model_->sessionIds(list_->selectionModel()->selectedIndexes()).empty());
+    const bool chosen = !model_->sessionIds(list_->selectionModel()->selectedIndexes()).empty();
+    delete_->setEnabled(chosen);
+    exportSelection_->setEnabled(chosen);
+}
+
+void HistoryPage::chooseExport(bool everything) {
+    struct Choice {
+        const char* filter;
+        portability::ExportRequest request;
+    };
+    using portability::ExportFormat;
+    using portability::ExportTable;
+    const Choice choices[] = {
+        {"JSON document (*.json)", {.format = ExportFormat::json}},
+        {"Sessions table, CSV (*.csv)", {.format = ExportFormat::csv}},
+        {"Segments table, CSV (*.csv)",
+         {.format = ExportFormat::csv, .table = ExportTable::segments}},
+        {"Calendar (*.ics)", {.format = ExportFormat::ics}},
+    };
+    QStringList filters;
+    for (const Choice& choice : choices) {
+        filters.append(QString::fromLatin1(choice.filter));
+    }
+    QFileDialog dialog(this, QStringLiteral("Export Sessions"), QDir::homePath());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters(filters);
+    dialog.selectFile(qt(portability::defaultExportFileName(choices[0].request)));
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
+        const auto chosen = filters.indexOf(filter);
+        dialog.selectFile(qt(portability::defaultExportFileName(choices[chosen].request)));
+    });
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return;
+    }
+    const auto chosen = std::max<qsizetype>(0, filters.indexOf(dialog.selectedNameFilter()));
+    (void)exportTo(std::filesystem::path(dialog.selectedFiles().front().toStdString()),
+                   choices[chosen].request, everything);
+}
+
+std::optional<std::size_t> HistoryPage::exportTo(const std::filesystem::path& path,
+                                                 portability::ExportRequest request,
+                                                 bool everything) {
+    banner_->setVisible(false);
+    if (!everything) {
+        // Rows are newest first: reversed, they are in start order.
+        std::vector<Uuid> ids = model_->sessionIds(list_->selectionModel()->selectedIndexes());
+        std::reverse(ids.begin(), ids.end());
+        request.sessions = std::move(ids);
+    }
+    auto file = portability::AtomicExportFile::create(path);
+    if (!file) {
+        showError(qt(file.error().message()));
+        return std::nullopt;
+    }
+    QProgressDialog progress(QStringLiteral("Exporting sessions…"), QString(), 0, 0, this);
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(500);
+    portability::DataExportService service(store_, reader_);
+    auto written = service.write(request, now_(), **file, [&progress](std::size_t done) {
+        if (done % 64 == 0) {
+            progress.setLabelText(QStringLiteral("Exporting sessions… %1 written").arg(done));
+            QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+        }
+    });
+    if (!written) {
+        showError(qt(written.error().message()));
+        return std::nullopt;
+    }
+    if (auto committed = (*file)->commit(); !committed) {
+        showError(qt(committed.error().message()));
+        return std::nullopt;
+    }
+    return written->sessions;
 }
 
 void HistoryPage::deleteSelected() {

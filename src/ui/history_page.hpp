@@ -8,11 +8,16 @@
 // open as fast as twenty.
 #pragma once
 
+#include <filesystem>
+#include <optional>
+
 #include <QWidget>
 
 #include "foundation/dates.hpp"
+#include "portability/data_export_service.hpp"
 #include "recording/session_history.hpp"
 
+class QAction;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -31,11 +36,11 @@ class HistoryPage final : public QWidget {
     // The periods of the period filter, in the order offered.
     enum class Period { allTime, thisWeek, last30Days, thisYear };
 
-    // `store` and `history` must outlive the page; `now` gives the wall
-    // clock's date for the period filter.
-    HistoryPage(recording::RecordingStore& store, recording::SessionHistory& history,
-                LocalCalendar calendar, unsigned firstWeekday, std::function<Date()> now,
-                QWidget* parent = nullptr);
+    // `store`, `reader` and `history` must outlive the page; `now` gives
+    // the wall clock's date for the period filter and the export's stamp.
+    HistoryPage(recording::RecordingStore& store, recording::SessionHistoryReader& reader,
+                recording::SessionHistory& history, LocalCalendar calendar, unsigned firstWeekday,
+                std::function<Date()> now, QWidget* parent = nullptr);
     ~HistoryPage() override;
 
     // Reads the history again (after a session ended or a restore).
@@ -43,6 +48,12 @@ class HistoryPage final : public QWidget {
     // Puts the keyboard in the search field (Ctrl+F).
     void focusSearch();
     HistoryListModel& model() { return *model_; }
+    // Exports the selected sessions (or, with `everything`, the whole
+    // history) as `request` says into `path`, written whole or not at all;
+    // a failure shows its sentence in the banner. Returns the sessions
+    // written.
+    std::optional<std::size_t> exportTo(const std::filesystem::path& path,
+                                        portability::ExportRequest request, bool everything);
     QListView& list() { return *list_; }
 
   Q_SIGNALS:
@@ -55,6 +66,8 @@ class HistoryPage final : public QWidget {
 
   private:
     void applyFilter();
+    // "Export…": asks for the format and the file, then exports.
+    void chooseExport(bool everything);
     void deleteSelected();
     void undoDeletion();
     void showUndoOffer();
@@ -63,6 +76,8 @@ class HistoryPage final : public QWidget {
     // With no row to show, a sentence says why instead of an empty list.
     void showEmptyState();
 
+    recording::RecordingStore& store_;
+    recording::SessionHistoryReader& reader_;
     recording::SessionHistory& history_;
     LocalCalendar calendar_;
     unsigned firstWeekday_;
@@ -74,6 +89,7 @@ class HistoryPage final : public QWidget {
     QListView* list_;
     QLabel* empty_;
     QPushButton* delete_;
+    QAction* exportSelection_;
     QLabel* banner_;
     QLabel* undoText_;
     QPushButton* undo_;

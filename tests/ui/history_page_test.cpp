@@ -6,6 +6,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
@@ -22,6 +26,7 @@
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
 #include "store/sqlite_recording_store.hpp"
+#include "support/temporary_home.hpp"
 #include "ui/appearance.hpp"
 #include "ui/history_list_model.hpp"
 
@@ -52,7 +57,7 @@ class HistoryPageTest : public ::testing::Test {
         rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
         history_ = std::make_unique<recording::SessionHistory>(
             machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
-        page_ = std::make_unique<HistoryPage>(*store_, *history_, LocalCalendar::utc(), 1,
+        page_ = std::make_unique<HistoryPage>(*store_, *store_, *history_, LocalCalendar::utc(), 1,
                                               [this] { return machine_.clock.wallNow(); });
         page_->resize(900, 600);
         page_->show();
@@ -88,6 +93,7 @@ class HistoryPageTest : public ::testing::Test {
     std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<recording::SessionHistory> history_;
     std::unique_ptr<HistoryPage> page_;
+    lumenote::testing::TemporaryHome home_;
 };
 
 TEST_F(HistoryPageTest, DeletingTwoSessionsThenUndoBringsThemBack) {
@@ -133,6 +139,32 @@ TEST_F(HistoryPageTest, SearchFiltersOnceTypingPauses) {
     EXPECT_EQ(empty->text(), "No session matches the search and filters.");
     search->clear();
     QTRY_COMPARE_WITH_TIMEOUT(subjects().size(), 3, 3000);
+}
+
+TEST_F(HistoryPageTest, ExportsTheSelectionInStartOrderOrEverything) {
+    const auto sessionsIn = [](const std::filesystem::path& file) {
+        QFile opened(QString::fromStdString(file.string()));
+        EXPECT_TRUE(opened.open(QIODevice::ReadOnly));
+        QStringList subjects;
+        for (const auto& session :
+             QJsonDocument::fromJson(opened.readAll())["sessions"].toArray()) {
+            subjects.append(session.toObject()["subject"].toString());
+        }
+        return subjects;
+    };
+    selectRows({1, 2});
+    const portability::ExportRequest json{.format = portability::ExportFormat::json};
+    EXPECT_EQ(page_->exportTo(home_.root() / "chosen.json", json, false), 2u);
+    EXPECT_EQ(sessionsIn(home_.root() / "chosen.json"), (QStringList{"Biology", "Chemistry lab"}));
+    EXPECT_EQ(page_->exportTo(home_.root() / "all.json", json, true), 3u);
+    EXPECT_EQ(sessionsIn(home_.root() / "all.json").size(), 3);
+
+    // A folder that does not exist: the sentence in the banner, no file.
+    EXPECT_FALSE(page_->exportTo(home_.root() / "missing" / "x.json", json, true).has_value());
+    auto* banner = page_->findChild<QLabel*>("historyBanner");
+    EXPECT_TRUE(banner->isVisibleTo(page_.get()));
+    EXPECT_FALSE(banner->text().isEmpty());
+    EXPECT_FALSE(std::filesystem::exists(home_.root() / "missing"));
 }
 
 TEST_F(HistoryPageTest, ActivatingASessionOpensItAndAHeadingOpensNothing) {
