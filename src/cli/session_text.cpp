@@ -69,10 +69,6 @@ std::string padded(std::string_view cell, std::size_t width) {
     return std::string(cell) + std::string(count >= width ? 0 : width - count, ' ');
 }
 
-std::string countText(std::size_t count, std::string_view singular, std::string_view plural) {
-    return fmt::format("{} {}", count, count == 1 ? singular : plural);
-}
-
 std::string sessionTableText(const std::vector<recording::StudySession>& sessions,
                              const LocalCalendar& calendar,
                              const std::vector<Uuid>& awaitingRecovery) {

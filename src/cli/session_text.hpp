@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "foundation/dates.hpp"
+#include "foundation/text.hpp"
 #include "recording/active_session_checkpoint.hpp"
 #include "recording/replay_rows.hpp"
 #include "recording/session_figures.hpp"
@@ -21,8 +22,7 @@ namespace lumenote::cli {
 // columns of non-ASCII text line up; a longer cell is kept whole.
 std::string padded(std::string_view cell, std::size_t width);
 
-// "1 session", "2 sessions": the count with the noun in the number it calls for.
-std::string countText(std::size_t count, std::string_view singular, std::string_view plural);
+using text::countText;
 
 // One line per session in the order given, under a header line: local start
 // time, subject (cut to 40 characters), status, timer, study time, focus

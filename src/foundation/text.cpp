@@ -187,6 +187,13 @@ std::string caseFolded(std::string_view text) {
     return result;
 }
 
+std::string countText(std::size_t count, std::string_view singular, std::string_view plural) {
+    std::string text = std::to_string(count);
+    text += ' ';
+    text += count == 1 ? singular : plural;
+    return text;
+}
+
 }  // namespace text
 }  // namespace foundation
 }  // namespace lumenote

@@ -38,6 +38,9 @@ bool isValidUtf8(std::string_view text);
 // small letters. Other characters are kept as they are.
 std::string caseFolded(std::string_view text);
 
+// "1 session", "3 sessions": the count with the noun that agrees with it.
+std::string countText(std::size_t count, std::string_view singular, std::string_view plural);
+
 }  // namespace text
 }  // namespace foundation
 }  // namespace lumenote

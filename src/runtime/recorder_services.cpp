@@ -15,6 +15,7 @@
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
 #include "platform/system/headless_platform.hpp"
+#include "recording/unclassified_review_service.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/recording_preferences_adapter.hpp"
 #include "store/recorder_lock.hpp"
@@ -63,6 +64,7 @@ struct RecorderServices::Parts {
     std::optional<recording::SessionHistory> history;
     std::optional<recording::SessionManager> manager;
     std::optional<bridge::BrowserSettingsBinding> browserSettings;
+    std::optional<recording::UnclassifiedReviewService> review;
 };
 
 Result<std::unique_ptr<RecorderServices>, ServicesOpenError> RecorderServices::open(
@@ -130,6 +132,7 @@ Result<std::unique_ptr<RecorderServices>, ServicesOpenError> RecorderServices::o
     p.manager->startUp();
     p.manager->problems().remove(told);
     p.browserSettings.emplace(p.browser, p.preferences, *p.rules);
+    p.review.emplace(*p.store, *p.rules);
     return std::unique_ptr<RecorderServices>(new RecorderServices(std::move(parts)));
 }
 
@@ -159,6 +162,10 @@ settings::PreferencesStore& RecorderServices::preferences() {
 
 recording::SessionHistoryReader& RecorderServices::historyReader() {
     return *parts_->store;
+}
+
+recording::UnclassifiedReviewService& RecorderServices::review() {
+    return *parts_->review;
 }
 
 settings::DefaultsDomain& RecorderServices::defaults() {

@@ -21,6 +21,10 @@
 #include "recording/session_manager.hpp"
 #include "settings/preferences_store.hpp"
 
+namespace lumenote::recording {
+class UnclassifiedReviewService;
+}
+
 namespace lumenote::runtime {
 
 // Why the recorder's services could not be opened, with the sentence to show.
@@ -58,6 +62,8 @@ class RecorderServices {
     recording::RecordingStore& store();
     // The store's walks over the whole history (export, review).
     recording::SessionHistoryReader& historyReader();
+    // The review of unclassified activity, its list kept between looks.
+    recording::UnclassifiedReviewService& review();
     // The desktop's notification server (every notice the recorder posts).
     recording::NotificationService& notifications();
     // The wall clock's time now.

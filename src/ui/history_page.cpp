@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include "portability/export_file.hpp"
+#include "ui/design/page_title.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/history_list_model.hpp"
 #include "ui/history_row_delegate.hpp"
@@ -64,12 +65,7 @@ HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHis
     layout->setContentsMargins(24, 20, 24, 16);
     layout->setSpacing(12);
 
-    auto* title = new QLabel(QStringLiteral("History"), this);
-    QFont titleFont = title->font();
-    titleFont.setPointSizeF(titleFont.pointSizeF() * 1.6);
-    titleFont.setWeight(QFont::Bold);
-    title->setFont(titleFont);
-    layout->addWidget(title);
+    layout->addWidget(design::makePageTitle(QStringLiteral("History"), this));
 
     auto* filters = new QHBoxLayout;
     search_ = new QLineEdit(this);

@@ -17,6 +17,9 @@ namespace {
 constexpr std::array kPageOrder{MainPage::today, MainPage::replay, MainPage::history,
                                 MainPage::insights, MainPage::settings};
 
+constexpr std::array kEveryPage{MainPage::today,    MainPage::replay,   MainPage::history,
+                                MainPage::insights, MainPage::settings, MainPage::review};
+
 constexpr int kSidebarWidth = 180;
 
 // The sidebar's look over the window's colours: a style sheet keeps the
@@ -44,6 +47,8 @@ QString themeIconName(MainPage page) {
             return QStringLiteral("office-chart-bar");
         case MainPage::settings:
             return QStringLiteral("preferences-system");
+        case MainPage::review:
+            return QStringLiteral("dialog-question");
     }
     return {};
 }
@@ -66,6 +71,8 @@ QString mainPageTitle(MainPage page) {
             return QStringLiteral("Insights");
         case MainPage::settings:
             return QStringLiteral("Settings");
+        case MainPage::review:
+            return QStringLiteral("Review");
     }
     return {};
 }
@@ -150,12 +157,23 @@ void MainWindow::rebuildSidebar() {
         item->setData(Qt::UserRole, static_cast<int>(page));
         item->setSizeHint({0, 36});
     }
-    if (!showPage(current.value_or(*firstPage()))) {
+    const std::optional<MainPage> wanted = current ? current : firstPage();
+    if (!wanted || !showPage(*wanted)) {
         sidebar_->setCurrentRow(0);
     }
 }
 
 bool MainWindow::showPage(MainPage page) {
+    if (page == MainPage::review) {
+        if (!hasPage(page)) {
+            return false;
+        }
+        const QSignalBlocker blocker(sidebar_);
+        sidebar_->setCurrentRow(-1);
+        pages_->setCurrentWidget(widgets_[slot(page)]);
+        setWindowTitle(mainWindowTitle(page));
+        return true;
+    }
     for (int row = 0; row < sidebar_->count(); ++row) {
         if (sidebar_->item(row)->data(Qt::UserRole).toInt() == static_cast<int>(page)) {
             sidebar_->setCurrentRow(row);
@@ -177,7 +195,7 @@ std::optional<MainPage> MainWindow::firstPage() const {
 }
 
 std::optional<MainPage> MainWindow::currentPage() const {
-    for (const MainPage page : kPageOrder) {
+    for (const MainPage page : kEveryPage) {
         if (widgets_[slot(page)] != nullptr && widgets_[slot(page)] == pages_->currentWidget()) {
             return page;
         }

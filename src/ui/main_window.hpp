@@ -3,9 +3,11 @@
 //
 // Pages join the sidebar as they are added, always in the order Today,
 // Replay, History, Insights, Settings; Ctrl+1 … Ctrl+5 choose by that order's
-// position among the pages present, Ctrl+F searches the history and Ctrl+N
-// asks for a new session. Closing the window hides it: Lumenote goes on
-// running in the tray.
+// position among the pages present. The review of unclassified activity is a
+// page without a sidebar entry: Today's card, the tray and the shell's
+// command open it, and the sidebar then shows no page chosen. Ctrl+F
+// searches the history and Ctrl+N asks for a new session. Closing the window
+// hides it: Lumenote goes on running in the tray.
 #pragma once
 
 #include <array>
@@ -19,9 +21,9 @@ namespace lumenote::ui {
 
 class HistoryPage;
 
-enum class MainPage { today, replay, history, insights, settings };
+enum class MainPage { today, replay, history, insights, settings, review };
 
-// "Today", "Replay", "History", "Insights", "Settings".
+// "Today", "Replay", "History", "Insights", "Settings", "Review".
 QString mainPageTitle(MainPage page);
 // The window's title on `page`: "History — Lumenote".
 QString mainWindowTitle(MainPage page);
@@ -58,7 +60,7 @@ class MainWindow final : public QMainWindow {
 
     QListWidget* sidebar_;
     QStackedWidget* pages_;
-    std::array<QWidget*, 5> widgets_{};
+    std::array<QWidget*, 6> widgets_{};
 };
 
 }  // namespace lumenote::ui

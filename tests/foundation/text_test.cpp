@@ -34,3 +34,15 @@ TEST(TextTest, Utf8IsValidOnlyWhenEverySequenceIsWellFormed) {
 
 }  // namespace
 }  // namespace lumenote::text
+
+namespace lumenote::text {
+namespace {
+
+TEST(CountTextTest, OnlyExactlyOneTakesTheSingular) {
+    EXPECT_EQ(countText(0, "session", "sessions"), "0 sessions");
+    EXPECT_EQ(countText(1, "session", "sessions"), "1 session");
+    EXPECT_EQ(countText(2, "activity", "activities"), "2 activities");
+}
+
+}  // namespace
+}  // namespace lumenote::text

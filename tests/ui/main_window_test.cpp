@@ -74,3 +74,30 @@ TEST_F(MainWindowTest, ClosingHidesTheWindowAndKeepsItsPage) {
 
 }  // namespace
 }  // namespace lumenote::ui
+
+namespace lumenote::ui {
+namespace {
+
+TEST(MainWindowReviewTest, TheReviewIsAPageWithoutASidebarEntry) {
+    lumenote::testing::ensureOffscreenApplication();
+    MainWindow window;
+    // A window holding only the review still has no sidebar entry to choose.
+    window.addPage(MainPage::review, new QLabel(QStringLiteral("review")));
+    auto* sidebar = window.findChild<QListWidget*>("sidebar");
+    EXPECT_EQ(sidebar->count(), 0);
+    EXPECT_EQ(window.firstPage(), std::nullopt);
+    window.addPage(MainPage::today, new QLabel(QStringLiteral("today")));
+    EXPECT_EQ(sidebar->count(), 1);
+
+    EXPECT_TRUE(window.showPage(MainPage::review));
+    EXPECT_EQ(window.currentPage(), MainPage::review);
+    EXPECT_EQ(sidebar->currentRow(), -1);
+    EXPECT_EQ(window.windowTitle(), "Review — Lumenote");
+    window.present();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_1, Qt::ControlModifier);
+    EXPECT_EQ(window.currentPage(), MainPage::today);
+}
+
+}  // namespace
+}  // namespace lumenote::ui
