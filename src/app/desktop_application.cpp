@@ -8,14 +8,21 @@
 #include <iostream>
 
 #include "app/tray_icons.hpp"
+#include "bridge/native_host_registration.hpp"
 #include "insights/first_weekday.hpp"
 #include "platform/linux/x11_hotkey_grabber.hpp"
 #include "recording/session_notices.hpp"
+#include "recording/unclassified_review_service.hpp"
+#include "runtime/setup_check.hpp"
 #include "shell/global_hotkey_coordinator.hpp"
 #include "shell/launch_at_login.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/history_page.hpp"
+#include "ui/models/onboarding.hpp"
+#include "ui/onboarding_dialog.hpp"
 #include "ui/questions.hpp"
+#include "ui/review_page.hpp"
+#include "ui/today_page.hpp"
 #include "ui/tray_panel.hpp"
 
 namespace lumenote::app {
@@ -27,10 +34,14 @@ DesktopApplication::DesktopApplication(AppDependencies dependencies, Options opt
     runtime_ = std::make_unique<runtime::RecorderRuntime>(*dependencies_.services, *this);
     panel_ = std::make_unique<ui::TrayPanel>(*runtime_, *dependencies_.templateStore);
     panel_->setWindowIcon(applicationIcon());
+    connect(panel_.get(), &ui::TrayPanel::reviewRequested, this,
+            [this] { perform(shell::AppCommand::reviewUnclassified); });
+    connect(panel_.get(), &ui::TrayPanel::replayRequested, this, &DesktopApplication::showSession);
     TallywiseStatusItemController::Actions actions;
     actions.command = [this](shell::AppCommand command) { perform(command); };
     actions.openPanel = [this](const QPoint& anchor) { openPanel(anchor); };
     actions.openWindow = [this] { openMainWindow(); };
+    actions.runSetupAssistant = [this] { openOnboarding(); };
     actions.checkForUpdates = [] {
         QMessageBox::information(nullptr, QStringLiteral("Lumenote"),
                                  qt(shell::kUpdatesFromPackageManager));
@@ -77,6 +88,8 @@ std::vector<std::string> DesktopApplication::begin() {
     }
     if (runtime_->manager().pendingRecoverySession()) {
         offerRecovery();
+    } else if (ui::models::onboardingDueAtStart(preferences.onboardingCompletedVersion())) {
+        openOnboarding();
     } else if (!options_.startHidden || !QSystemTrayIcon::isSystemTrayAvailable()) {
         openPanel(statusItem_->panelAnchor());
     }
@@ -104,17 +117,24 @@ void DesktopApplication::perform(shell::AppCommand command) {
             }
             openPanel(statusItem_->panelAnchor());
             break;
-        // The pages of the main window; until it opens them the panel shows
-        // the recorder's state.
+        case shell::AppCommand::navigateToday:
+            openMainWindow(ui::MainPage::today);
+            break;
+        case shell::AppCommand::navigateReplay:
+            openMainWindow(ui::MainPage::replay);
+            break;
         case shell::AppCommand::navigateHistory:
             openMainWindow(ui::MainPage::history);
             break;
-        case shell::AppCommand::navigateToday:
-        case shell::AppCommand::navigateReplay:
         case shell::AppCommand::navigateInsights:
+            openMainWindow(ui::MainPage::insights);
+            break;
         case shell::AppCommand::navigateSettings:
+            openMainWindow(ui::MainPage::settings);
+            break;
         case shell::AppCommand::reviewUnclassified:
-            openPanel(statusItem_->panelAnchor());
+            openMainWindow(ui::MainPage::review);
+            reviewPage_->reload();
             break;
     }
     refresh();
@@ -129,18 +149,65 @@ void DesktopApplication::openMainWindow(std::optional<ui::MainPage> page) {
         runtime::RecorderServices& services = *dependencies_.services;
         mainWindow_ = std::make_unique<ui::MainWindow>();
         mainWindow_->setWindowIcon(applicationIcon());
+        const auto now = [&services] { return services.now(); };
+        todayPage_ = new ui::TodayPage(
+            services.store(), services.review(), LocalCalendar::current(), now,
+            [&services] { return services.preferences().dailyStudyGoalMinutes(); });
+        mainWindow_->addPage(ui::MainPage::today, todayPage_);
+        connect(todayPage_, &ui::TodayPage::sessionOpened, this, &DesktopApplication::showSession);
+        connect(todayPage_, &ui::TodayPage::newSessionRequested, this,
+                [this] { perform(shell::AppCommand::newSession); });
+        connect(todayPage_, &ui::TodayPage::reviewRequested, this,
+                [this] { perform(shell::AppCommand::reviewUnclassified); });
+        connect(todayPage_, &ui::TodayPage::commandRequested, this,
+                [this](shell::AppCommand command) { perform(command); });
+
         historyPage_ =
             new ui::HistoryPage(services.store(), services.historyReader(), services.history(),
-                                LocalCalendar::current(), insights::localeFirstWeekday(),
-                                [&services] { return services.now(); });
+                                LocalCalendar::current(), insights::localeFirstWeekday(), now);
         mainWindow_->addPage(ui::MainPage::history, historyPage_);
+        connect(historyPage_, &ui::HistoryPage::sessionOpened, this,
+                &DesktopApplication::showSession);
+
+        reviewPage_ = new ui::ReviewPage(services.review());
+        mainWindow_->addPage(ui::MainPage::review, reviewPage_);
+        connect(reviewPage_, &ui::ReviewPage::classified, this, [this] {
+            todayPage_->reload();
+            panel_->reloadStartForm();
+        });
         connect(mainWindow_.get(), &ui::MainWindow::newSessionRequested, this,
                 [this] { perform(shell::AppCommand::newSession); });
+        mainWindow_->showPage(ui::MainPage::today);
     }
     if (page) {
         mainWindow_->showPage(*page);
     }
     mainWindow_->present();
+}
+
+void DesktopApplication::openOnboarding() {
+    if (!onboarding_) {
+        runtime::RecorderServices& services = *dependencies_.services;
+        ui::OnboardingServices reach;
+        reach.checkSetup = [] { return runtime::checkSetup(); };
+        reach.browserStatus = [&services] { return services.browserStatusRows(); };
+        reach.registerBrowser = [&services](bridge::SupportedBrowser browser) {
+            return services.registration().repair(browser);
+        };
+        reach.extensionFolder = bridge::extensionPackagesFolder(bridge::runningExecutableFolder());
+        onboarding_ = new ui::OnboardingDialog(services.preferences(), std::move(reach));
+        onboarding_->setAttribute(Qt::WA_DeleteOnClose);
+        onboarding_->setWindowIcon(applicationIcon());
+        connect(onboarding_, &ui::OnboardingDialog::startSessionRequested, this,
+                [this] { perform(shell::AppCommand::newSession); });
+    }
+    onboarding_->show();
+    onboarding_->raise();
+    onboarding_->activateWindow();
+}
+
+void DesktopApplication::showSession(const QString&) {
+    openMainWindow(ui::MainPage::history);
 }
 
 void DesktopApplication::offerRecovery() {
@@ -246,6 +313,10 @@ void DesktopApplication::refresh() {
     } else {
         panel_->followActivity();
     }
+    if (mainWindow_ && mainWindow_->isVisible() &&
+        mainWindow_->currentPage() == ui::MainPage::today) {
+        todayPage_->showLiveSession(panel_->liveSession());
+    }
     // A question answered elsewhere (another front end's command) goes away.
     const auto& pending = runtime_->manager().pendingNoInputPrompt();
     if (noInputQuestion_ && (!pending || pending->id != noInputQuestion_->prompt().id)) {
@@ -305,8 +376,10 @@ void DesktopApplication::sessionEnded(const std::optional<recording::StudySessio
     if (quitting_) {
         return;
     }
-    if (historyPage_ != nullptr) {
+    dependencies_.services->review().invalidate();
+    if (mainWindow_) {
         historyPage_->reload();
+        todayPage_->reload();
     }
     // The summary is offered where the session was watched.
     openPanel(statusItem_->panelAnchor());

@@ -35,7 +35,11 @@ class GlobalHotkeyCoordinator;
 }
 
 namespace lumenote::ui {
+class HistoryPage;
 class NoInputQuestion;
+class OnboardingDialog;
+class ReviewPage;
+class TodayPage;
 class TrayPanel;
 }  // namespace lumenote::ui
 
@@ -97,6 +101,10 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     // Shows the main window on `page`, or on the page it last showed; made
     // on first use.
     void openMainWindow(std::optional<ui::MainPage> page = std::nullopt);
+    // The setup assistant, brought forward when it is open already.
+    void openOnboarding();
+    // Shows a stored session (its id in upper-case text) in the main window.
+    void showSession(const QString& sessionId);
     void offerRecovery();
     void answerQuitQuestion(shell::QuitChoice choice);
     void quitNow();
@@ -113,12 +121,16 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     std::unique_ptr<runtime::RecorderRuntime> runtime_;
     std::unique_ptr<ui::TrayPanel> panel_;
     std::unique_ptr<ui::MainWindow> mainWindow_;
-    ui::HistoryPage* historyPage_ = nullptr;  // owned by the main window
+    // The pages, owned by the main window once it was opened.
+    ui::TodayPage* todayPage_ = nullptr;
+    ui::HistoryPage* historyPage_ = nullptr;
+    ui::ReviewPage* reviewPage_ = nullptr;
     std::unique_ptr<TallywiseStatusItemController> statusItem_;
     std::unique_ptr<platform::linux_desktop::X11HotkeyGrabber> hotkeyGrabber_;
     std::unique_ptr<shell::GlobalHotkeyCoordinator> hotkeyController_;
     std::unique_ptr<QSocketNotifier> hotkeyEvents_;
     QPointer<ui::NoInputQuestion> noInputQuestion_;
+    QPointer<ui::OnboardingDialog> onboarding_;
     std::unique_ptr<QMessageBox> quitQuestion_;
     settings::PreferencesStore::Observers::Token preferencesObservation_ = 0;
     bool decidingTermination_ = false;

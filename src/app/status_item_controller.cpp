@@ -37,6 +37,9 @@ TallywiseStatusItemController::TallywiseStatusItemController(recording::SessionM
     startAway_ = commandItem(shell::AppCommand::startPassiveStudy);
     returnFromAway_ = commandItem(shell::AppCommand::returnToComputerStudy);
     menu_.addSeparator();
+    commandItem(shell::AppCommand::reviewUnclassified);
+    menu_.addAction(qt(shell::kRunSetupAssistantAgainTitle), this,
+                    [this] { actions_.runSetupAssistant(); });
     menu_.addAction(qt(shell::kCheckForUpdatesTitle), this, [this] { actions_.checkForUpdates(); });
     menu_.addSeparator();
     menu_.addAction(qt(shell::kQuitTitle), this, [this] { actions_.quit(); });

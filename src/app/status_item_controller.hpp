@@ -38,6 +38,8 @@ class TallywiseStatusItemController final : public QObject {
         std::function<void(const QPoint& anchor)> openPanel;
         // "Open Lumenote": the main window.
         std::function<void()> openWindow;
+        // "Run Setup Assistant Again…": the onboarding from its first step.
+        std::function<void()> runSetupAssistant;
         std::function<void()> checkForUpdates;
         std::function<void()> quit;
     };

@@ -189,4 +189,27 @@ std::optional<fs::path> locateBundledHost(const fs::path& executableFolder) {
     return std::nullopt;
 }
 
+std::vector<SupportedBrowser> registrableBrowsers() {
+    std::vector<SupportedBrowser> browsers;
+    for (const auto& [browser, name] : RawValues<SupportedBrowser>::entries) {
+        if (browser != SupportedBrowser::arc && browser != SupportedBrowser::safari) {
+            browsers.push_back(browser);
+        }
+    }
+    return browsers;
+}
+
+std::optional<std::filesystem::path> extensionPackagesFolder(
+    const std::filesystem::path& executableFolder) {
+    std::error_code error;
+    for (const std::filesystem::path& candidate :
+         {executableFolder.parent_path() / "extension",
+          executableFolder.parent_path() / "share/lumenote/extension"}) {
+        if (std::filesystem::is_directory(candidate / "chromium", error)) {
+            return candidate;
+        }
+    }
+    return std::nullopt;
+}
+
 }  // namespace lumenote::bridge

@@ -27,6 +27,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "bridge/supported_browser.hpp"
 #include "foundation/result.hpp"
@@ -131,6 +132,17 @@ bool usesAddonIdentifiers(SupportedBrowser browser);
 // lies in <prefix>/libexec/lumenote/ beside <prefix>/bin/; in the build tree,
 // beside the executable. nullopt when neither exists.
 std::optional<std::filesystem::path> locateBundledHost(
+    const std::filesystem::path& executableFolder);
+
+// The browsers that have a native-messaging folder on Linux (all but Arc and
+// Safari), in table order.
+std::vector<SupportedBrowser> registrableBrowsers();
+
+// The folder of the built extension packages for an executable in
+// `executableFolder`: beside the build tree's bin/ (build/extension) or
+// installed under <prefix>/share/lumenote/extension. nullopt when neither
+// holds them.
+std::optional<std::filesystem::path> extensionPackagesFolder(
     const std::filesystem::path& executableFolder);
 
 }  // namespace lumenote::bridge

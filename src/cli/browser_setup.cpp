@@ -7,8 +7,6 @@
 
 namespace lumenote::cli {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 std::string lowered(std::string_view text) {
@@ -23,17 +21,6 @@ std::string lowered(std::string_view text) {
 bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context) {
     return bridge::NativeHostRegistrationChecker(
         bridge::nativeHostConfiguration(context.paths, processEnvironmentValue));
-}
-
-std::vector<bridge::SupportedBrowser> registrableBrowsers() {
-    std::vector<bridge::SupportedBrowser> browsers;
-    for (const auto& [browser, name] : RawValues<bridge::SupportedBrowser>::entries) {
-        if (browser != bridge::SupportedBrowser::arc &&
-            browser != bridge::SupportedBrowser::safari) {
-            browsers.push_back(browser);
-        }
-    }
-    return browsers;
 }
 
 Result<bridge::SupportedBrowser, std::string> parseBrowserName(std::string_view name) {
@@ -55,17 +42,6 @@ Result<bridge::SupportedBrowser, std::string> parseBrowserName(std::string_view 
     }
     return fail("No supported browser is called \"" + std::string(name) +
                 "\". Name one of: chrome, chromium, edge, brave, vivaldi, opera, firefox.");
-}
-
-std::optional<fs::path> extensionPackagesFolder(const fs::path& folder) {
-    std::error_code error;
-    for (const fs::path& candidate :
-         {folder.parent_path() / "extension", folder.parent_path() / "share/lumenote/extension"}) {
-        if (fs::is_directory(candidate / "chromium", error)) {
-            return candidate;
-        }
-    }
-    return std::nullopt;
 }
 
 }  // namespace lumenote::cli

@@ -1,6 +1,6 @@
 // What the browser commands of lumenote-cli share: the registration checker
-// for this user and this installation, the browsers named on the command
-// line, and where the built extension packages are.
+// for this user and this installation and the browsers named on the command
+// line.
 #pragma once
 
 #include <filesystem>
@@ -16,22 +16,17 @@
 
 namespace lumenote::cli {
 
+using bridge::extensionPackagesFolder;
+using bridge::registrableBrowsers;
+
 // The checker for this user's folders and the helper bundled with this
 // installation (an empty helper path when none was found).
 bridge::NativeHostRegistrationChecker registrationChecker(const CliContext& context);
-
-// The browsers that have a native-messaging folder on Linux, in table order.
-std::vector<bridge::SupportedBrowser> registrableBrowsers();
 
 // A browser as the user may name it: its case name ("googleChrome",
 // "microsoftEdge"), a short name ("chrome", "edge", "chromium", "firefox",
 // "brave", "vivaldi", "opera") or its identifier ("org.mozilla.firefox"), in
 // any case. Fails with a sentence naming the accepted names.
 Result<bridge::SupportedBrowser, std::string> parseBrowserName(std::string_view name);
-
-// The folder of the built extension packages: beside the build tree's bin/
-// (build/extension) or installed under <prefix>/share/lumenote/extension.
-std::optional<std::filesystem::path> extensionPackagesFolder(
-    const std::filesystem::path& executableFolder);
 
 }  // namespace lumenote::cli

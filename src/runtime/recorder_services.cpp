@@ -188,7 +188,7 @@ const UserPaths& RecorderServices::paths() const {
     return parts_->paths;
 }
 
-std::string RecorderServices::browserStatusJson() {
+std::vector<bridge::BrowserStatusRow> RecorderServices::browserStatusRows() {
     bridge::BridgeTrackingCoordinator& browser = parts_->browser;
     const bridge::BrowserStatusSources sources{
         parts_->registration,
@@ -204,9 +204,17 @@ std::string RecorderServices::browserStatusJson() {
             return browser.liveDiagnostic(supported);
         },
         parts_->wallClock.now()};
+    return bridge::browserStatusRows(sources);
+}
+
+const bridge::NativeHostRegistrationChecker& RecorderServices::registration() const {
+    return parts_->registration;
+}
+
+std::string RecorderServices::browserStatusJson() {
     const LocalCalendar calendar = LocalCalendar::current();
     nlohmann::ordered_json answer = nlohmann::ordered_json::object();
-    for (const bridge::BrowserStatusRow& row : bridge::browserStatusRows(sources)) {
+    for (const bridge::BrowserStatusRow& row : browserStatusRows()) {
         answer[std::string(rawValue(row.diagnosis.browser))] =
             bridge::browserStatusText(row, calendar);
     }

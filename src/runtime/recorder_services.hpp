@@ -13,6 +13,8 @@
 #include <vector>
 
 #include "bridge/bridge_tracking_coordinator.hpp"
+#include "bridge/browser_status_report.hpp"
+#include "bridge/native_host_registration.hpp"
 #include "classification/classification_rules.hpp"
 #include "foundation/result.hpp"
 #include "foundation/user_paths.hpp"
@@ -72,9 +74,13 @@ class RecorderServices {
     // Why the browser in front has its websites unrecorded, in one sentence;
     // empty when nothing is amiss.
     std::string browserWarning();
+    // Each registrable browser's diagnosis, as the recorder sees it now.
+    std::vector<bridge::BrowserStatusRow> browserStatusRows();
     // Each browser's status text, as the recorder sees it now, keyed by the
     // browser's case name (a JSON object).
     std::string browserStatusJson();
+    // The native-host manifests of this user and this installation.
+    const bridge::NativeHostRegistrationChecker& registration() const;
 
     // The descriptor that becomes readable when the frontmost window may
     // have changed; -1 without an X display.

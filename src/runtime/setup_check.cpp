@@ -7,6 +7,7 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <cstdlib>
+#include <optional>
 
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/system_event_source.hpp"
@@ -24,10 +25,15 @@ std::string line(bool ok, std::string_view text) {
 }  // namespace
 
 SetupCheck checkSetup() {
+    // The buses need an application object: the command line has none of
+    // its own, the desktop application checks inside its own.
     int argc = 1;
     char name[] = "lumenote-cli";
     char* argv[] = {name, nullptr};
-    QCoreApplication application(argc, argv);
+    std::optional<QCoreApplication> application;
+    if (QCoreApplication::instance() == nullptr) {
+        application.emplace(argc, argv);
+    }
     SetupCheck check;
 
     auto x11 =

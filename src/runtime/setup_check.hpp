@@ -11,6 +11,8 @@ struct SetupCheck {
     std::string report;
     bool complete = true;  // no gap
 };
+// Runs inside the process's application object when there is one, else in
+// one of its own for the duration of the check.
 SetupCheck checkSetup();
 
 }  // namespace lumenote::runtime

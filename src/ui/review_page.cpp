@@ -104,6 +104,9 @@ ReviewPage::ReviewPage(recording::UnclassifiedReviewService& review, QWidget* pa
 
 void ReviewPage::reload() {
     banner_->setVisible(false);
+    // Looking at the page is asking for the list as it is now: sessions may
+    // have been deleted or restored since it was made.
+    review_.invalidate();
     const auto groups = review_.groups();
     if (!groups) {
         rows_.clear();

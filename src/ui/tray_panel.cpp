@@ -16,6 +16,7 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include "recording/unclassified_review_service.hpp"
 #include "shell/panel_history.hpp"
 #include "shell/panel_model.hpp"
 #include "shell/session_start_form.hpp"
@@ -23,6 +24,7 @@
 #include "ui/design/qt_text.hpp"
 #include "ui/goal_ring.hpp"
 #include "ui/models/receipt_options.hpp"
+#include "ui/models/review_list.hpp"
 #include "ui/models/session_receipt.hpp"
 #include "ui/receipts/receipt_file.hpp"
 #include "ui/start_session_form.hpp"
@@ -111,6 +113,15 @@ QWidget* TrayPanel::buildStartPage() {
     todayRow->addWidget(ring_);
     todayRow->addWidget(today_, 1);
 
+    // The invitation to review reads as a line of text that can be chosen.
+    reviewLine_ = new QPushButton(page);
+    reviewLine_->setObjectName(QStringLiteral("reviewLine"));
+    reviewLine_->setFlat(true);
+    reviewLine_->setCursor(Qt::PointingHandCursor);
+    reviewLine_->setStyleSheet(QStringLiteral("text-align: left; padding: 0;"));
+    reviewLine_->setVisible(false);
+    connect(reviewLine_, &QPushButton::clicked, this, &TrayPanel::reviewRequested);
+
     templateButtons_ = new QVBoxLayout;
     templateButtons_->setSpacing(4);
 
@@ -122,6 +133,7 @@ QWidget* TrayPanel::buildStartPage() {
     layout->setSpacing(10);
     layout->addWidget(title);
     layout->addLayout(todayRow);
+    layout->addWidget(reviewLine_);
     layout->addLayout(templateButtons_);
     layout->addWidget(form_);
     return page;
@@ -230,7 +242,15 @@ QWidget* TrayPanel::buildSummaryPage() {
     receiptSaved_ = muted(label(page));
     receiptSaved_->setObjectName(QStringLiteral("receiptSaved"));
     receiptSaved_->setVisible(false);
+    replay_ = new QPushButton(QStringLiteral("Replay"), page);
+    replay_->setObjectName(QStringLiteral("replay"));
+    connect(replay_, &QPushButton::clicked, this, [this] {
+        if (const auto& finished = runtime_.manager().pendingPostSession()) {
+            Q_EMIT replayRequested(qt(finished->id.upperString()));
+        }
+    });
     auto* buttons = new QHBoxLayout;
+    buttons->addWidget(replay_);
     buttons->addWidget(saveReceipt_);
     buttons->addStretch();
     buttons->addWidget(done_);
@@ -386,10 +406,18 @@ void TrayPanel::refreshTodaysStudy() {
     today_->setText(qt(shell::todaysStudyText(today, goal)));
     ring_->setVisible(goal > 0);
     ring_->setProgress(shell::dailyGoalProgress(today, goal));
+    const auto groups = services.review().groups();
+    const std::string invitation = groups ? models::reviewInvitationText(**groups) : std::string();
+    reviewLine_->setText(qt(invitation) + QStringLiteral(" →"));
+    reviewLine_->setAccessibleName(qt(invitation));
+    reviewLine_->setVisible(!invitation.empty());
 }
 
-void TrayPanel::refreshSessionPage() {
+std::optional<shell::LiveSessionPanel> TrayPanel::liveSession() {
     recording::SessionManager& manager = runtime_.manager();
+    if (!manager.activeSession()) {
+        return std::nullopt;
+    }
     const recording::StudySession& session = *manager.activeSession();
     shell::LiveSessionValues values;
     values.timerValue = manager.currentTimerValue();
@@ -402,7 +430,12 @@ void TrayPanel::refreshSessionPage() {
     std::tie(values.focusedSeconds, values.distractingSeconds) =
         shell::focusedAndDistractingSeconds(manager.activeSessionSegments(),
                                             manager.openPersistedSegment());
-    const shell::LiveSessionPanel panel = shell::liveSessionPanel(session, values);
+    return shell::liveSessionPanel(session, values);
+}
+
+void TrayPanel::refreshSessionPage() {
+    const shell::LiveSessionPanel panel = *liveSession();
+    const SeenActivity* seen = activityBehindPanel();
     subject_->setText(qt(panel.subject));
     goal_->setText(qt(panel.goal.empty() ? std::string() : "Goal: " + panel.goal));
     goal_->setVisible(!panel.goal.empty());

@@ -60,10 +60,16 @@ class TrayPanel final : public QFrame {
     // or a PDF when the name ends in .pdf; .png is added to a name without
     // either); a failure shows its sentence in the banner.
     bool saveReceipt(const std::filesystem::path& path);
+    // The running session as the panel shows it; none while none runs.
+    std::optional<shell::LiveSessionPanel> liveSession();
 
   Q_SIGNALS:
     // A session started from the panel.
     void sessionStarted();
+    // The start page's line about unclassified activity was chosen.
+    void reviewRequested();
+    // The summary's "Replay": the finished session is to be shown.
+    void replayRequested(const QString& sessionId);
 
   protected:
     void changeEvent(QEvent* event) override;
@@ -113,6 +119,7 @@ class TrayPanel final : public QFrame {
     // start
     GoalRing* ring_;
     QLabel* today_;
+    QPushButton* reviewLine_;
     QBoxLayout* templateButtons_;
     StartSessionForm* form_;
     // session
@@ -137,6 +144,7 @@ class TrayPanel final : public QFrame {
     QLabel* celebration_;
     QPushButton* done_;
     QPushButton* saveReceipt_;
+    QPushButton* replay_;
     QLabel* receiptSaved_;
 };
 

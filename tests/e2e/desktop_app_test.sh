@@ -16,9 +16,11 @@
 # leaves an interrupted session; after kill -9 the next start offers
 # recovery; SIGTERM leaves the session for recovery without a question;
 # storage that cannot be opened shows the failure window; "Open Lumenote"
-# opens the main window on the history. Screenshots of the panel in each
-# state and of the main window, light and dark, and of the questions are
-# written to BIN_DIR/../screenshots.
+# opens the main window on Today, and each page in light and dark; the setup
+# assistant opens at the first start and runs to its end. Screenshots of the
+# assistant's steps, the panel in each state and every page of the main
+# window, light and dark, and of the questions are written to
+# BIN_DIR/../screenshots.
 #
 # Usage: desktop_app_test.sh BIN_DIR
 set -euo pipefail
@@ -69,12 +71,33 @@ beta=$window
 start_app --hidden
 poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
 menu=$(tray menu)
-for title in "Open Lumenote" "New Study Session" "Pause or Resume Session" "Check for Updates…" \
-    "Quit"; do
+for title in "Open Lumenote" "New Study Session" "Pause or Resume Session" \
+    "Review Unclassified Activity" "Run Setup Assistant Again…" "Check for Updates…" "Quit"; do
     grep -qF "\"label\": \"$title\"" <<<"$menu" || fail "the tray menu misses $title: $menu"
 done
 [[ "$("$cli" status)" == *"No study session"* || "$("$cli" status)" == *idle* ]] ||
     fail "status while idle: $("$cli" status)"
+
+# ---- the setup assistant opens at the first start and runs to its end; each
+# step reached is kept, so that it would resume there
+poll_until "the setup assistant" window_named '^Set Up Lumenote$'
+assistant=$named
+last_step_is() { [[ "$("$cli" prefs get onboarding.lastStep)" == *"$1"* ]]; }
+step=0
+for name in welcome observation browsers classifications goal done; do
+    poll_until "the assistant's step $name" last_step_is "$step"
+    shot "$assistant" "onboarding-$name-light"
+    if [[ $name == welcome || $name == browsers ]]; then
+        shot_in_dark "$assistant" "onboarding-$name-dark"
+    fi
+    activate "$assistant"
+    # Continue (and, on the last step, Finish) is the default button.
+    timeout 5 xdotool key Return
+    step=$((step + 1))
+done
+finished() { [[ "$("$cli" prefs get onboarding.completedVersion)" == *1* ]]; }
+poll_until "the finished assistant" finished
+poll_until "the assistant to close" eval '! window_named "^Set Up Lumenote$"'
 
 # ---- a session from the tray menu's form
 tray click "New Study Session"
@@ -133,16 +156,29 @@ shown=$("$cli" show "$first")
 grep -q LumenoteAlpha <<<"$shown" || fail "the first window is not recorded: $shown"
 grep -q LumenoteBeta <<<"$shown" || fail "the second window is not recorded: $shown"
 
-# ---- "Open Lumenote" opens the main window on the history, which lists the session
+# ---- "Open Lumenote" opens the main window on Today; each page in light and dark
 timeout 10 xdotool key Escape || true
 poll_until "the panel to close" panel_hidden
 tray click "Open Lumenote"
-poll_until "the main window" window_named "^History — Lumenote$"
+poll_until "the main window" window_named "^Today — Lumenote$"
 main=$named
-shot "$main" main-history-light
-shot_in_dark "$main" main-history-dark
+shot "$main" main-today-light
+shot_in_dark "$main" main-today-dark
+# page_shots KEY TITLE NAME: the page a shortcut chooses, in light and dark.
+page_shots() {
+    activate "$main"
+    timeout 5 xdotool key "$1"
+    poll_until "the page $2" window_named "^$2 — Lumenote$"
+    shot "$main" "main-$3-light"
+    shot_in_dark "$main" "main-$3-dark"
+}
+page_shots ctrl+3 History history
+tray click "Review Unclassified Activity"
+poll_until "the review" window_named "^Review — Lumenote$"
+shot "$main" main-review-light
+shot_in_dark "$main" main-review-dark
 timeout 5 xdotool windowclose "$main" || fail "the main window would not close"
-poll_until "the main window to hide" eval '! window_named "^History — Lumenote$"'
+poll_until "the main window to hide" eval '! window_named " — Lumenote$"'
 
 # ---- a second start brings the running application forward
 timeout 20 "$app" >"$work/second.out" 2>&1 || fail "the second start failed"

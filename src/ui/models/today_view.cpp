@@ -1,5 +1,8 @@
 #include "ui/models/today_view.hpp"
 
+#include <algorithm>
+#include <cmath>
+
 #include "insights/weekly_figures.hpp"
 #include "recording/focus_score_text.hpp"
 #include "recording/study_time.hpp"
@@ -25,6 +28,25 @@ std::string goalCaption(double studySeconds, long long dailyGoalMinutes) {
     return shell::dailyGoalProgress(studySeconds, dailyGoalMinutes) >= 1.0
                ? "Goal reached: " + goal
                : "of a " + goal + " daily goal";
+}
+
+constexpr double kSecondsPerHour = 3600.0;
+
+// `blocks` widened to whole hours counted from the day's start, kept within
+// the day.
+std::optional<TimelineSpan> hourSpan(const std::vector<TimelineBlock>& blocks, Date dayStart,
+                                     Date dayEnd) {
+    const std::optional<TimelineSpan> recorded = timelineSpan(blocks);
+    if (!recorded) {
+        return std::nullopt;
+    }
+    const double from =
+        std::floor(recorded->start.secondsSince(dayStart) / kSecondsPerHour) * kSecondsPerHour;
+    const double to =
+        std::ceil(recorded->end.secondsSince(dayStart) / kSecondsPerHour) * kSecondsPerHour;
+    const Date start = std::max(dayStart, dayStart.addingSeconds(from));
+    const Date end = std::min(dayEnd, dayStart.addingSeconds(std::max(to, from + kSecondsPerHour)));
+    return TimelineSpan{start, end};
 }
 
 }  // namespace
@@ -57,6 +79,7 @@ Result<TodayView, StoreError> readTodayView(recording::RecordingStore& store,
         std::move(session.segments.begin(), session.segments.end(), std::back_inserter(segments));
     }
     view.timeline = timelineBlocks(std::move(segments));
+    view.timelineSpan = hourSpan(view.timeline, view.dayStart, view.dayEnd);
     view.studyTimeText = shell::durationText(view.studySeconds);
     view.goalCaption = goalCaption(view.studySeconds, dailyGoalMinutes);
     view.goalProgress = shell::dailyGoalProgress(view.studySeconds, dailyGoalMinutes);

@@ -40,6 +40,10 @@ struct TodayView {
     std::vector<HistorySessionRow> sessions;
     // Every stretch of the day's sessions.
     std::vector<TimelineBlock> timeline;
+    // What the day's strip spans: from the hour the first stretch began to
+    // the hour after the last one ended, within the day, so that an hour of
+    // study is not a sliver of a 24-hour bar. Absent without stretches.
+    std::optional<TimelineSpan> timelineSpan;
 };
 
 // Reads the day of `now` from `store`; fails with the store's error.

@@ -51,7 +51,7 @@ TEST_F(TodayViewTest, ADayShowsItsOwnSessionsOldestFirstWithTheirFigures) {
     EXPECT_EQ(monday.dayEnd, at("2026-11-24T00:00:00Z"));
     // The session without input adds no study time and no evidence.
     EXPECT_EQ(monday.studyTimeText, "30 min");
-    EXPECT_EQ(monday.focusScoreText, "83%");
+    EXPECT_EQ(monday.focusScoreText, "80%");
     EXPECT_TRUE(monday.hasFocusScore);
     EXPECT_EQ(monday.focusScoreCaption, "focus score today");
 
@@ -70,6 +70,10 @@ TEST_F(TodayViewTest, TimeWithoutInputIsOnTheTimelineButNotStudy) {
     EXPECT_GE(noInput, 1);
     ASSERT_FALSE(monday.timeline.empty());
     EXPECT_EQ(monday.timeline.front().start, at("2026-11-23T09:00:00Z"));
+    // The strip spans the hours recorded in: 09:00 to 10:00.
+    ASSERT_TRUE(monday.timelineSpan.has_value());
+    EXPECT_EQ(monday.timelineSpan->start, at("2026-11-23T09:00:00Z"));
+    EXPECT_EQ(monday.timelineSpan->end, at("2026-11-23T10:00:00Z"));
     for (std::size_t index = 1; index < monday.timeline.size(); ++index) {
         EXPECT_LE(monday.timeline[index - 1].end, monday.timeline[index].start);
     }
@@ -79,6 +83,7 @@ TEST_F(TodayViewTest, ADayWithoutSessionsSaysSoInsteadOfAZeroScore) {
     const TodayView wednesday = today("2026-11-25T10:00:00Z", 60);
     EXPECT_TRUE(wednesday.sessions.empty());
     EXPECT_TRUE(wednesday.timeline.empty());
+    EXPECT_FALSE(wednesday.timelineSpan.has_value());
     EXPECT_EQ(wednesday.studyTimeText, "0 s");
     EXPECT_EQ(wednesday.focusScoreText, "—");
     EXPECT_FALSE(wednesday.hasFocusScore);
