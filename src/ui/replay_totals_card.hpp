@@ -1,0 +1,41 @@
+// The totals card of the Replay page: the focus score as a metric with its
+// coverage, the study-time figures in a column, and the sentence naming the
+// calculation method they come from. It shows the view model's words only.
+#pragma once
+
+#include <QList>
+
+#include "ui/design/card.hpp"
+#include "ui/models/replay_view.hpp"
+
+class QGridLayout;
+class QLabel;
+
+namespace lumenote::ui {
+
+namespace design {
+class Metric;
+}
+
+class ReplayTotalsCard final : public QWidget {
+    Q_OBJECT
+
+  public:
+    explicit ReplayTotalsCard(QWidget* parent = nullptr);
+
+    void show(const models::ReplayView& view);
+    // "Computer study: 30 min", one per figure line, as shown.
+    QStringList figureTexts() const;
+    QString focusScoreText() const;
+    QString versionText() const;
+
+  private:
+    design::Card* card_;
+    design::Metric* score_;
+    QLabel* note_;
+    QGridLayout* figures_;
+    QList<QLabel*> figureLabels_;
+    QLabel* version_;
+};
+
+}  // namespace lumenote::ui
