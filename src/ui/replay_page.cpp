@@ -92,15 +92,14 @@ ReplayPage::ReplayPage(recording::RecordingStore& store, recording::SessionHisto
 
     auto* columns = new QHBoxLayout;
     columns->setSpacing(12);
-    auto* side = new QVBoxLayout;
+    auto* sideWidget = new QWidget(content_);
+    sideWidget->setFixedWidth(kReplayTotalsCardWidth);
+    auto* side = new QVBoxLayout(sideWidget);
     side->setContentsMargins(0, 0, 0, 0);
     side->setSpacing(12);
-    totals_ = new ReplayTotalsCard(content_);
+    totals_ = new ReplayTotalsCard(sideWidget);
     side->addWidget(totals_);
     side->addWidget(buildNotesCard(), 1);
-    auto* sideWidget = new QWidget(content_);
-    sideWidget->setLayout(side);
-    sideWidget->setFixedWidth(300);
     columns->addWidget(sideWidget);
 
     auto* main = new QVBoxLayout;

@@ -9,7 +9,23 @@
 
 namespace lumenote::ui {
 
+namespace {
+
+// The card's inner width: its width less the card's side margins.
+constexpr int kTextWidth = kReplayTotalsCardWidth - 32;
+
+void setWrappedText(QLabel& label, const QString& text) {
+    label.setText(text);
+    label.setFixedHeight(label.heightForWidth(kTextWidth));
+}
+
+}  // namespace
+
 ReplayTotalsCard::ReplayTotalsCard(QWidget* parent) : QWidget(parent) {
+    setFixedWidth(kReplayTotalsCardWidth);
+    // The card is as tall as its content, never squeezed: the notes below
+    // take what room is left.
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     card_ = new design::Card(QStringLiteral("Totals"), {}, this);
     card_->setObjectName(QStringLiteral("replayTotals"));
     score_ = new design::Metric(card_);
@@ -41,29 +57,32 @@ ReplayTotalsCard::ReplayTotalsCard(QWidget* parent) : QWidget(parent) {
 
 void ReplayTotalsCard::show(const models::ReplayView& view) {
     score_->setValue(qt(view.focusScore), QStringLiteral("focus score"));
-    note_->setText(qt(view.focusScoreNote));
-    qDeleteAll(figureLabels_);
-    figureLabels_.clear();
-    int line = 0;
-    for (const models::ReplayFigure& figure : view.figures) {
-        auto* name = new QLabel(qt(figure.name), card_);
-        auto* value = new QLabel(qt(figure.value), card_);
-        value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-        if (line == 0) {
-            // Study time heads the column; the others are what it is made of
-            // or what is not counted.
-            QFont bold = name->font();
-            bold.setBold(true);
-            name->setFont(bold);
-            value->setFont(bold);
+    setWrappedText(*note_, qt(view.focusScoreNote));
+    // The view always has the same lines; rows are made once and kept.
+    for (std::size_t line = 0; line < view.figures.size(); ++line) {
+        const auto row = static_cast<int>(line);
+        if (2 * line >= static_cast<std::size_t>(figureLabels_.size())) {
+            auto* name = new QLabel(card_);
+            auto* value = new QLabel(card_);
+            value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+            if (line == 0) {
+                // Study time heads the column; the others are what it is
+                // made of or what is not counted.
+                QFont bold = name->font();
+                bold.setBold(true);
+                name->setFont(bold);
+                value->setFont(bold);
+            }
+            figures_->addWidget(name, row, 0);
+            figures_->addWidget(value, row, 1);
+            figureLabels_ << name << value;
         }
-        value->setAccessibleName(qt(figure.name + ": " + figure.value));
-        figures_->addWidget(name, line, 0);
-        figures_->addWidget(value, line, 1);
-        figureLabels_ << name << value;
-        ++line;
+        const models::ReplayFigure& figure = view.figures[line];
+        figureLabels_[2 * row]->setText(qt(figure.name));
+        figureLabels_[2 * row + 1]->setText(qt(figure.value));
+        figureLabels_[2 * row + 1]->setAccessibleName(qt(figure.name + ": " + figure.value));
     }
-    version_->setText(qt(view.versionText));
+    setWrappedText(*version_, qt(view.versionText));
 }
 
 QStringList ReplayTotalsCard::figureTexts() const {

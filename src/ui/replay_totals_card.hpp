@@ -13,6 +13,11 @@ class QLabel;
 
 namespace lumenote::ui {
 
+// The card's width on the page: the wrapped sentences in it are given the
+// height they need at this width, so that a long method sentence never
+// squeezes the figures above it.
+inline constexpr int kReplayTotalsCardWidth = 300;
+
 namespace design {
 class Metric;
 }
@@ -28,6 +33,10 @@ class ReplayTotalsCard final : public QWidget {
     QStringList figureTexts() const;
     QString focusScoreText() const;
     QString versionText() const;
+    // The card's width is fixed and its wrapped sentences are given their
+    // height at that width: its height is its size hint. (A height for width
+    // would be computed without those heights and squeeze the figures.)
+    bool hasHeightForWidth() const override { return false; }
 
   private:
     design::Card* card_;

@@ -7,6 +7,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QDateTimeEdit>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -30,6 +31,7 @@
 #include "support/temporary_home.hpp"
 #include "ui/appearance.hpp"
 #include "ui/models/receipt_test_sessions.hpp"
+#include "ui/replay_relabel_dialog.hpp"
 #include "ui/replay_rows_model.hpp"
 #include "ui/replay_totals_card.hpp"
 
@@ -53,6 +55,17 @@ StudySession studiedHour(
          appSegment(1800, 600, "Editor", ActivityClassification::focused, true),
          appSegment(2400, 1200, "Editor", ActivityClassification::focused)},
         version);
+}
+
+// Writes `widget` as NAME.png into LUMENOTE_SCREENSHOT_DIR when it is set.
+void writeScreenshot(QWidget& widget, const char* name) {
+    QApplication::processEvents();
+    const QImage image = widget.grab().toImage();
+    EXPECT_FALSE(image.isNull());
+    if (const char* folder = std::getenv("LUMENOTE_SCREENSHOT_DIR")) {
+        QDir().mkpath(folder);
+        EXPECT_TRUE(image.save(QDir(folder).filePath(QStringLiteral("%1.png").arg(name))));
+    }
 }
 
 class ReplayPageTest : public ::testing::Test {
@@ -179,6 +192,10 @@ TEST_F(ReplayPageTest, AFirstMethodSessionKeepsItsFiguresButMayStillWriteARule) 
     EXPECT_DOUBLE_EQ(load(id).distractedDuration, old.distractedDuration);
     select(2);  // no input: a first-method session cannot be relabelled
     EXPECT_FALSE(button("replayRelabel")->isEnabled());
+    select(0);
+    page_->changeSelectedClass(ActivityClassification::distracting,
+                               ReplayPage::ClassReach::thisSessionOnly);
+    writeScreenshot(*page_, "replay-page-first-method-light");
 }
 
 TEST_F(ReplayPageTest, RelabellingNoInputTimeThenUndoRestoresTheFigures) {
@@ -249,6 +266,21 @@ TEST_F(ReplayPageTest, ASessionNoLongerStoredSaysSo) {
     EXPECT_EQ(page_->bannerText().toStdString(),
               recording::sessionFailureMessage(recording::SessionFailure::sessionNotFound));
     EXPECT_FALSE(page_->view().has_value());
+}
+
+TEST_F(ReplayPageTest, TheRelabelDialogOffersTheWholeRowAndStaysInsideIt) {
+    const Uuid id = stored(studiedHour());
+    ASSERT_TRUE(page_->showSession(id));
+    const models::ReplayRow row = page_->view()->rows[2];
+    ReplayRelabelDialog dialog(row.start, row.end, page_.get());
+    EXPECT_NEAR(dialog.from().secondsSince(row.start), 0.0, 0.001);
+    EXPECT_NEAR(dialog.to().secondsSince(row.end), 0.0, 0.001);
+    EXPECT_EQ(dialog.state(), recording::ConfirmedStudyState::passiveStudy);
+    auto* to = dialog.findChildren<QDateTimeEdit*>().at(1);
+    to->setDateTime(to->dateTime().addSecs(3600));
+    EXPECT_NEAR(dialog.to().secondsSince(row.end), 0.0, 0.001);
+    dialog.adjustSize();
+    writeScreenshot(dialog, "replay-relabel-dialog-light");
 }
 
 // With LUMENOTE_SCREENSHOT_DIR set, the page is written there in light and
