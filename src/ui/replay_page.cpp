@@ -20,6 +20,7 @@
 #include "ui/design/chip.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/timeline_strip.hpp"
+#include "ui/models/history_list.hpp"
 #include "ui/models/receipt_options.hpp"
 #include "ui/models/session_receipt.hpp"
 #include "ui/receipts/receipt_file.hpp"
@@ -213,9 +214,17 @@ QWidget* ReplayPage::buildRowsCard() {
     connect(tree_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &ReplayPage::selectionChanged);
     connect(model_, &QAbstractItemModel::modelReset, this, &ReplayPage::selectionChanged);
+    // A right click chooses the row under it first; the menu key opens the
+    // menu at the current row.
     connect(tree_, &QTreeView::customContextMenuRequested, this, [this](const QPoint& point) {
-        if (changeClass_->isEnabled() && tree_->indexAt(point).isValid()) {
-            classMenu_->popup(tree_->viewport()->mapToGlobal(point));
+        const QModelIndex under = tree_->indexAt(point);
+        if (under.isValid()) {
+            tree_->setCurrentIndex(under);
+        }
+        if (changeClass_->isEnabled()) {
+            const QPoint at =
+                under.isValid() ? point : tree_->visualRect(tree_->currentIndex()).center();
+            classMenu_->popup(tree_->viewport()->mapToGlobal(at));
         }
     });
     connect(relabel_, &QPushButton::clicked, this, &ReplayPage::chooseRelabelRange);
@@ -301,10 +310,9 @@ bool ReplayPage::showSession(const Uuid& id) {
         session_.reset();
         view_.reset();
         present();
-        showError(qt(recording::sessionFailureMessage(
-            loaded.ok() ? recording::SessionFailure::sessionNotFound
-                        : recording::SessionFailure::activityNotSaved,
-            loaded.ok() ? std::string() : loaded.error().description)));
+        showError(loaded.ok() ? qt(recording::sessionFailureMessage(
+                                    recording::SessionFailure::sessionNotFound))
+                              : qt(models::historyReadFailureText(loaded.error())));
         return false;
     }
     session_ = std::move(**loaded);
