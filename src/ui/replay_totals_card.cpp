@@ -14,9 +14,15 @@ namespace {
 // The card's inner width: its width less the card's side margins.
 constexpr int kTextWidth = kReplayTotalsCardWidth - 32;
 
+// Gives `widget` the height its content takes at the card's inner width.
+void fitHeight(QWidget& widget) {
+    widget.setFixedHeight(widget.hasHeightForWidth() ? widget.heightForWidth(kTextWidth)
+                                                     : widget.sizeHint().height());
+}
+
 void setWrappedText(QLabel& label, const QString& text) {
     label.setText(text);
-    label.setFixedHeight(label.heightForWidth(kTextWidth));
+    fitHeight(label);
 }
 
 }  // namespace
@@ -56,8 +62,18 @@ ReplayTotalsCard::ReplayTotalsCard(QWidget* parent) : QWidget(parent) {
 }
 
 void ReplayTotalsCard::show(const models::ReplayView& view) {
-    score_->setValue(qt(view.focusScore), QStringLiteral("focus score"));
-    setWrappedText(*note_, qt(view.focusScoreNote));
+    // Without a score the metric says why in its place, muted, rather than
+    // showing a figure that would mean nothing.
+    if (view.focusScore) {
+        score_->setValue(qt(*view.focusScore), QStringLiteral("focus score"));
+        setWrappedText(*note_, qt(view.focusScoreNote));
+    } else {
+        score_->setValue({}, QStringLiteral("focus score"));
+        score_->setUnavailable(qt(view.focusScoreNote));
+        setWrappedText(*note_, {});
+    }
+    note_->setVisible(view.focusScore.has_value());
+    fitHeight(*score_);
     // The view always has the same lines; rows are made once and kept.
     for (std::size_t line = 0; line < view.figures.size(); ++line) {
         const auto row = static_cast<int>(line);

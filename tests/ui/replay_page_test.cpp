@@ -30,6 +30,7 @@
 #include "store/sqlite_recording_store.hpp"
 #include "support/temporary_home.hpp"
 #include "ui/appearance.hpp"
+#include "ui/design/metric.hpp"
 #include "ui/models/receipt_test_sessions.hpp"
 #include "ui/replay_relabel_dialog.hpp"
 #include "ui/replay_rows_model.hpp"
@@ -266,6 +267,20 @@ TEST_F(ReplayPageTest, ASessionNoLongerStoredSaysSo) {
     EXPECT_EQ(page_->bannerText().toStdString(),
               recording::sessionFailureMessage(recording::SessionFailure::sessionNotFound));
     EXPECT_FALSE(page_->view().has_value());
+}
+
+TEST_F(ReplayPageTest, WithoutEvidenceTheScoreSaysWhyInItsPlace) {
+    StudySession away =
+        finishedSession({appSegment(0, 3600, "Editor", ActivityClassification::focused, true)});
+    away.subject = "Reading";
+    ASSERT_TRUE(page_->showSession(stored(away)));
+    auto* score = page_->findChild<design::Metric*>("replayFocusScore");
+    ASSERT_NE(score, nullptr);
+    EXPECT_FALSE(score->isAvailable());
+    EXPECT_EQ(score->value(), "Not enough Focused + Distracted time to show a focus score.");
+    EXPECT_FALSE(page_->findChild<QLabel*>("replayScoreNote")->isVisible());
+    EXPECT_TRUE(page_->totals().figureTexts().contains("No input, unconfirmed: 1 h 00 min"));
+    writeScreenshot(*page_, "replay-page-no-input-light");
 }
 
 TEST_F(ReplayPageTest, TheRelabelDialogOffersTheWholeRowAndStaysInsideIt) {

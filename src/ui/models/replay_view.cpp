@@ -142,9 +142,12 @@ ReplayView makeReplayView(const recording::StudySession& session, const LocalCal
     };
     const double evidence = session.focusedDuration + session.distractedDuration;
     const auto score = Tracking::displayableFocusScore(session.focusScore, evidence);
-    view.focusScore = Tracking::formatFocusScore(score);
-    view.focusScoreNote = score ? Tracking::formatScoreCoverage(recording::storedCoverage(session))
-                                : std::string(Tracking::kNotEnoughEvidenceToShowScoreText);
+    if (score) {
+        view.focusScore = Tracking::formatFocusScore(score);
+        view.focusScoreNote = Tracking::formatScoreCoverage(recording::storedCoverage(session));
+    } else {
+        view.focusScoreNote = std::string(Tracking::kNotEnoughEvidenceToShowScoreText);
+    }
     view.versionText = calculationVersionText(session);
 
     view.timeline = timelineBlocks(session.segments);

@@ -67,7 +67,8 @@ struct ReplayView {
     // Study time, Computer study, Studying away from Mac, Break and No
     // input, unconfirmed, in that order, each present even when zero.
     std::vector<ReplayFigure> figures;
-    std::string focusScore;  // "82%", or "—" when no score may be shown
+    // "82%"; absent when no score may be shown (under a minute of evidence).
+    std::optional<std::string> focusScore;
     // The score's coverage ("64% score coverage"), or, without a score, the
     // sentence that says why there is none.
     std::string focusScoreNote;

@@ -145,7 +145,7 @@ TEST_F(ReplayViewTest, ASessionOfNoInputOnlyHasNoScoreAndOneUnconfirmedRow) {
         ElementsAre(ReplayFigure{"Study time", "0 s"}, ReplayFigure{"Computer study", "0 s"},
                     ReplayFigure{"Studying away from Mac", "0 s"}, ReplayFigure{"Break", "0 s"},
                     ReplayFigure{"No input, unconfirmed", "10 min"}));
-    EXPECT_EQ(view.focusScore, "—");
+    EXPECT_EQ(view.focusScore, std::nullopt);
     EXPECT_EQ(view.focusScoreNote,
               recording::TrackingCalculationService::kNotEnoughEvidenceToShowScoreText);
     ASSERT_EQ(view.rows.size(), 1u);
