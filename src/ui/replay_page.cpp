@@ -85,6 +85,10 @@ ReplayPage::ReplayPage(recording::RecordingStore& store, recording::SessionHisto
     scroll->setObjectName(QStringLiteral("replayScroll"));
     scroll->setWidgetResizable(true);
     scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setAccessibleName(QStringLiteral("Session replay"));
+    // The controls inside take the keyboard; moving between them scrolls
+    // the one reached into view.
+    scroll->setFocusPolicy(Qt::NoFocus);
     content_ = new QWidget(scroll);
     auto* content = new QVBoxLayout(content_);
     content->setContentsMargins(0, 0, 0, 0);

@@ -283,6 +283,22 @@ TEST_F(ReplayPageTest, WithoutEvidenceTheScoreSaysWhyInItsPlace) {
     writeScreenshot(*page_, "replay-page-no-input-light");
 }
 
+TEST_F(ReplayPageTest, EveryControlTheKeyboardReachesHasAName) {
+    ASSERT_TRUE(page_->showSession(stored(studiedHour())));
+    select(2);
+    ASSERT_TRUE(page_->relabel(page_->view()->rows[2].start, page_->view()->rows[2].end,
+                               recording::ConfirmedStudyState::confirmedBreak));
+    QStringList unnamed;
+    for (QWidget* widget : page_->findChildren<QWidget*>()) {
+        if (widget->isVisible() && widget->focusPolicy() & Qt::TabFocus &&
+            widget->accessibleName().isEmpty()) {
+            unnamed << widget->metaObject()->className() + QStringLiteral(" ") +
+                           widget->objectName();
+        }
+    }
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
+}
+
 TEST_F(ReplayPageTest, TheRelabelDialogOffersTheWholeRowAndStaysInsideIt) {
     const Uuid id = stored(studiedHour());
     ASSERT_TRUE(page_->showSession(id));
