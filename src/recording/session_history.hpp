@@ -22,6 +22,7 @@
 #include "recording/recording_preferences.hpp"
 #include "recording/recording_store.hpp"
 #include "recording/session_messages.hpp"
+#include "recording/session_reclassification.hpp"
 #include "recording/study_state_edit.hpp"
 #include "recording/time_providers.hpp"
 
@@ -86,6 +87,23 @@ class SessionHistory {
     Result<StudyStateEdit, SessionError> relabel(const Uuid& sessionID, Date from, Date to,
                                                  std::optional<ConfirmedStudyState> state,
                                                  ConfirmedStudyStateSource source);
+
+    // Gives `activity` the class `classification` in one finished session
+    // only: its segments of that activity change and its totals are
+    // recomputed under its own version (session_reclassification.hpp). No
+    // rule is written. Refused for a live session and for a session of the
+    // first calculation method.
+    Result<void, SessionError> reclassifyInSession(const Uuid& sessionID,
+                                                   const ClassifiedActivity& activity,
+                                                   classification::ActivityClassification choice);
+    // Writes the rule for `activity` (for a PDF, its identity's class), so
+    // that every later recording takes `choice`, and gives the activity that
+    // class in the session it was chosen from too, where the session's
+    // method allows; a session of the first method keeps its totals.
+    // Stored sessions otherwise keep the class they were recorded with.
+    Result<void, SessionError> classifyAlways(const Uuid& sessionID,
+                                              const ClassifiedActivity& activity,
+                                              classification::ActivityClassification choice);
 
     // Ends the undo offer once its time is up; called once a second.
     void tick();

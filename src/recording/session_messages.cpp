@@ -93,6 +93,11 @@ std::string sessionFailureMessage(SessionFailure failure, std::string_view detai
         case SessionFailure::personalBestsNotChecked:
             return fmt::format("Lumenote could not compare this session with your history: {}",
                                detail);
+        case SessionFailure::reclassifyFirstMethodSession:
+            return "This session was recorded under the first calculation method, so Lumenote "
+                   "keeps its original totals rather than reclassifying its activity.";
+        case SessionFailure::ruleNotSaved:
+            return std::string(detail);
     }
     return {};
 }

@@ -49,6 +49,9 @@ enum class SessionFailure {
     recoveryFailed,  // {error}
     checkpointNotRemoved,
     personalBestsNotChecked,  // {error}
+    // Changing the class of activity in a finished session.
+    reclassifyFirstMethodSession,
+    ruleNotSaved,  // {error}: the rules' own sentence
 };
 
 // The sentence shown for `failure`; `detail` fills its {error} or limit.

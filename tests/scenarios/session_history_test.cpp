@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/fake/fake_platform.hpp"
+#include "recording/tracking_calculation.hpp"
 #include "settings/in_memory_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
@@ -40,6 +41,37 @@ class SessionHistoryTest : public ::testing::Test {
         StoreChangeSet changes;
         changes.sessions.push_back(session);
         changes.segments.push_back(segment);
+        EXPECT_TRUE(store_->apply(changes).ok());
+        return session.id;
+    }
+
+    // A finished session of the current method: ten minutes of the editor
+    // (Focused) and five on a website (Distracting), totals stored.
+    Uuid storeScoredSession() {
+        StudySession session(Uuid::generate(), "Biology", "", 900, machine_.clock.wallNow());
+        session.setStatus(StudySessionStatus::completed);
+        session.timerDuration = 900;
+        session.endDate = session.startDate.addingSeconds(900);
+        ActivitySegment editor(
+            Uuid::generate(), session.startDate, session.startDate.addingSeconds(600), 600,
+            "Editor", "org.example.Editor", classification::ActivityClassification::focused, false);
+        ActivitySegment site(Uuid::generate(), session.startDate.addingSeconds(600),
+                             *session.endDate, 300, "Firefox", "org.mozilla.firefox",
+                             classification::ActivityClassification::distracting, false);
+        site.setActivitySource(ActivitySourceType::website);
+        site.hostname = "video.example";
+        session.segments = {editor, site};
+        namespace Tracking = TrackingCalculationService;
+        Tracking::applyTotals(Tracking::calculateSessionTotals(session, *session.endDate,
+                                                               TrackingCalculationVersion::v3),
+                              session);
+        StoreChangeSet changes;
+        for (ActivitySegment& segment : session.segments) {
+            segment.session = session.id;
+            changes.segments.push_back(segment);
+        }
+        session.segments.clear();
+        changes.sessions.push_back(session);
         EXPECT_TRUE(store_->apply(changes).ok());
         return session.id;
     }
@@ -126,6 +158,59 @@ TEST_F(SessionHistoryTest, TotalsAreRecalculatedOnceForANewRevision) {
     ASSERT_TRUE(history_->bringTotalsUpToDate().ok());
     EXPECT_DOUBLE_EQ((*store_->loadSession(id))->focusedDuration, 600);
     EXPECT_EQ(preferences_.derivedRevision(), kDerivedTotalsRevision);
+}
+
+const ClassifiedActivity kVideo{.kind = ClassifiedActivity::Kind::website,
+                                .bundleIdentifier = "org.mozilla.firefox",
+                                .name = "video.example",
+                                .hostname = "video.example"};
+
+TEST_F(SessionHistoryTest, ReclassifyingRefusesLiveAndMissingSessions) {
+    const Uuid live = storeSession(StudySessionStatus::running);
+    EXPECT_EQ(
+        history_->reclassifyInSession(live, kVideo, classification::ActivityClassification::focused)
+            .error(),
+        SessionFailure::editWhileActive);
+    EXPECT_EQ(history_
+                  ->reclassifyInSession(Uuid::generate(), kVideo,
+                                        classification::ActivityClassification::focused)
+                  .error(),
+              SessionFailure::sessionNotFound);
+}
+
+TEST_F(SessionHistoryTest, AFailedReclassificationSaveLeavesSegmentsAndTotalsAsTheyWere) {
+    const Uuid id = storeScoredSession();
+    const StudySession before = **store_->loadSession(id);
+    SessionHistory failing(SessionHistoryDependencies{
+        *store_, *rules_, recordingPreferences_, machine_.clock.monotonic(), machine_.clock.wall(),
+        [](const StoreChangeSet&) -> Result<void, StoreError> {
+            return fail(StoreError{"disk I/O error"});
+        }});
+    EXPECT_EQ(
+        failing.reclassifyInSession(id, kVideo, classification::ActivityClassification::focused)
+            .error()
+            .message(),
+        "Study activity could not be saved: disk I/O error");
+    EXPECT_EQ(**store_->loadSession(id), before);
+}
+
+TEST_F(SessionHistoryTest, AlwaysWithARefusedRuleChangesNeitherRulesNorTheSession) {
+    const Uuid id = storeScoredSession();
+    const StudySession before = **store_->loadSession(id);
+    ClassifiedActivity nameless = kVideo;
+    nameless.hostname = "  ";
+    const auto refused =
+        history_->classifyAlways(id, nameless, classification::ActivityClassification::focused);
+    ASSERT_FALSE(refused.ok());
+    EXPECT_EQ(refused.error(), SessionFailure::ruleNotSaved);
+    EXPECT_FALSE(refused.error().message().empty());
+    EXPECT_TRUE(store_->websiteClassifications()->empty());
+    EXPECT_EQ(**store_->loadSession(id), before);
+
+    ASSERT_TRUE(
+        history_->classifyAlways(id, kVideo, classification::ActivityClassification::focused).ok());
+    EXPECT_EQ(store_->websiteClassifications()->size(), 1u);
+    EXPECT_DOUBLE_EQ((*store_->loadSession(id))->focusedDuration, 900.0);
 }
 
 }  // namespace
