@@ -56,6 +56,9 @@ InsightCardWidget::InsightCardWidget(const models::InsightCard& card, QWidget* p
     body->addLayout(evidence);
     body->addWidget(wrapped(qt(card.explanation), frame, true));
 
+    // Cards side by side share a height: the space goes above the button,
+    // so that each card's texts stay together at its top.
+    body->addStretch(1);
     auto* actions = new QHBoxLayout;
     actions->addStretch(1);
     auto* dismiss = new QPushButton(QStringLiteral("Dismiss"), frame);

@@ -176,7 +176,7 @@ void InsightsPage::buildBody(QVBoxLayout* layout) {
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setSpacing(12);
 
-    auto* glance = new design::Card(QStringLiteral("This week"), {}, content_);
+    auto* glance = new design::Card(QStringLiteral("Week at a glance"), {}, content_);
     auto* metrics = new QHBoxLayout;
     metrics->setSpacing(24);
     studyTime_ = new design::Metric(glance);

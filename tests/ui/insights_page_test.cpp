@@ -208,11 +208,15 @@ TEST_F(InsightsPageTest, PaintsInLightAndDark) {
              {std::pair{filled.get(), "filled"}, std::pair{empty.get(), "empty"}}) {
             const QImage image = page->grab().toImage();
             EXPECT_EQ(image.size(), page->size() * image.devicePixelRatio());
+            // The whole scrolled content too, down to the personal records.
+            const QImage content = page->findChild<QScrollArea*>()->widget()->grab().toImage();
             if (folder != nullptr) {
                 QDir().mkpath(folder);
-                EXPECT_TRUE(image.save(
-                    QDir(folder).filePath(QStringLiteral("insights-page-%1-%2.png")
-                                              .arg(QLatin1String(history), QLatin1String(name)))));
+                const QString stem = QStringLiteral("insights-page-%1-%2")
+                                         .arg(QLatin1String(history), QLatin1String(name));
+                EXPECT_TRUE(image.save(QDir(folder).filePath(stem + QStringLiteral(".png"))));
+                EXPECT_TRUE(
+                    content.save(QDir(folder).filePath(stem + QStringLiteral("-content.png"))));
             }
         }
     }

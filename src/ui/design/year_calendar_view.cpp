@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QToolTip>
 #include <algorithm>
+#include <cmath>
+#include <vector>
 
 #include "ui/design/qt_text.hpp"
 
@@ -35,8 +37,10 @@ std::optional<GridLayout> layoutGrid(const QFontMetricsF& metrics, const QRectF&
     layout.labelWidth =
         metrics.horizontalAdvance(QStringLiteral("Wed")) + metrics.averageCharWidth();
     const qreal top = metrics.height() + 2.0;
+    // Below the grid, one line for the legend.
+    const qreal bottom = metrics.height() + 6.0;
     layout.pitch = std::min({(target.width() - layout.labelWidth) / weeks,
-                             (target.height() - top) / kRows, kLargestSquare});
+                             (target.height() - top - bottom) / kRows, kLargestSquare});
     if (layout.pitch < 4.0) {
         return std::nullopt;
     }
@@ -61,6 +65,55 @@ QRectF squareAt(const GridLayout& layout, int week, int row) {
             side};
 }
 
+// The month names above their weeks. Where two would overlap (the partial
+// month the grid begins with), the later one, a month's true start, wins.
+void paintMonthLabels(QPainter& painter, const QFontMetricsF& metrics, const QRectF& target,
+                      const GridLayout& layout, const models::YearCalendar& calendar,
+                      const ChartStyle& style) {
+    std::vector<std::pair<qreal, QString>> labels;
+    for (std::size_t week = 0; week < calendar.weeks.size(); ++week) {
+        if (!calendar.weeks[week].monthLabel.empty()) {
+            labels.emplace_back(layout.origin.x() + static_cast<qreal>(week) * layout.pitch,
+                                qt(calendar.weeks[week].monthLabel));
+        }
+    }
+    painter.setPen(style.text);
+    for (std::size_t index = 0; index < labels.size(); ++index) {
+        const auto& [x, month] = labels[index];
+        const qreal end = x + metrics.horizontalAdvance(month);
+        const bool crowded =
+            index + 1 < labels.size() && labels[index + 1].first < end + metrics.averageCharWidth();
+        if (!crowded && end <= target.right()) {
+            painter.drawText(QPointF(x, target.top() + metrics.ascent()), month);
+        }
+    }
+}
+
+// "Less", a square of each shade, "More", at the grid's bottom right.
+void paintLegend(QPainter& painter, const QFontMetricsF& metrics, const GridLayout& layout,
+                 qreal gridRight, const ChartStyle& style) {
+    const qreal side = layout.pitch * (1.0 - kGapShare);
+    const qreal top = layout.origin.y() + kRows * layout.pitch + 4.0;
+    const QString less = QStringLiteral("Less");
+    const QString more = QStringLiteral("More");
+    const qreal gap = metrics.averageCharWidth();
+    qreal x = gridRight - metrics.horizontalAdvance(more) - gap -
+              (models::kYearCalendarTopLevel + 1) * layout.pitch - metrics.horizontalAdvance(less);
+    const qreal baseline = top + (metrics.height() + metrics.ascent() - metrics.descent()) / 2.0;
+    painter.setPen(style.text);
+    painter.drawText(QPointF(x, baseline), less);
+    x += metrics.horizontalAdvance(less) + gap;
+    painter.setPen(Qt::NoPen);
+    for (int level = 0; level <= models::kYearCalendarTopLevel; ++level) {
+        painter.setBrush(levelColor(level, style));
+        painter.drawRoundedRect(QRectF(x, top + (metrics.height() - side) / 2.0, side, side), 2.0,
+                                2.0);
+        x += layout.pitch;
+    }
+    painter.setPen(style.text);
+    painter.drawText(QPointF(x + gap - layout.pitch * kGapShare, baseline), more);
+}
+
 }  // namespace
 
 void paintYearCalendar(QPainter& painter, const QRectF& target,
@@ -81,15 +134,8 @@ void paintYearCalendar(QPainter& painter, const QRectF& target,
         painter.drawText(line, Qt::AlignLeft | Qt::AlignVCenter,
                          qt(calendar.rowLabels[static_cast<std::size_t>(row)]));
     }
-    qreal monthEnd = 0.0;
+    paintMonthLabels(painter, metrics, target, *layout, calendar, style);
     for (std::size_t week = 0; week < calendar.weeks.size(); ++week) {
-        const QString month = qt(calendar.weeks[week].monthLabel);
-        const qreal x = layout->origin.x() + static_cast<qreal>(week) * layout->pitch;
-        if (!month.isEmpty() && x >= monthEnd &&
-            x + metrics.horizontalAdvance(month) <= target.right()) {
-            painter.drawText(QPointF(x, target.top() + metrics.ascent()), month);
-            monthEnd = x + metrics.horizontalAdvance(month) + metrics.averageCharWidth();
-        }
         for (int row = 0; row < kRows; ++row) {
             const auto& day = calendar.weeks[week].days[static_cast<std::size_t>(row)];
             if (!day.shown) {
@@ -106,6 +152,10 @@ void paintYearCalendar(QPainter& painter, const QRectF& target,
             }
         }
     }
+    const qreal gridRight = layout->origin.x() +
+                            static_cast<qreal>(calendar.weeks.size()) * layout->pitch -
+                            layout->pitch * kGapShare;
+    paintLegend(painter, metrics, *layout, gridRight, style);
     painter.restore();
 }
 
@@ -113,7 +163,9 @@ YearCalendarView::YearCalendarView(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true);
     setAccessibleName(QStringLiteral("Study calendar of the last 12 months"));
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
 }
 
 void YearCalendarView::setCalendar(models::YearCalendar calendar) {
@@ -140,14 +192,29 @@ QString YearCalendarView::currentDayText() const {
 
 QSize YearCalendarView::sizeHint() const {
     const QFontMetricsF metrics(font());
-    return {static_cast<int>(metrics.horizontalAdvance(QStringLiteral("Wed")) +
-                             static_cast<qreal>(calendar_.weeks.size()) * 14.0 + 8.0),
-            static_cast<int>(metrics.height() + kRows * 14.0 + 6.0)};
+    const qreal width = metrics.horizontalAdvance(QStringLiteral("Wed")) +
+                        metrics.averageCharWidth() +
+                        static_cast<qreal>(calendar_.weeks.size()) * kLargestSquare + 4.0;
+    return {static_cast<int>(std::ceil(width)), heightForWidth(static_cast<int>(width))};
+}
+
+bool YearCalendarView::hasHeightForWidth() const {
+    return true;
+}
+
+int YearCalendarView::heightForWidth(int width) const {
+    // As tall as the squares that fit the width need, so that the grid
+    // fills its card without empty bands above or below.
+    const QFontMetricsF metrics(font());
+    const qreal labels =
+        metrics.horizontalAdvance(QStringLiteral("Wed")) + metrics.averageCharWidth();
+    const qreal weeks = std::max<qreal>(1.0, static_cast<qreal>(calendar_.weeks.size()));
+    const qreal pitch = std::clamp((width - 4.0 - labels) / weeks, 4.0, kLargestSquare);
+    return static_cast<int>(std::ceil(2.0 * metrics.height() + 8.0 + kRows * pitch + 4.0));
 }
 
 QSize YearCalendarView::minimumSizeHint() const {
-    const QFontMetricsF metrics(font());
-    return {240, static_cast<int>(metrics.height() + kRows * 8.0 + 6.0)};
+    return {240, heightForWidth(240)};
 }
 
 void YearCalendarView::paintEvent(QPaintEvent*) {

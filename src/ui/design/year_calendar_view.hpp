@@ -1,10 +1,10 @@
 // The year calendar on screen: the last twelve months of study as a grid of
 // days, one column a week and one row a weekday, each day shaded by its
 // study time (models::yearCalendarLevel) in the accent colour, with the month
-// names above and the weekday names beside. Hovering a day, or moving the
-// keyboard onto it (arrow keys, Home and End), shows its date and study time
-// as a tooltip and in the accessible description. The same figures as text,
-// a row per day with study, are its tableText().
+// names above, the weekday names beside and a legend of the shades below. Hovering a day, or moving
+// the keyboard onto it (arrow keys, Home and End), shows its date and study time as a tooltip and
+// in the accessible description. The same figures as text, a row per day with study, are its
+// tableText().
 #pragma once
 
 #include <QWidget>
@@ -18,7 +18,7 @@
 namespace lumenote::ui::design {
 
 // Paints `calendar` into `target` (month names on top, weekday names on the
-// left, the squares as large as fit). `current` outlines one day (week,
+// left, the legend below, the squares as large as fit). `current` outlines one day (week,
 // weekday index). Paints nothing when the target is too small.
 void paintYearCalendar(QPainter& painter, const QRectF& target,
                        const models::YearCalendar& calendar, const ChartStyle& style,
@@ -39,6 +39,8 @@ class YearCalendarView final : public QWidget {
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
+    bool hasHeightForWidth() const override;
+    int heightForWidth(int width) const override;
 
   protected:
     void paintEvent(QPaintEvent* event) override;
