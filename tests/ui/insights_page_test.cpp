@@ -24,6 +24,7 @@
 #include "support/temporary_home.hpp"
 #include "ui/appearance.hpp"
 #include "ui/design/metric.hpp"
+#include "ui/design/year_calendar_view.hpp"
 #include "ui/insight_card_widget.hpp"
 #include "ui/offscreen_application.hpp"
 #include "ui/receipts/receipt_painting.hpp"
@@ -177,6 +178,29 @@ TEST_F(InsightsPageTest, SavesTheWeeklyReceiptAsAPngOfTheReceiptsSize) {
     EXPECT_TRUE(banner->isVisible());
     EXPECT_TRUE(banner->text().startsWith("The receipt could not be saved"))
         << banner->text().toStdString();
+}
+
+TEST_F(InsightsPageTest, TheYearCalendarIsReadDayByDayFromTheKeyboard) {
+    fillHistory();
+    auto page = openPage();
+    auto* year = page->findChild<design::YearCalendarView*>("insightsYearCalendar");
+    ASSERT_NE(year, nullptr);
+    // End is today; Left steps a week back, Up a day back; Home is the first
+    // day of the twelve months.
+    const struct {
+        Qt::Key key;
+        const char* day;
+    } steps[] = {{Qt::Key_End, "Thursday 26 November 2026: 32 min"},
+                 {Qt::Key_Left, "Thursday 19 November 2026: no study"},
+                 {Qt::Key_Up, "Wednesday 18 November 2026: 41 min"},
+                 {Qt::Key_Home, "Thursday 27 November 2025: no study"},
+                 {Qt::Key_Left, "Thursday 27 November 2025: no study"}};
+    for (const auto& step : steps) {
+        QTest::keyClick(year, step.key);
+        EXPECT_EQ(year->currentDayText().toStdString(), step.day);
+        EXPECT_EQ(year->accessibleDescription(), year->currentDayText());
+    }
+    EXPECT_TRUE(year->tableText().startsWith("Day\tStudy time\n"));
 }
 
 // Every control the keyboard reaches (Tab) has a name a screen reader can say.
