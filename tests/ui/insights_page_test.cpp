@@ -203,6 +203,51 @@ TEST_F(InsightsPageTest, TheYearCalendarIsReadDayByDayFromTheKeyboard) {
     EXPECT_TRUE(year->tableText().startsWith("Day\tStudy time\n"));
 }
 
+TEST_F(InsightsPageTest, AReadOnlyDismissalFileKeepsTheCardAndSaysWhy) {
+    fillHistory();
+    const auto file = insights::FileInsightDismissalRepository::pathFor(home_.paths());
+    lumenote::testing::writeFile(file, R"({"formatVersion": 2, "records": []})");
+    insights::InsightDismissalStore readOnly(repository_, [this] { return now_; });
+    InsightsPage page(*store_, *store_, readOnly, defaults_, calendar_, 1, [this] { return now_; });
+    const QString expected = QStringLiteral(
+        "Insight dismissals use unsupported format version 2. The file was left unchanged.");
+    EXPECT_EQ(text(page, "insightsBanner"), expected);
+    const qsizetype shown = cards(page).size();
+    ASSERT_GT(shown, 0);
+    QTest::mouseClick(cards(page).front()->findChild<QPushButton*>("insightDismiss"),
+                      Qt::LeftButton);
+    QApplication::processEvents();
+    EXPECT_EQ(cards(page).size(), shown);
+    EXPECT_EQ(text(page, "insightsBanner"), expected);
+    EXPECT_EQ(lumenote::testing::readFile(file), R"({"formatVersion": 2, "records": []})");
+}
+
+// A history that cannot be read: its sentence in the banner, no figures, and
+// nothing to save.
+TEST_F(InsightsPageTest, AnUnreadableHistoryShowsItsSentenceInTheBanner) {
+    struct FailingReader final : recording::SessionHistoryReader {
+        Result<void, StoreError> forEachSession(const recording::SessionWalkQuery&,
+                                                const SessionVisitor&) override {
+            return fail(StoreError{"disk I/O error", StoreErrorKind::other});
+        }
+        Result<void, StoreError> forEachSegment(const recording::SegmentWalkQuery&,
+                                                const SegmentVisitor&) override {
+            return fail(StoreError{"disk I/O error", StoreErrorKind::other});
+        }
+        Result<void, StoreError> forEachUnclassifiedActivityTally(const TallyVisitor&) override {
+            return fail(StoreError{"disk I/O error", StoreErrorKind::other});
+        }
+    } reader;
+    InsightsPage page(reader, *store_, dismissals_, defaults_, calendar_, 1,
+                      [this] { return now_; });
+    EXPECT_EQ(text(page, "insightsBanner"),
+              "The study history could not be read (disk I/O error).");
+    EXPECT_FALSE(page.view().has_value());
+    EXPECT_FALSE(button(page, "insightsSaveReceipt")->isEnabled());
+    EXPECT_FALSE(page.saveWeeklyReceipt(home_.root() / "week.png", receipts::ReceiptFormat::png));
+    EXPECT_FALSE(std::filesystem::exists(home_.root() / "week.png"));
+}
+
 // Every control the keyboard reaches (Tab) has a name a screen reader can say.
 TEST_F(InsightsPageTest, EveryControlHasAnAccessibleName) {
     fillHistory();
