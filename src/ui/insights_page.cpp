@@ -234,23 +234,43 @@ void InsightsPage::buildBody(QVBoxLayout* layout) {
     layout->addWidget(scroll, 1);
 }
 
+models::InsightsRequest InsightsPage::request(Date now) const {
+    return {weekDate_, now, firstWeekday_,
+            settings::PreferencesStore(defaults_).dailyStudyGoalMinutes()};
+}
+
+Date InsightsPage::readAt() const {
+    return data_ ? data_->now : now_();
+}
+
 void InsightsPage::reload() {
-    banner_->setVisible(false);
-    const Date now = now_();
-    const models::InsightsRequest request{
-        weekDate_, now, firstWeekday_,
-        settings::PreferencesStore(defaults_).dailyStudyGoalMinutes()};
-    auto read =
-        models::readInsightsData(reader_, store_, calendar_, request, dismissals_.records());
+    auto read = models::readInsightsData(reader_, store_, calendar_, request(now_()),
+                                         dismissals_.records());
     if (!read) {
-        data_.reset();
-        view_.reset();
-        content_->setVisible(false);
-        saveReceipt_->setEnabled(false);
-        showError(qt(models::historyReadFailureText(read.error())));
+        showUnreadable(read.error());
         return;
     }
     data_ = std::move(*read);
+    showData();
+}
+
+void InsightsPage::reloadWeek() {
+    if (!data_) {
+        reload();
+        return;
+    }
+    auto week =
+        models::readInsightsWeek(reader_, calendar_, request(data_->now), dismissals_.records());
+    if (!week) {
+        showUnreadable(week.error());
+        return;
+    }
+    data_->week = std::move(*week);
+    showData();
+}
+
+void InsightsPage::showData() {
+    banner_->setVisible(false);
     view_ = models::makeInsightsView(*data_, calendar_);
     content_->setVisible(true);
     saveReceipt_->setEnabled(true);
@@ -260,23 +280,31 @@ void InsightsPage::reload() {
     }
 }
 
+void InsightsPage::showUnreadable(const StoreError& error) {
+    data_.reset();
+    view_.reset();
+    content_->setVisible(false);
+    saveReceipt_->setEnabled(false);
+    showError(qt(models::historyReadFailureText(error)));
+}
+
 void InsightsPage::showPreviousWeek() {
     const auto week = insights::weekContaining(weekDate_, calendar_, firstWeekday_);
     weekDate_ = insights::previousWeek(week, calendar_, firstWeekday_).start;
-    reload();
+    reloadWeek();
 }
 
 void InsightsPage::showNextWeek() {
     const auto week = insights::weekContaining(weekDate_, calendar_, firstWeekday_);
-    if (week.end <= now_()) {
+    if (week.end <= readAt()) {
         weekDate_ = week.end;
-        reload();
+        reloadWeek();
     }
 }
 
 void InsightsPage::showThisWeek() {
-    weekDate_ = now_();
-    reload();
+    weekDate_ = readAt();
+    reloadWeek();
 }
 
 void InsightsPage::display(const models::InsightsView& view) {
@@ -369,10 +397,10 @@ void InsightsPage::dismiss(const QString& id, const QString& evidenceRevision) {
     if (!data_) {
         return;
     }
-    for (const insights::LocalInsightFact& fact : data_->facts) {
+    for (const insights::LocalInsightFact& fact : data_->week.facts) {
         if (qt(fact.id) == id && qt(fact.evidenceRevision) == evidenceRevision) {
             const bool saved = dismissals_.dismiss(fact);
-            reload();
+            reloadWeek();
             if (!saved && dismissals_.lastError()) {
                 showError(qt(*dismissals_.lastError()));
             }
@@ -386,10 +414,11 @@ bool InsightsPage::saveWeeklyReceipt(const std::filesystem::path& path, ReceiptF
         return false;
     }
     // Only the week that holds today may show today's streak.
-    const std::optional<int> streak =
-        view_ && view_->isCurrentWeek ? std::optional<int>(data_->currentStreak) : std::nullopt;
+    const std::optional<int> streak = view_ && view_->isCurrentWeek
+                                          ? std::optional<int>(data_->standing.currentStreak)
+                                          : std::nullopt;
     const auto receipt = models::makeWeeklyReceipt(
-        data_->figures, streak, models::readReceiptOptions(defaults_), calendar_);
+        data_->week.figures, streak, models::readReceiptOptions(defaults_), calendar_);
     const auto written = receipts::writeWeeklyReceipt(receipt, path, format);
     if (!written) {
         showError(qt(written.error().message()));
@@ -406,7 +435,7 @@ void InsightsPage::chooseReceiptFile() {
     const QString png = QStringLiteral("PNG image (*.png)");
     const QString pdf = QStringLiteral("PDF document (*.pdf)");
     const std::string name = receipts::defaultReceiptFileName(
-        receipts::ReceiptKind::week, data_->figures.days.front().dayKey, ReceiptFormat::png);
+        receipts::ReceiptKind::week, data_->week.figures.days.front().dayKey, ReceiptFormat::png);
     QString chosenFilter = png;
     const QString path = QFileDialog::getSaveFileName(
         this, QStringLiteral("Save Weekly Receipt"), QDir::home().filePath(qt(name)),

@@ -24,6 +24,7 @@
 #include "recording/recording_store.hpp"
 #include "recording/session_history_reader.hpp"
 #include "settings/defaults_domain.hpp"
+#include "ui/models/insights_source.hpp"
 #include "ui/models/insights_view.hpp"
 #include "ui/receipts/receipt_file.hpp"
 
@@ -53,8 +54,9 @@ class InsightsPage final : public QWidget {
                  QWidget* parent = nullptr);
     ~InsightsPage() override;
 
-    // Reads the selected week again (after a session ended, a restore, a
-    // change of the daily goal).
+    // Reads everything again at the wall clock's date now (after a session
+    // ended, a restore, a change of the daily goal). Moving between weeks
+    // reads only the selected week's part, as of the last reload.
     void reload();
     void showPreviousWeek();
     void showNextWeek();
@@ -69,6 +71,12 @@ class InsightsPage final : public QWidget {
     bool saveWeeklyReceipt(const std::filesystem::path& path, receipts::ReceiptFormat format);
 
   private:
+    models::InsightsRequest request(Date now) const;
+    // The date the shown figures were read at.
+    Date readAt() const;
+    void reloadWeek();
+    void showData();
+    void showUnreadable(const StoreError& error);
     void buildHeader(QVBoxLayout* layout);
     void buildBody(QVBoxLayout* layout);
     void display(const models::InsightsView& view);

@@ -28,9 +28,9 @@ std::vector<insights::WeeklyFigures> figuresOf(const std::vector<WeekPeriod>& we
 
 }  // namespace
 
-Result<InsightsData, StoreError> readInsightsData(
-    recording::SessionHistoryReader& reader, recording::RecordingStore& store,
-    const LocalCalendar& calendar, const InsightsRequest& request,
+Result<InsightsWeekData, StoreError> readInsightsWeek(
+    recording::SessionHistoryReader& reader, const LocalCalendar& calendar,
+    const InsightsRequest& request,
     const std::vector<insights::InsightDismissalRecord>& dismissals) {
     const unsigned firstWeekday = request.firstWeekday;
     const WeekPeriod week = insights::weekContaining(request.weekDate, calendar, firstWeekday);
@@ -39,7 +39,6 @@ Result<InsightsData, StoreError> readInsightsData(
         trendWeeks.insert(trendWeeks.begin(),
                           insights::previousWeek(trendWeeks.front(), calendar, firstWeekday));
     }
-
     auto selected = insights::readAnalyticsSnapshots(reader, week.range(), request.now, {});
     if (!selected) {
         return fail(selected.error());
@@ -50,8 +49,24 @@ Result<InsightsData, StoreError> readInsightsData(
     if (!earlier) {
         return fail(earlier.error());
     }
+    InsightsWeekData data;
+    data.figures =
+        insights::computeWeeklyFigures(*selected, week, calendar, request.dailyGoalMinutes);
+    std::vector<SessionSnapshot> trendSessions = *earlier;
+    trendSessions.insert(trendSessions.end(), selected->begin(), selected->end());
+    data.trend = figuresOf(trendWeeks, trendSessions, calendar, request.dailyGoalMinutes);
+    data.availability = insights::insightsAvailability(*selected, week);
+    const WeekPeriod& before = trendWeeks[trendWeeks.size() - 2];
+    data.facts =
+        insights::buildLocalInsights(*selected, *earlier, week, before, calendar, dismissals);
+    return data;
+}
+
+Result<InsightsStandingData, StoreError> readInsightsStanding(
+    recording::SessionHistoryReader& reader, recording::RecordingStore& store,
+    const LocalCalendar& calendar, const InsightsRequest& request) {
     const std::vector<WeekPeriod> yearWeeks =
-        yearCalendarWeeks(request.now, calendar, firstWeekday);
+        yearCalendarWeeks(request.now, calendar, request.firstWeekday);
     auto yearSessions =
         insights::readAnalyticsSnapshots(reader, {yearWeeks.front().start, yearWeeks.back().end},
                                          request.now, {}, insights::SnapshotDetail::totals);
@@ -66,22 +81,23 @@ Result<InsightsData, StoreError> readInsightsData(
     if (!records) {
         return fail(records.error());
     }
+    return InsightsStandingData{
+        *records, figuresOf(yearWeeks, *yearSessions, calendar, request.dailyGoalMinutes), *streak};
+}
 
-    InsightsData data;
-    data.now = request.now;
-    data.figures =
-        insights::computeWeeklyFigures(*selected, week, calendar, request.dailyGoalMinutes);
-    std::vector<SessionSnapshot> trendSessions = *earlier;
-    trendSessions.insert(trendSessions.end(), selected->begin(), selected->end());
-    data.trend = figuresOf(trendWeeks, trendSessions, calendar, request.dailyGoalMinutes);
-    data.availability = insights::insightsAvailability(*selected, week);
-    const WeekPeriod& before = trendWeeks[trendWeeks.size() - 2];
-    data.facts =
-        insights::buildLocalInsights(*selected, *earlier, week, before, calendar, dismissals);
-    data.year = figuresOf(yearWeeks, *yearSessions, calendar, request.dailyGoalMinutes);
-    data.currentStreak = *streak;
-    data.records = *records;
-    return data;
+Result<InsightsData, StoreError> readInsightsData(
+    recording::SessionHistoryReader& reader, recording::RecordingStore& store,
+    const LocalCalendar& calendar, const InsightsRequest& request,
+    const std::vector<insights::InsightDismissalRecord>& dismissals) {
+    auto week = readInsightsWeek(reader, calendar, request, dismissals);
+    if (!week) {
+        return fail(week.error());
+    }
+    auto standing = readInsightsStanding(reader, store, calendar, request);
+    if (!standing) {
+        return fail(standing.error());
+    }
+    return InsightsData{std::move(*week), std::move(*standing), request.now};
 }
 
 }  // namespace lumenote::ui::models

@@ -1,8 +1,6 @@
-// Reading what the Insights page shows for a week: the week's sessions with
-// every figure, the seven weeks before it by their totals (the trend and the
-// insights' comparison), the last twelve months by their totals (the year
-// calendar), the current streak and the personal records, all through the
-// store's streamed walks and the core's own calculators.
+// Reading what the Insights page shows: the selected week's part and the
+// part that stands whatever week is selected, each through the store's
+// streamed walks and the core's own calculators.
 #pragma once
 
 #include <vector>
@@ -25,7 +23,22 @@ struct InsightsRequest {
     long long dailyGoalMinutes = 0;
 };
 
-// Fails with the store's error.
+// The selected week: its sessions with every figure, the seven weeks before
+// it by their totals (the trend and the insights' comparison) and the
+// insights with the dismissals marked. Fails with the store's error.
+Result<InsightsWeekData, StoreError> readInsightsWeek(
+    recording::SessionHistoryReader& reader, const LocalCalendar& calendar,
+    const InsightsRequest& request,
+    const std::vector<insights::InsightDismissalRecord>& dismissals);
+
+// The year calendar, the current streak and the personal records at
+// `request.now` (the selected week plays no part). Fails with the store's
+// error.
+Result<InsightsStandingData, StoreError> readInsightsStanding(
+    recording::SessionHistoryReader& reader, recording::RecordingStore& store,
+    const LocalCalendar& calendar, const InsightsRequest& request);
+
+// Both of the above. Fails with the store's error.
 Result<InsightsData, StoreError> readInsightsData(
     recording::SessionHistoryReader& reader, recording::RecordingStore& store,
     const LocalCalendar& calendar, const InsightsRequest& request,

@@ -130,7 +130,7 @@ std::string activeDaysNeededText(int days) {
 }
 
 InsightsView makeInsightsView(const InsightsData& data, const LocalCalendar& calendar) {
-    const insights::WeeklyFigures& figures = data.figures;
+    const insights::WeeklyFigures& figures = data.week.figures;
     InsightsView view;
     view.weekTitle =
         receiptDayRangeText(figures.days.front().start, figures.days.back().start, calendar);
@@ -149,7 +149,7 @@ InsightsView makeInsightsView(const InsightsData& data, const LocalCalendar& cal
     }
 
     fillCharts(view, figures);
-    for (const insights::WeeklyFigures& week : data.trend) {
+    for (const insights::WeeklyFigures& week : data.week.trend) {
         view.focusTrend.points.push_back(
             {trendWeekLabel(week.period.start, calendar), week.focusScore});
     }
@@ -157,27 +157,28 @@ InsightsView makeInsightsView(const InsightsData& data, const LocalCalendar& cal
     view.topFocused = lines(figures.topFocused);
     view.topDistracting = lines(figures.topDistracting);
 
-    view.locked = !data.availability.isReady();
-    view.availabilityTitle = std::string(data.availability.title());
-    view.availabilityMessage = data.availability.message();
-    view.daysNeeded = activeDaysNeededText(data.availability.activeDaysNeeded());
+    view.locked = !data.week.availability.isReady();
+    view.availabilityTitle = std::string(data.week.availability.title());
+    view.availabilityMessage = data.week.availability.message();
+    view.daysNeeded = activeDaysNeededText(data.week.availability.activeDaysNeeded());
     if (!view.locked) {
-        for (const insights::LocalInsightFact& fact : data.facts) {
+        for (const insights::LocalInsightFact& fact : data.week.facts) {
             if (!fact.isDismissed) {
                 view.cards.push_back(cardOf(fact));
             }
         }
         if (view.cards.empty()) {
             view.noCards =
-                std::string(data.facts.empty() ? kNoInsightsText : kAllInsightsDismissedText);
+                std::string(data.week.facts.empty() ? kNoInsightsText : kAllInsightsDismissedText);
         }
     }
 
-    view.personalBests = personalBests(data.records, calendar);
+    view.personalBests = personalBests(data.standing.records, calendar);
     if (view.personalBests.empty()) {
         view.noPersonalBests = std::string(kNoPersonalBestsText);
     }
-    view.year = makeYearCalendar(data.year, data.now, data.currentStreak, calendar);
+    view.year =
+        makeYearCalendar(data.standing.year, data.now, data.standing.currentStreak, calendar);
     return view;
 }
 

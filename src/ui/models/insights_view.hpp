@@ -24,19 +24,29 @@ namespace lumenote::ui::models {
 // The weeks of the focus-score trend, the selected one last.
 inline constexpr int kFocusTrendWeeks = 8;
 
-// What the page reads for a week, all from the core.
-struct InsightsData {
-    insights::WeeklyFigures figures;  // the selected week
+// What the page reads for the selected week, all from the core.
+struct InsightsWeekData {
+    insights::WeeklyFigures figures;
     // The kFocusTrendWeeks weeks ending with the selected one, oldest first.
     std::vector<insights::WeeklyFigures> trend;
     insights::InsightsAvailability availability;
     // In kind order, dismissed ones marked.
     std::vector<insights::LocalInsightFact> facts;
+};
+
+// What the page reads whatever week is selected: it changes only with the
+// history, so moving between weeks reads it no more.
+struct InsightsStandingData {
     insights::PersonalRecords records;
     // The weeks of yearCalendarWeeks(now), oldest first.
     std::vector<insights::WeeklyFigures> year;
     int currentStreak = 0;
-    Date now;
+};
+
+struct InsightsData {
+    InsightsWeekData week;
+    InsightsStandingData standing;
+    Date now;  // when both were read
 };
 
 // A headline figure: its value and caption, or, where it means nothing, the

@@ -249,9 +249,9 @@ TEST_F(InsightsViewTest, DismissingAnInsightHidesItUntilItsEvidenceChanges) {
     fillTwoWeeks();
     const Date now = at("2026-11-26T10:00:00+01:00");
     const InsightsData data = dataOf(now, now);
-    ASSERT_FALSE(data.facts.empty());
-    ASSERT_EQ(data.facts[1].title, "Typical session length");
-    ASSERT_TRUE(dismissals_.dismiss(data.facts[1]));
+    ASSERT_FALSE(data.week.facts.empty());
+    ASSERT_EQ(data.week.facts[1].title, "Typical session length");
+    ASSERT_TRUE(dismissals_.dismiss(data.week.facts[1]));
 
     const std::vector<std::string> remaining{"Focus score trend", "Strongest study day",
                                              "Longest focus block", "Most-studied subject",
@@ -271,7 +271,7 @@ TEST_F(InsightsViewTest, DismissingAnInsightHidesItUntilItsEvidenceChanges) {
 TEST_F(InsightsViewTest, EveryInsightDismissedSaysSoInsteadOfAnEmptyCard) {
     fillTwoWeeks();
     const Date now = at("2026-11-26T10:00:00+01:00");
-    for (const insights::LocalInsightFact& fact : dataOf(now, now).facts) {
+    for (const insights::LocalInsightFact& fact : dataOf(now, now).week.facts) {
         ASSERT_TRUE(dismissals_.dismiss(fact));
     }
     const InsightsView view = viewOf(now, now);
