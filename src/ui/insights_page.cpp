@@ -172,9 +172,9 @@ void InsightsPage::buildBody(QVBoxLayout* layout) {
     scroll->setFrameShape(QFrame::NoFrame);
     content_ = new QWidget(scroll);
     content_->setAutoFillBackground(false);
-    auto* grid = new QGridLayout(content_);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->setSpacing(12);
+    auto* column = new QVBoxLayout(content_);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(12);
 
     auto* glance = new design::Card(QStringLiteral("Week at a glance"), {}, content_);
     auto* metrics = new QHBoxLayout;
@@ -190,23 +190,31 @@ void InsightsPage::buildBody(QVBoxLayout* layout) {
     emptyWeek_ = mutedLabel({}, glance);
     emptyWeek_->setObjectName(QStringLiteral("insightsEmptyWeek"));
     glance->bodyLayout()->addWidget(emptyWeek_);
-    grid->addWidget(glance, 0, 0, 1, 2);
+    column->addWidget(glance);
 
-    grid->addWidget(chartCard(QStringLiteral("Study time per day"), perDay_, content_), 1, 0);
-    grid->addWidget(chartCard(QStringLiteral("Classes per day"), classes_, content_), 1, 1);
-    grid->addWidget(chartCard(QStringLiteral("Focus score, last 8 weeks"), trend_, content_), 2, 0);
-    grid->addWidget(listCard(QStringLiteral("Time per subject"), subjects_, content_), 2, 1);
-    grid->addWidget(listCard(QStringLiteral("Top Focused activities"), topFocused_, content_), 3,
-                    0);
-    grid->addWidget(
-        listCard(QStringLiteral("Top Distracting activities"), topDistracting_, content_), 3, 1);
+    // The two charts of the days side by side; the trend across the whole
+    // width, so that its eight week labels have room; the three lists in a
+    // row, as each is short.
+    auto* days = new QHBoxLayout;
+    days->setSpacing(12);
+    days->addWidget(chartCard(QStringLiteral("Study time per day"), perDay_, content_), 1);
+    days->addWidget(chartCard(QStringLiteral("Classes per day"), classes_, content_), 1);
+    column->addLayout(days);
+    column->addWidget(chartCard(QStringLiteral("Focus score, last 8 weeks"), trend_, content_));
+    auto* lists = new QHBoxLayout;
+    lists->setSpacing(12);
+    lists->addWidget(listCard(QStringLiteral("Time per subject"), subjects_, content_), 1);
+    lists->addWidget(listCard(QStringLiteral("Top Focused activities"), topFocused_, content_), 1);
+    lists->addWidget(
+        listCard(QStringLiteral("Top Distracting activities"), topDistracting_, content_), 1);
+    column->addLayout(lists);
 
     insightsCard_ = new design::Card(QStringLiteral("Insights"), {}, content_);
     insightsCard_->setObjectName(QStringLiteral("insightsCards"));
     insights_ = new QVBoxLayout;
     insights_->setSpacing(10);
     insightsCard_->bodyLayout()->addLayout(insights_);
-    grid->addWidget(insightsCard_, 4, 0, 1, 2);
+    column->addWidget(insightsCard_);
 
     auto* yearCard = new design::Card(QStringLiteral("Study calendar"), {}, content_);
     year_ = new design::YearCalendarView(yearCard);
@@ -223,13 +231,10 @@ void InsightsPage::buildBody(QVBoxLayout* layout) {
     yearLine->addWidget(yearSummary_, 1);
     yearCard->bodyLayout()->addLayout(yearLine);
     yearCard->bodyLayout()->addWidget(year_);
-    grid->addWidget(yearCard, 5, 0, 1, 2);
+    column->addWidget(yearCard);
 
-    grid->addWidget(listCard(QStringLiteral("Personal bests"), personalBests_, content_), 6, 0, 1,
-                    2);
-    grid->setColumnStretch(0, 1);
-    grid->setColumnStretch(1, 1);
-    grid->setRowStretch(7, 1);
+    column->addWidget(listCard(QStringLiteral("Personal bests"), personalBests_, content_));
+    column->addStretch(1);
     scroll->setWidget(content_);
     layout->addWidget(scroll, 1);
 }
