@@ -15,8 +15,8 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
-#include "cli/study_streak.hpp"
 #include "insights/first_weekday.hpp"
+#include "insights/study_streak.hpp"
 #include "insights/weekly_figures.hpp"
 #include "recording/session_messages.hpp"
 #include "settings/json_file_defaults_domain.hpp"
@@ -106,10 +106,14 @@ void saveWeeklyReceipt(CliContext& context, HistoryEnvironment& environment,
     // Only the week that holds today may show today's streak.
     std::optional<int> streak;
     if (week.dayIndex(environment.now())) {
-        streak = readCurrentStreak(context, environment);
-        if (!streak) {
+        auto read = insights::readCurrentStudyStreak(environment.historyReader(), calendar,
+                                                     environment.now(), {});
+        if (!read) {
+            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                        read.error().description));
             return;
         }
+        streak = *read;
     }
     const auto figures =
         insights::computeWeeklyFigures(*sessions, week, calendar, dailyGoalMinutes);

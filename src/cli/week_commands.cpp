@@ -15,13 +15,13 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
-#include "cli/study_streak.hpp"
 #include "foundation/numeric.hpp"
 #include "insights/first_weekday.hpp"
 #include "insights/insight_dismissal_store.hpp"
 #include "insights/insight_text.hpp"
 #include "insights/insights_availability.hpp"
 #include "insights/local_insights.hpp"
+#include "insights/study_streak.hpp"
 #include "insights/weekly_figures.hpp"
 #include "recording/focus_score_text.hpp"
 #include "recording/session_figures.hpp"
@@ -200,9 +200,14 @@ void installWeek(CLI::App& app, CliContext& context) {
             insights::weekContaining(*date, calendar, insights::localeFirstWeekday());
         const auto sessions =
             readWeek(context, *environment, week.range(), insights::SnapshotDetail::full);
-        const auto currentStreak =
-            sessions ? readCurrentStreak(context, *environment) : std::nullopt;
+        if (!sessions) {
+            return;
+        }
+        const auto currentStreak = insights::readCurrentStudyStreak(
+            environment->historyReader(), calendar, environment->now(), {});
         if (!currentStreak) {
+            context.refuse(historyCommandFailureMessage(HistoryCommandFailure::historyUnreadable,
+                                                        currentStreak.error().description));
             return;
         }
         const auto figures = insights::computeWeeklyFigures(

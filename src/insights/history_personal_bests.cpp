@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "foundation/numeric.hpp"
+#include "insights/focus_candidates.hpp"
 #include "insights/session_snapshot.hpp"
 #include "recording/study_time.hpp"
 
@@ -15,43 +16,6 @@ namespace {
 using recording::PersonalBest;
 using recording::PersonalBestKind;
 using recording::StudySession;
-
-// A session whose longest Focused run may reach the new one: its Focused
-// total, the run's upper bound, and its identifier.
-struct FocusCandidate {
-    double focused = 0.0;
-    Uuid id;
-};
-
-bool largerTotal(const FocusCandidate& a, const FocusCandidate& b) {
-    return a.focused > b.focused;
-}
-
-// The kMaximumFocusRunsChecked candidates with the largest Focused totals and
-// how many there were in all: the walk holds no more than that, however long
-// the history.
-class FocusCandidates {
-  public:
-    void add(FocusCandidate candidate) {
-        ++count_;
-        largest_.push_back(std::move(candidate));
-        std::push_heap(largest_.begin(), largest_.end(), largerTotal);
-        if (largest_.size() > kMaximumFocusRunsChecked) {
-            std::pop_heap(largest_.begin(), largest_.end(), largerTotal);
-            largest_.pop_back();
-        }
-    }
-    std::size_t count() const { return count_; }
-    // Largest Focused total first.
-    std::vector<FocusCandidate> largestFirst() && {
-        std::sort_heap(largest_.begin(), largest_.end(), largerTotal);
-        return std::move(largest_);
-    }
-
-  private:
-    std::vector<FocusCandidate> largest_;  // a heap with the smallest total on top
-    std::size_t count_ = 0;
-};
 
 struct HistoryWalk {
     EarlierRecords records;

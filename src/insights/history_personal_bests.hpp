@@ -18,6 +18,7 @@
 
 #include "foundation/dates.hpp"
 #include "insights/analytics_count_rule.hpp"
+#include "insights/focus_candidates.hpp"
 #include "insights/personal_bests.hpp"
 #include "recording/personal_best.hpp"
 #include "recording/recording_preferences.hpp"
@@ -25,8 +26,6 @@
 #include "recording/session_history_reader.hpp"
 
 namespace lumenote::insights {
-
-inline constexpr std::size_t kMaximumFocusRunsChecked = 64;
 
 struct HistoryPersonalBestsDependencies {
     recording::SessionHistoryReader& reader;

@@ -19,6 +19,13 @@ struct InsightsAvailability {
     int completedSessions = 0;
 
     bool isReady() const { return activeStudyDays >= kActiveDaysToUnlockInsights; }
+    // How many more active study days the week needs before insights unlock;
+    // 0 once they are ready.
+    int activeDaysNeeded() const {
+        return activeStudyDays >= kActiveDaysToUnlockInsights
+                   ? 0
+                   : kActiveDaysToUnlockInsights - activeStudyDays;
+    }
     // "Insights are ready" or "Not enough study days yet".
     std::string_view title() const;
     // The message under the title; the locked one names the active days with

@@ -59,6 +59,12 @@ WeeklyFigures computeWeeklyFigures(const std::vector<SessionSnapshot>& sessions,
         ++figuresOfDay.sessions;
         figuresOfDay.studyTime = addClampedDuration(figuresOfDay.studyTime, session.studyTime);
         figuresOfDay.focused = addClampedDuration(figuresOfDay.focused, session.focused);
+        figuresOfDay.distracted = addClampedDuration(figuresOfDay.distracted, session.distracted);
+        figuresOfDay.neutral = addClampedDuration(figuresOfDay.neutral, session.neutral);
+        figuresOfDay.unclassified =
+            addClampedDuration(figuresOfDay.unclassified, session.unclassified);
+        figuresOfDay.passiveStudy =
+            addClampedDuration(figuresOfDay.passiveStudy, session.passiveStudy);
         ++figures.sessions;
         figures.studyTime = addClampedDuration(figures.studyTime, session.studyTime);
         figures.passiveStudy = addClampedDuration(figures.passiveStudy, session.passiveStudy);

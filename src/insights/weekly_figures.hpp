@@ -42,7 +42,13 @@ struct DayFigures {
     unsigned weekday = 0;  // 0 Sunday ... 6 Saturday
     int sessions = 0;
     double studyTime = 0.0;  // seconds
+    // The day's computer study by class and its confirmed study away, in
+    // seconds: what a chart of the classes per day piles up.
     double focused = 0.0;
+    double distracted = 0.0;
+    double neutral = 0.0;
+    double unclassified = 0.0;
+    double passiveStudy = 0.0;
     // Study time as a percentage of the daily goal (0...100); nullopt when
     // no goal is set.
     std::optional<double> goalProgressPercent;

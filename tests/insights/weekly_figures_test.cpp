@@ -108,12 +108,23 @@ TEST(WeeklyFigures, StudyTimeAddsConfirmedStudyAwayButTheScoreReadsOnlyEvidence)
     away.unclassified = 20;
     away.passiveStudy = 600;
     away.studyTime = 45 + 15 + 100 + 20 + 600;
-    const WeeklyFigures figures = computeWeeklyFigures({away}, week, calendar, 0);
-    EXPECT_EQ(figures.studyTime, 780);
-    EXPECT_EQ(figures.computerStudy, 180);
+    SessionSnapshot later = snapshot(at("2026-11-17T20:00:00Z"), 5, 30);
+    later.studyTime = 35;
+    const WeeklyFigures figures = computeWeeklyFigures({away, later}, week, calendar, 0);
+    EXPECT_EQ(figures.studyTime, 815);
+    EXPECT_EQ(figures.computerStudy, 215);
     EXPECT_EQ(figures.passiveStudy, 600);
+    // The day keeps each class apart, as a chart of the classes per day
+    // piles them.
+    const DayFigures& tuesday = figures.days[1];
+    EXPECT_EQ(tuesday.focused, 50);
+    EXPECT_EQ(tuesday.distracted, 45);
+    EXPECT_EQ(tuesday.neutral, 100);
+    EXPECT_EQ(tuesday.unclassified, 20);
+    EXPECT_EQ(tuesday.passiveStudy, 600);
+    EXPECT_EQ(figures.days[0].distracted, 0);
     ASSERT_TRUE(figures.focusScore.has_value());
-    EXPECT_DOUBLE_EQ(*figures.focusScore, 75.0);
+    EXPECT_DOUBLE_EQ(*figures.focusScore, 50.0 / 95.0 * 100.0);
 }
 
 TEST(WeeklyFigures, TheWeeklyScoreNeedsAMinuteOfEvidenceAcrossSessions) {
