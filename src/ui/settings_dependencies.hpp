@@ -1,0 +1,35 @@
+// What the Settings page works through: the services the application made
+// once at start-up, passed by reference, and the few runtime facts that only
+// the application knows, passed as functions.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "foundation/dates.hpp"
+#include "foundation/user_paths.hpp"
+#include "recording/history_import.hpp"
+#include "recording/recording_store.hpp"
+#include "recording/session_history.hpp"
+#include "recording/session_history_reader.hpp"
+#include "recording/time_providers.hpp"
+#include "settings/preferences_store.hpp"
+
+namespace lumenote::ui {
+
+// Every reference must outlive the page.
+struct SettingsDependencies {
+    settings::PreferencesStore& preferences;
+    recording::RecordingStore& store;
+    recording::SessionHistoryReader& historyReader;
+    recording::HistoryImporter& importer;
+    recording::SessionHistory& history;
+    recording::WallClock& wallClock;
+    // The local time backups are named and previews are shown in.
+    LocalCalendar calendar;
+    UserPaths paths;
+    // Written into every backup.
+    std::string appVersion;
+};
+
+}  // namespace lumenote::ui

@@ -1,0 +1,45 @@
+// The Settings page: a list of sections on the left and the chosen section
+// on the right, each in its own scroll area. Every control is bound to its
+// preference or to the store operation it stands for; what the page does to
+// the history is announced so that the other pages read it again.
+#pragma once
+
+#include <QWidget>
+
+#include "ui/settings_dependencies.hpp"
+
+class QListWidget;
+class QStackedWidget;
+
+namespace lumenote::ui {
+
+class DataSettingsSection;
+
+class SettingsPage final : public QWidget {
+    Q_OBJECT
+
+  public:
+    // The sections, in the order listed.
+    enum class Section { data };
+
+    // Everything in `dependencies` must outlive the page.
+    explicit SettingsPage(SettingsDependencies dependencies, QWidget* parent = nullptr);
+    ~SettingsPage() override;
+
+    void showSection(Section section);
+    Section currentSection() const;
+
+    DataSettingsSection& data() { return *data_; }
+
+  Q_SIGNALS:
+    // The stored history changed (a restore, a delete-all or a reset).
+    void historyChanged();
+
+  private:
+    SettingsDependencies dependencies_;
+    QListWidget* sections_;
+    QStackedWidget* pages_;
+    DataSettingsSection* data_;
+};
+
+}  // namespace lumenote::ui

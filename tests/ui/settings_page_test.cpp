@@ -1,0 +1,346 @@
+// The Settings page under Qt's offscreen platform over a real store file and
+// real backup files in a temporary home: a restore shows its validation
+// report and replaces nothing until RESTORE is typed exactly; a reset and a
+// delete-all wait for their own words.
+#include "ui/settings_page.hpp"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include "ui/offscreen_application.hpp"
+
+#include "platform/fake/fake_platform.hpp"
+#include "portability/automatic_backups.hpp"
+#include "settings/in_memory_defaults_domain.hpp"
+#include "settings/preference_keys.hpp"
+#include "settings/preferences_store.hpp"
+#include "settings/recording_preferences_adapter.hpp"
+#include "store/sqlite_recording_store.hpp"
+#include "support/temporary_home.hpp"
+#include "ui/appearance.hpp"
+#include "ui/models/receipt_options.hpp"
+#include "ui/settings_data_section.hpp"
+
+namespace lumenote::ui {
+namespace {
+
+// 2026-09-21, a Monday morning in UTC.
+const Date kNow = Date::fromUnixSeconds(1'790'000'000.0);
+
+class SettingsPageTest : public ::testing::Test {
+  protected:
+    static void SetUpTestSuite() { lumenote::testing::ensureOffscreenApplication(); }
+
+    void SetUp() override {
+        auto opened =
+            store::SqliteRecordingStore::open(home_.paths().applicationData() / "store.sqlite");
+        ASSERT_TRUE(opened.ok());
+        store_ = std::move(*opened);
+        for (int number = 1; number <= 3; ++number) {
+            addSession(number, recording::StudySessionStatus::completed);
+        }
+        ASSERT_TRUE(store_
+                        ->saveAppClassification({"org.gnome.TextEditor", "Text Editor", "focused",
+                                                 kNow.addingSeconds(-86400.0)})
+                        .ok());
+        rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
+        history_ = std::make_unique<recording::SessionHistory>(
+            machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+        page_ = std::make_unique<SettingsPage>(SettingsDependencies{
+            .preferences = preferences_,
+            .store = *store_,
+            .historyReader = *store_,
+            .importer = *store_,
+            .history = *history_,
+            .wallClock = machine_.clock.wall(),
+            .calendar = LocalCalendar::utc(),
+            .paths = home_.paths(),
+            .appVersion = "1.4.0",
+        });
+        page_->resize(960, 720);
+        page_->show();
+    }
+
+    void addSession(int number, recording::StudySessionStatus status) {
+        Uuid::Bytes bytes{};
+        bytes[15] = static_cast<std::uint8_t>(number);
+        const Date start = kNow.addingSeconds(-86400.0 * number);
+        recording::StudySession session(Uuid(bytes), "Subject " + std::to_string(number), "", 0.0,
+                                        start);
+        session.timerDuration = 1500.0;
+        if (status == recording::StudySessionStatus::completed) {
+            session.endDate = start.addingSeconds(1500.0);
+        }
+        session.setStatus(status);
+        recording::StoreChangeSet changes;
+        changes.sessions.push_back(session);
+        ASSERT_TRUE(store_->apply(changes).ok());
+    }
+
+    std::size_t sessions() { return *store_->sessionCount(); }
+
+    template <typename T>
+    T* child(const char* name) {
+        T* found = page_->findChild<T*>(QLatin1String(name));
+        EXPECT_NE(found, nullptr) << name;
+        return found;
+    }
+
+    QString labelText(const char* name) { return child<QLabel>(name)->text(); }
+    // Whether `name` shows when its section is the one on screen.
+    bool shown(const char* name) {
+        QWidget* widget = child<QWidget>(name);
+        QWidget* section = widget;
+        while (section != nullptr && !section->objectName().endsWith("Section")) {
+            section = section->parentWidget();
+        }
+        return widget->isVisibleTo(section);
+    }
+
+    // Types `text` into the confirmation field `name` after emptying it.
+    void typeInto(const char* name, const QString& text) {
+        auto* field = child<QLineEdit>(name);
+        field->clear();
+        QTest::keyClicks(field, text);
+    }
+
+    // Presses `button` from the keyboard, as a person tabbing to it would:
+    // a disabled button does nothing.
+    static void press(QAbstractButton* button) {
+        button->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(button, Qt::Key_Space);
+    }
+
+    std::filesystem::path backupPath() const { return home_.root() / "history.tallywisebackup"; }
+
+    platform::fake::FakeMachine machine_{kNow};
+    lumenote::testing::TemporaryHome home_;
+    settings::InMemoryDefaultsDomain defaults_;
+    settings::PreferencesStore preferences_{defaults_};
+    settings::PreferencesForRecording recordingPreferences_{preferences_};
+    std::unique_ptr<store::SqliteRecordingStore> store_;
+    std::unique_ptr<classification::ClassificationRules> rules_;
+    std::unique_ptr<recording::SessionHistory> history_;
+    std::unique_ptr<SettingsPage> page_;
+};
+
+TEST_F(SettingsPageTest, ReplaceRestoresOnlyOnceRestoreIsTypedExactly) {
+    page_->showSection(SettingsPage::Section::data);
+    ASSERT_TRUE(page_->data().backUpTo(backupPath()));
+    EXPECT_TRUE(labelText("dataOutcome").startsWith("History backup created and verified"));
+    addSession(4, recording::StudySessionStatus::completed);
+    ASSERT_EQ(sessions(), 4u);
+
+    ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    EXPECT_TRUE(shown("restorePreview"));
+    const QString report = labelText("restorePreviewLines");
+    EXPECT_TRUE(report.contains("Made by Lumenote 1.4.0 on Monday 21 September 2026"))
+        << report.toStdString();
+    EXPECT_TRUE(
+        report.contains("Sessions: 3\nActivity segments: 0\nClassification rules: 1\n"
+                        "Supported preferences only"))
+        << report.toStdString();
+
+    QSignalSpy changed(page_.get(), &SettingsPage::historyChanged);
+    auto* replace = child<QPushButton>("replaceButton");
+    for (const QString& almost : {QStringLiteral("restore"), QStringLiteral("RESTOR"),
+                                  QStringLiteral("RESTORE "), QStringLiteral(" RESTORE")}) {
+        typeInto("replaceConfirmation", almost);
+        EXPECT_FALSE(replace->isEnabled()) << almost.toStdString();
+        QTest::keyClick(child<QLineEdit>("replaceConfirmation"), Qt::Key_Return);
+        press(replace);
+    }
+    EXPECT_EQ(sessions(), 4u);
+    EXPECT_EQ(changed.count(), 0);
+
+    typeInto("replaceConfirmation", "RESTORE");
+    ASSERT_TRUE(replace->isEnabled());
+    press(replace);
+    EXPECT_EQ(sessions(), 3u);
+    EXPECT_EQ(changed.count(), 1);
+    EXPECT_TRUE(labelText("dataOutcome")
+                    .startsWith("Restore complete: 3 sessions added, 0 duplicates skipped, 0 rule "
+                                "conflicts preserved locally."));
+    EXPECT_FALSE(shown("restorePreview"));
+    EXPECT_FALSE(shown("dataBanner"));
+    // The previous data was kept first, in the automatic backups.
+    EXPECT_EQ(lumenote::testing::namesIn(portability::automaticBackupFolder(home_.paths())).size(),
+              1u);
+}
+
+TEST_F(SettingsPageTest, MergeAddsWhatIsMissingAndSkipsTheRest) {
+    ASSERT_TRUE(page_->data().backUpTo(backupPath()));
+    Uuid::Bytes first{};
+    first[15] = 1;
+    ASSERT_TRUE(history_->deleteSessions({Uuid(first)}).ok());
+    ASSERT_EQ(sessions(), 2u);
+
+    ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    press(child<QPushButton>("mergeButton"));
+    EXPECT_EQ(sessions(), 3u);
+    EXPECT_EQ(labelText("dataOutcome"),
+              "Restore complete: 1 sessions added, 2 duplicates skipped, 0 rule conflicts "
+              "preserved locally.");
+
+    // Merging the same backup again adds nothing.
+    ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    press(child<QPushButton>("mergeButton"));
+    EXPECT_EQ(sessions(), 3u);
+    EXPECT_TRUE(
+        labelText("dataOutcome").startsWith("Restore complete: 0 sessions added, 3 duplicates"));
+}
+
+TEST_F(SettingsPageTest, ABackupThatFailsValidationShowsWhyAndNoPreview) {
+    ASSERT_TRUE(page_->data().backUpTo(backupPath()));
+    ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    ASSERT_TRUE(shown("restorePreview"));
+
+    const std::filesystem::path broken = home_.root() / "broken.tallywisebackup";
+    lumenote::testing::writeFile(broken, "{\"formatVersion\": 1, ");
+    EXPECT_FALSE(page_->data().previewRestore(broken));
+    EXPECT_FALSE(shown("restorePreview"));
+    EXPECT_TRUE(shown("dataBanner"));
+    EXPECT_TRUE(
+        labelText("dataBanner")
+            .startsWith("Restore validation failed: The backup contains an invalid record: "));
+
+    const std::filesystem::path wrongName = home_.root() / "history.json";
+    lumenote::testing::writeFile(wrongName, "{}");
+    EXPECT_FALSE(page_->data().previewRestore(wrongName));
+    EXPECT_EQ(labelText("dataBanner"),
+              "Restore validation failed: Choose a .tallywisebackup file.");
+
+    std::filesystem::create_directories(home_.root() / "folder.tallywisebackup");
+    EXPECT_FALSE(page_->data().previewRestore(home_.root() / "folder.tallywisebackup"));
+    EXPECT_EQ(labelText("dataBanner"),
+              "Restore validation failed: The selected backup must be a regular file, not a "
+              "folder or symbolic link.");
+    EXPECT_EQ(sessions(), 3u);
+}
+
+TEST_F(SettingsPageTest, ResetWaitsForResetAndClearsHistoryRulesAndPreferences) {
+    preferences_.setAppearance(settings::TallywiseAppearance::dark);
+    preferences_.setInactivityThreshold(600.0);
+    models::writeReceiptOptions(defaults_, {.includeGoal = false, .includeExactTimes = true});
+    page_->showSection(SettingsPage::Section::data);
+
+    auto* reset = child<QPushButton>("resetButton");
+    for (const QString& almost :
+         {QStringLiteral("reset"), QStringLiteral("RESE"), QStringLiteral("RESTORE")}) {
+        typeInto("resetConfirmation", almost);
+        EXPECT_FALSE(reset->isEnabled()) << almost.toStdString();
+    }
+    EXPECT_EQ(sessions(), 3u);
+    typeInto("resetConfirmation", "RESET");
+    QTest::keyClick(child<QLineEdit>("resetConfirmation"), Qt::Key_Return);
+
+    EXPECT_EQ(sessions(), 0u);
+    EXPECT_TRUE(store_->appClassifications()->empty());
+    EXPECT_EQ(preferences_.appearance(), settings::TallywiseAppearance::system);
+    EXPECT_EQ(preferences_.inactivityThreshold(), 90.0);
+    EXPECT_EQ(models::readReceiptOptions(defaults_), models::ReceiptOptions{});
+    EXPECT_TRUE(child<QLineEdit>("resetConfirmation")->text().isEmpty());
+    EXPECT_FALSE(reset->isEnabled());
+}
+
+TEST_F(SettingsPageTest, DeleteAllWaitsForItsWordAndKeepsRulesAndPreferences) {
+    preferences_.setAppearance(settings::TallywiseAppearance::dark);
+    auto* remove = child<QPushButton>("deleteAllButton");
+    typeInto("deleteAllConfirmation", "delete");
+    EXPECT_FALSE(remove->isEnabled());
+    typeInto("deleteAllConfirmation", "DELETE");
+    press(remove);
+    EXPECT_EQ(sessions(), 0u);
+    EXPECT_EQ(labelText("dataOutcome"), "3 sessions deleted.");
+    EXPECT_EQ(store_->appClassifications()->size(), 1u);
+    EXPECT_EQ(preferences_.appearance(), settings::TallywiseAppearance::dark);
+}
+
+TEST_F(SettingsPageTest, AnActiveSessionRefusesResetDeleteAllAndBackupWithTheirSentences) {
+    addSession(9, recording::StudySessionStatus::running);
+    preferences_.setAppearance(settings::TallywiseAppearance::dark);
+    typeInto("resetConfirmation", "RESET");
+    press(child<QPushButton>("resetButton"));
+    EXPECT_EQ(labelText("dataBanner"), "End the active session before resetting Lumenote.");
+    typeInto("deleteAllConfirmation", "DELETE");
+    press(child<QPushButton>("deleteAllButton"));
+    EXPECT_EQ(labelText("dataBanner"), "End the active session before deleting all sessions.");
+    EXPECT_FALSE(page_->data().backUpTo(backupPath()));
+    EXPECT_EQ(labelText("dataBanner"),
+              "Finish the active session before creating or restoring a backup.");
+    EXPECT_FALSE(std::filesystem::exists(backupPath()));
+    EXPECT_EQ(sessions(), 4u);
+    EXPECT_EQ(preferences_.appearance(), settings::TallywiseAppearance::dark);
+}
+
+TEST_F(SettingsPageTest, ExportWritesTheFileOrShowsWhyNot) {
+    const portability::ExportRequest json{.format = portability::ExportFormat::json};
+    EXPECT_TRUE(page_->data().exportTo(home_.root() / "all.json", json));
+    EXPECT_EQ(labelText("dataOutcome"), "3 sessions exported.");
+    EXPECT_NE(lumenote::testing::readFile(home_.root() / "all.json").find("Subject 2"),
+              std::string::npos);
+    EXPECT_FALSE(page_->data().exportTo(home_.root() / "missing" / "all.json", json));
+    EXPECT_TRUE(shown("dataBanner"));
+    EXPECT_FALSE(shown("dataOutcome"));
+    EXPECT_FALSE(std::filesystem::exists(home_.root() / "missing"));
+}
+
+// Every control can be reached with Tab and says what it is.
+TEST_F(SettingsPageTest, EveryControlIsKeyboardReachableWithAName) {
+    for (const auto section : {SettingsPage::Section::data}) {
+        page_->showSection(section);
+        for (QWidget* widget : page_->findChildren<QWidget*>()) {
+            const bool control =
+                qobject_cast<QAbstractButton*>(widget) || qobject_cast<QLineEdit*>(widget) ||
+                qobject_cast<QComboBox*>(widget) || qobject_cast<QListWidget*>(widget);
+            if (!control || widget->parentWidget()->inherits("QComboBox") ||
+                widget->inherits("QScrollBar")) {
+                continue;
+            }
+            EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus) << widget->objectName().toStdString();
+            EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+        }
+    }
+}
+
+// With LUMENOTE_SCREENSHOT_DIR set, each section is written there in light
+// and dark for a person to look at.
+TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
+    const char* folder = std::getenv("LUMENOTE_SCREENSHOT_DIR");
+    ASSERT_TRUE(page_->data().backUpTo(backupPath()));
+    ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    AppearanceController appearance;
+    for (const auto& [mode, name] : {std::pair{settings::TallywiseAppearance::light, "light"},
+                                     std::pair{settings::TallywiseAppearance::dark, "dark"}}) {
+        appearance.apply(mode);
+        for (const auto& [section, sectionName] :
+             {std::pair{SettingsPage::Section::data, "data"}}) {
+            page_->showSection(section);
+            QApplication::processEvents();
+            const QImage image = page_->grab().toImage();
+            EXPECT_EQ(image.size(), page_->size() * image.devicePixelRatio());
+            if (folder != nullptr) {
+                QDir().mkpath(folder);
+                const QString stem = QStringLiteral("settings-%1-%2")
+                                         .arg(QLatin1String(sectionName), QLatin1String(name));
+                EXPECT_TRUE(image.save(QDir(folder).filePath(stem + ".png")));
+                // The whole section, below the fold too.
+                QWidget* whole = page_->findChild<QWidget*>(QLatin1String(sectionName) + "Section");
+                EXPECT_TRUE(whole->grab().save(QDir(folder).filePath(stem + "-whole.png")));
+            }
+        }
+    }
+    appearance.apply(settings::TallywiseAppearance::light);
+}
+
+}  // namespace
+}  // namespace lumenote::ui
