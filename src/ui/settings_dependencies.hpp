@@ -30,6 +30,10 @@ struct SettingsDependencies {
     UserPaths paths;
     // Written into every backup.
     std::string appVersion;
+    // Why the global shortcut is not registered, when it is not ("" when
+    // it is, or when it is off). Empty: the preferences' hotkey status
+    // message, which the shortcut coordinator keeps.
+    std::function<std::string()> shortcutUnavailableSentence;
 };
 
 }  // namespace lumenote::ui

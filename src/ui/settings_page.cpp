@@ -1,15 +1,39 @@
 #include "ui/settings_page.hpp"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QScrollArea>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 
 #include "ui/settings_data_section.hpp"
+#include "ui/settings_general_section.hpp"
 
 namespace lumenote::ui {
 
 namespace {
+
+// Section names drawn inset from the list's edges, highlight included, so
+// that the list reads as a sidebar rather than a table.
+class SectionDelegate final : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem inset = option;
+        inset.rect = option.rect.adjusted(kInset, 1, -kInset, -1);
+        QStyledItemDelegate::paint(painter, inset, index);
+    }
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        return QStyledItemDelegate::sizeHint(option, index) + QSize(2 * kInset, 14);
+    }
+
+  private:
+    static constexpr int kInset = 8;
+};
 
 QScrollArea* scrolled(QWidget* section, QWidget* parent) {
     auto* area = new QScrollArea(parent);
@@ -33,18 +57,18 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     sections_->setObjectName(QStringLiteral("settingsSections"));
     sections_->setAccessibleName(QStringLiteral("Settings sections"));
     sections_->setFrameShape(QFrame::NoFrame);
-    sections_->setStyleSheet(
-        QStringLiteral("QListWidget { padding: 12px 8px; }"
-                       "QListWidget::item { padding: 6px 10px; }"));
+    sections_->setItemDelegate(new SectionDelegate(sections_));
     pages_ = new QStackedWidget(this);
 
+    general_ = new GeneralSettingsSection(dependencies_);
     data_ = new DataSettingsSection(dependencies_);
     for (const auto& [name, section] :
-         {std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)}}) {
+         {std::pair{QStringLiteral("General"), static_cast<QWidget*>(general_)},
+          std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)}}) {
         sections_->addItem(name);
         pages_->addWidget(scrolled(section, pages_));
     }
-    sections_->setFixedWidth(sections_->sizeHintForColumn(0) + 56);
+    sections_->setFixedWidth(std::max(160, sections_->sizeHintForColumn(0) + 24));
     layout->addWidget(sections_);
     layout->addWidget(pages_, 1);
 
@@ -61,6 +85,10 @@ void SettingsPage::showSection(Section section) {
 
 SettingsPage::Section SettingsPage::currentSection() const {
     return static_cast<Section>(sections_->currentRow());
+}
+
+void SettingsPage::shortcutStateChanged() {
+    general_->shortcutStateChanged();
 }
 
 }  // namespace lumenote::ui

@@ -14,13 +14,14 @@ class QStackedWidget;
 namespace lumenote::ui {
 
 class DataSettingsSection;
+class GeneralSettingsSection;
 
 class SettingsPage final : public QWidget {
     Q_OBJECT
 
   public:
     // The sections, in the order listed.
-    enum class Section { data };
+    enum class Section { general, data };
 
     // Everything in `dependencies` must outlive the page.
     explicit SettingsPage(SettingsDependencies dependencies, QWidget* parent = nullptr);
@@ -29,7 +30,12 @@ class SettingsPage final : public QWidget {
     void showSection(Section section);
     Section currentSection() const;
 
+    GeneralSettingsSection& general() { return *general_; }
     DataSettingsSection& data() { return *data_; }
+
+  public Q_SLOTS:
+    // The global shortcut's registration changed: its sentence is read again.
+    void shortcutStateChanged();
 
   Q_SIGNALS:
     // The stored history changed (a restore, a delete-all or a reset).
@@ -39,6 +45,7 @@ class SettingsPage final : public QWidget {
     SettingsDependencies dependencies_;
     QListWidget* sections_;
     QStackedWidget* pages_;
+    GeneralSettingsSection* general_;
     DataSettingsSection* data_;
 };
 

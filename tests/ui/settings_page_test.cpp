@@ -1,10 +1,12 @@
 // The Settings page under Qt's offscreen platform over a real store file and
 // real backup files in a temporary home: a restore shows its validation
 // report and replaces nothing until RESTORE is typed exactly; a reset and a
-// delete-all wait for their own words.
+// delete-all wait for their own words; a control writes its preference, and
+// a refused key combination shows the shortcut's sentence instead.
 #include "ui/settings_page.hpp"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
@@ -29,6 +31,7 @@
 #include "ui/appearance.hpp"
 #include "ui/models/receipt_options.hpp"
 #include "ui/settings_data_section.hpp"
+#include "ui/settings_general_section.hpp"
 
 namespace lumenote::ui {
 namespace {
@@ -65,6 +68,7 @@ class SettingsPageTest : public ::testing::Test {
             .calendar = LocalCalendar::utc(),
             .paths = home_.paths(),
             .appVersion = "1.4.0",
+            .shortcutUnavailableSentence = [this] { return shortcutSentence_; },
         });
         page_->resize(960, 720);
         page_->show();
@@ -130,6 +134,7 @@ class SettingsPageTest : public ::testing::Test {
     std::unique_ptr<store::SqliteRecordingStore> store_;
     std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<recording::SessionHistory> history_;
+    std::string shortcutSentence_;
     std::unique_ptr<SettingsPage> page_;
 };
 
@@ -250,6 +255,8 @@ TEST_F(SettingsPageTest, ResetWaitsForResetAndClearsHistoryRulesAndPreferences) 
     EXPECT_EQ(models::readReceiptOptions(defaults_), models::ReceiptOptions{});
     EXPECT_TRUE(child<QLineEdit>("resetConfirmation")->text().isEmpty());
     EXPECT_FALSE(reset->isEnabled());
+    // The General section follows the store.
+    EXPECT_EQ(child<QComboBox>("appearance")->currentText(), "System");
 }
 
 TEST_F(SettingsPageTest, DeleteAllWaitsForItsWordAndKeepsRulesAndPreferences) {
@@ -294,9 +301,57 @@ TEST_F(SettingsPageTest, ExportWritesTheFileOrShowsWhyNot) {
     EXPECT_FALSE(std::filesystem::exists(home_.root() / "missing"));
 }
 
+TEST_F(SettingsPageTest, GeneralControlsWriteTheirPreferences) {
+    child<QComboBox>("appearance")->setCurrentIndex(2);
+    EXPECT_EQ(preferences_.appearance(), settings::TallywiseAppearance::dark);
+    auto* launch = child<QCheckBox>("launchAtLogin");
+    launch->setFocus();
+    QTest::keyClick(launch, Qt::Key_Space);
+    EXPECT_TRUE(preferences_.launchAtLogin());
+    EXPECT_EQ(settings::asBool(defaults_.object(settings::preference_keys::launchAtLogin)), true);
+    child<QCheckBox>("startHidden")->click();
+    EXPECT_TRUE(preferences_.startHidden());
+    EXPECT_EQ(labelText("shortcutState"), "The global shortcut is off.");
+    child<QCheckBox>("shortcutEnabled")->click();
+    EXPECT_TRUE(preferences_.globalHotkeyEnabled());
+    EXPECT_EQ(labelText("shortcutState"),
+              "Shift+Super+S opens the Lumenote panel, or pauses and resumes a running session.");
+
+    shortcutSentence_ = "A global shortcut needs at least one modifier key.";
+    page_->shortcutStateChanged();
+    EXPECT_EQ(labelText("shortcutState"), "A global shortcut needs at least one modifier key.");
+}
+
+TEST_F(SettingsPageTest, TheKeyRecorderStoresACombinationAndRefusesOneWithoutModifier) {
+    auto* recorder = child<QPushButton>("shortcutRecorder");
+    recorder->setFocus();
+    QTest::keyClick(recorder, Qt::Key_Space);
+    EXPECT_EQ(recorder->text(), "Press a key combination…");
+    QTest::keyClick(recorder, Qt::Key_K, Qt::ControlModifier | Qt::AltModifier);
+    EXPECT_EQ(preferences_.globalHotkey(), (settings::GlobalHotkeyBinding{0x28, 0x1800}));
+    EXPECT_EQ(recorder->text(), "Ctrl+Alt+K");
+    EXPECT_FALSE(shown("shortcutRefusal"));
+
+    QTest::keyClick(recorder, Qt::Key_Space);
+    QTest::keyClick(recorder, Qt::Key_K);
+    EXPECT_EQ(preferences_.globalHotkey(), (settings::GlobalHotkeyBinding{0x28, 0x1800}));
+    EXPECT_TRUE(shown("shortcutRefusal"));
+    EXPECT_EQ(labelText("shortcutRefusal"), "A global shortcut needs at least one modifier key.");
+
+    // Shift turns 1 into "!": the key is still 1. Escape alone cancels.
+    QTest::keyClick(recorder, Qt::Key_Space);
+    QTest::keyClick(recorder, Qt::Key_Exclam, Qt::ShiftModifier | Qt::ControlModifier);
+    EXPECT_EQ(preferences_.globalHotkey(), (settings::GlobalHotkeyBinding{0x12, 0x1200}));
+    EXPECT_FALSE(shown("shortcutRefusal"));
+    QTest::keyClick(recorder, Qt::Key_Space);
+    QTest::keyClick(recorder, Qt::Key_Escape);
+    EXPECT_EQ(recorder->text(), "Ctrl+Shift+1");
+    EXPECT_EQ(preferences_.globalHotkey(), (settings::GlobalHotkeyBinding{0x12, 0x1200}));
+}
+
 // Every control can be reached with Tab and says what it is.
 TEST_F(SettingsPageTest, EveryControlIsKeyboardReachableWithAName) {
-    for (const auto section : {SettingsPage::Section::data}) {
+    for (const auto section : {SettingsPage::Section::general, SettingsPage::Section::data}) {
         page_->showSection(section);
         for (QWidget* widget : page_->findChildren<QWidget*>()) {
             const bool control =
@@ -323,7 +378,8 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
                                      std::pair{settings::TallywiseAppearance::dark, "dark"}}) {
         appearance.apply(mode);
         for (const auto& [section, sectionName] :
-             {std::pair{SettingsPage::Section::data, "data"}}) {
+             {std::pair{SettingsPage::Section::general, "general"},
+              std::pair{SettingsPage::Section::data, "data"}}) {
             page_->showSection(section);
             QApplication::processEvents();
             const QImage image = page_->grab().toImage();
