@@ -14,6 +14,7 @@
 #include "recording/session_history_reader.hpp"
 #include "recording/time_providers.hpp"
 #include "settings/preferences_store.hpp"
+#include "settings/session_template_store.hpp"
 
 namespace lumenote::ui {
 
@@ -24,6 +25,7 @@ struct SettingsDependencies {
     recording::SessionHistoryReader& historyReader;
     recording::HistoryImporter& importer;
     recording::SessionHistory& history;
+    settings::SessionTemplateStore& templates;
     recording::WallClock& wallClock;
     // The local time backups are named and previews are shown in.
     LocalCalendar calendar;
@@ -34,6 +36,9 @@ struct SettingsDependencies {
     // it is, or when it is off). Empty: the preferences' hotkey status
     // message, which the shortcut coordinator keeps.
     std::function<std::string()> shortcutUnavailableSentence;
+    // The report of what this desktop lets Lumenote observe. Empty: the
+    // checks of `lumenote-cli check`, run on this machine.
+    std::function<std::string()> observedOnThisDesktop;
 };
 
 }  // namespace lumenote::ui

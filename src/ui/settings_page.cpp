@@ -10,6 +10,9 @@
 
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
+#include "ui/settings_notifications_section.hpp"
+#include "ui/settings_sessions_section.hpp"
+#include "ui/settings_tracking_section.hpp"
 
 namespace lumenote::ui {
 
@@ -61,9 +64,15 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     pages_ = new QStackedWidget(this);
 
     general_ = new GeneralSettingsSection(dependencies_);
+    sessions_ = new SessionsSettingsSection(dependencies_);
     data_ = new DataSettingsSection(dependencies_);
     for (const auto& [name, section] :
          {std::pair{QStringLiteral("General"), static_cast<QWidget*>(general_)},
+          std::pair{QStringLiteral("Sessions"), static_cast<QWidget*>(sessions_)},
+          std::pair{QStringLiteral("Tracking"),
+                    static_cast<QWidget*>(new TrackingSettingsSection(dependencies_))},
+          std::pair{QStringLiteral("Notifications"),
+                    static_cast<QWidget*>(new NotificationsSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)}}) {
         sections_->addItem(name);
         pages_->addWidget(scrolled(section, pages_));

@@ -15,13 +15,16 @@ namespace lumenote::ui {
 
 class DataSettingsSection;
 class GeneralSettingsSection;
+class NotificationsSettingsSection;
+class SessionsSettingsSection;
+class TrackingSettingsSection;
 
 class SettingsPage final : public QWidget {
     Q_OBJECT
 
   public:
     // The sections, in the order listed.
-    enum class Section { general, data };
+    enum class Section { general, sessions, tracking, notifications, data };
 
     // Everything in `dependencies` must outlive the page.
     explicit SettingsPage(SettingsDependencies dependencies, QWidget* parent = nullptr);
@@ -31,6 +34,7 @@ class SettingsPage final : public QWidget {
     Section currentSection() const;
 
     GeneralSettingsSection& general() { return *general_; }
+    SessionsSettingsSection& sessions() { return *sessions_; }
     DataSettingsSection& data() { return *data_; }
 
   public Q_SLOTS:
@@ -46,6 +50,7 @@ class SettingsPage final : public QWidget {
     QListWidget* sections_;
     QStackedWidget* pages_;
     GeneralSettingsSection* general_;
+    SessionsSettingsSection* sessions_;
     DataSettingsSection* data_;
 };
 

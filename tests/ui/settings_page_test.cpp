@@ -2,7 +2,8 @@
 // real backup files in a temporary home: a restore shows its validation
 // report and replaces nothing until RESTORE is typed exactly; a reset and a
 // delete-all wait for their own words; a control writes its preference, and
-// a refused key combination shows the shortcut's sentence instead.
+// a refused value (a key combination without modifier, a number out of
+// range, an invalid template) shows the sentence of the part that refused it.
 #include "ui/settings_page.hpp"
 
 #include <QApplication>
@@ -22,6 +23,7 @@
 
 #include "platform/fake/fake_platform.hpp"
 #include "portability/automatic_backups.hpp"
+#include "settings/file_session_template_repository.hpp"
 #include "settings/in_memory_defaults_domain.hpp"
 #include "settings/preference_keys.hpp"
 #include "settings/preferences_store.hpp"
@@ -32,6 +34,7 @@
 #include "ui/models/receipt_options.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
+#include "ui/settings_template_editor.hpp"
 
 namespace lumenote::ui {
 namespace {
@@ -64,11 +67,18 @@ class SettingsPageTest : public ::testing::Test {
             .historyReader = *store_,
             .importer = *store_,
             .history = *history_,
+            .templates = templates_,
             .wallClock = machine_.clock.wall(),
             .calendar = LocalCalendar::utc(),
             .paths = home_.paths(),
             .appVersion = "1.4.0",
             .shortcutUnavailableSentence = [this] { return shortcutSentence_; },
+            .observedOnThisDesktop =
+                [] {
+                    return std::string(
+                        "ok   frontmost application\n"
+                        "gap  idle time: no XScreenSaver");
+                },
         });
         page_->resize(960, 720);
         page_->show();
@@ -135,6 +145,11 @@ class SettingsPageTest : public ::testing::Test {
     std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<recording::SessionHistory> history_;
     std::string shortcutSentence_;
+    settings::FileSessionTemplateRepository templateFile_{
+        settings::FileSessionTemplateRepository::pathFor(home_.paths()),
+        [this] { return machine_.clock.wallNow(); }};
+    settings::SessionTemplateStore templates_{templateFile_,
+                                              [this] { return machine_.clock.wallNow(); }};
     std::unique_ptr<SettingsPage> page_;
 };
 
@@ -349,9 +364,111 @@ TEST_F(SettingsPageTest, TheKeyRecorderStoresACombinationAndRefusesOneWithoutMod
     EXPECT_EQ(preferences_.globalHotkey(), (settings::GlobalHotkeyBinding{0x12, 0x1200}));
 }
 
+TEST_F(SettingsPageTest, ANumberOutOfRangeIsClampedByTheStoreAndSaysItsRange) {
+    page_->showSection(SettingsPage::Section::tracking);
+    auto* inactivity = child<QLineEdit>("inactivityField");
+    EXPECT_EQ(inactivity->text(), "90");
+    for (const auto& [typed, held, sentence] :
+         {std::tuple{"600", 600.0, ""}, std::tuple{"30", 90.0, "Allowed range: 90–1800 seconds."},
+          std::tuple{"2400", 1800.0, "Allowed range: 90–1800 seconds."},
+          std::tuple{"1800", 1800.0, ""}, std::tuple{"soon", 1800.0, "Enter a number."}}) {
+        inactivity->setFocus();
+        inactivity->selectAll();
+        QTest::keyClicks(inactivity, typed);
+        QTest::keyClick(inactivity, Qt::Key_Return);
+        EXPECT_EQ(preferences_.inactivityThreshold(), held) << typed;
+        EXPECT_EQ(
+            settings::asDouble(defaults_.object(settings::preference_keys::inactivityThreshold)),
+            held)
+            << typed;
+        EXPECT_EQ(inactivity->text(), QString::number(held)) << typed;
+        EXPECT_EQ(labelText("inactivitySentence"), QString::fromUtf8(sentence)) << typed;
+        EXPECT_EQ(shown("inactivitySentence"), *sentence != 0) << typed;
+    }
+
+    // The default length is typed in minutes and stored in seconds.
+    auto* length = child<QLineEdit>("defaultLengthField");
+    EXPECT_EQ(length->text(), "25");
+    length->selectAll();
+    QTest::keyClicks(length, "50");
+    QTest::keyClick(length, Qt::Key_Return);
+    EXPECT_EQ(preferences_.defaultDuration(), 3000.0);
+}
+
+TEST_F(SettingsPageTest, SwitchesAndChoicesWriteTheirPreferences) {
+    child<QComboBox>("longSleep")->setCurrentIndex(3);
+    EXPECT_EQ(preferences_.longSleep(), settings::LongSleepPreference::never);
+    child<QCheckBox>("browserTracking")->click();
+    EXPECT_FALSE(preferences_.browserTrackingEnabled());
+    EXPECT_FALSE(child<QCheckBox>("hostnameTracking")->isEnabled());
+    child<QCheckBox>("notificationsEnabled")->click();
+    EXPECT_TRUE(preferences_.notificationsEnabled());
+    EXPECT_TRUE(child<QCheckBox>("notificationsIncludeSubject")->isEnabled());
+    child<QCheckBox>("rememberGoal")->click();
+    EXPECT_TRUE(preferences_.rememberLastGoal());
+    child<QComboBox>("defaultStudyMode")->setCurrentIndex(2);
+    EXPECT_EQ(preferences_.defaultStudyMode(), recording::StudySessionMode::offlineBookStudy);
+    auto* subject = child<QLineEdit>("defaultSubject");
+    QTest::keyClicks(subject, "  Organic chemistry ");
+    QTest::keyClick(subject, Qt::Key_Return);
+    EXPECT_EQ(preferences_.defaultSubject(), "Organic chemistry");
+    EXPECT_EQ(labelText("observedReport"),
+              "ok   frontmost application\ngap  idle time: no XScreenSaver");
+}
+
+TEST_F(SettingsPageTest, TemplatesAreAddedEditedAndDeletedThroughTheStore) {
+    auto* list = child<QListWidget>("templateList");
+    EXPECT_EQ(list->count(), 0);
+    EXPECT_FALSE(child<QPushButton>("templateEdit")->isEnabled());
+
+    TemplateEditor adding(templates_, std::nullopt);
+    adding.findChild<QLineEdit*>("templateName")->setText("Deep work");
+    adding.findChild<QLineEdit*>("templateSubject")->setText("Chemistry");
+    adding.findChild<QLineEdit*>("templateDuration")->setText("50");
+    ASSERT_TRUE(adding.save());
+    ASSERT_EQ(list->count(), 1);
+    EXPECT_EQ(list->item(0)->data(Qt::AccessibleTextRole).toString().toStdString(),
+              "Deep work, Chemistry · 50 min");
+    EXPECT_TRUE(
+        std::filesystem::exists(settings::FileSessionTemplateRepository::pathFor(home_.paths())));
+
+    // The store refuses a second template of the same name, and a length of
+    // over 12 hours; the editor stays open with the store's sentence.
+    TemplateEditor again(templates_, std::nullopt);
+    again.findChild<QLineEdit*>("templateName")->setText("DEEP WORK");
+    again.findChild<QLineEdit*>("templateSubject")->setText("Physics");
+    EXPECT_FALSE(again.save());
+    auto* refusal = again.findChild<QLabel*>("templateRefusal");
+    EXPECT_EQ(refusal->text(),
+              "Choose a distinct template name so it is clear which template you are using.");
+    again.findChild<QLineEdit*>("templateName")->setText("Long haul");
+    again.findChild<QLineEdit*>("templateDuration")->setText("721");
+    EXPECT_FALSE(again.save());
+    EXPECT_EQ(refusal->text(), "Choose a duration from 1 minute to 12 hours.");
+    again.findChild<QLineEdit*>("templateDuration")->setText("ten");
+    EXPECT_FALSE(again.save());
+    EXPECT_EQ(refusal->text(), "Enter the duration in minutes.");
+    EXPECT_EQ(templates_.templates().size(), 1u);
+
+    TemplateEditor editing(templates_, templates_.templates().front());
+    EXPECT_EQ(editing.findChild<QLineEdit*>("templateDuration")->text(), "50");
+    editing.findChild<QCheckBox*>("templateHasBreak")->click();
+    editing.findChild<QCheckBox*>("templateOpenEnded")->click();
+    ASSERT_TRUE(editing.save());
+    EXPECT_EQ(list->item(0)->data(Qt::AccessibleTextRole).toString().toStdString(),
+              "Deep work, Chemistry · open end, break 5 min");
+
+    list->setCurrentRow(0);
+    press(child<QPushButton>("templateDelete"));
+    EXPECT_EQ(list->count(), 0);
+    EXPECT_TRUE(templates_.templates().empty());
+}
+
 // Every control can be reached with Tab and says what it is.
 TEST_F(SettingsPageTest, EveryControlIsKeyboardReachableWithAName) {
-    for (const auto section : {SettingsPage::Section::general, SettingsPage::Section::data}) {
+    for (const auto section : {SettingsPage::Section::general, SettingsPage::Section::sessions,
+                               SettingsPage::Section::tracking,
+                               SettingsPage::Section::notifications, SettingsPage::Section::data}) {
         page_->showSection(section);
         for (QWidget* widget : page_->findChildren<QWidget*>()) {
             const bool control =
@@ -373,12 +490,20 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
     const char* folder = std::getenv("LUMENOTE_SCREENSHOT_DIR");
     ASSERT_TRUE(page_->data().backUpTo(backupPath()));
     ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    for (const auto& [name, subject, minutes] : {std::tuple{"Deep work", "Organic chemistry", 50.0},
+                                                 std::tuple{"Vocabulary", "Spanish", 15.0}}) {
+        ASSERT_TRUE(
+            templates_.create({.name = name, .subject = subject, .duration = minutes * 60}).ok());
+    }
     AppearanceController appearance;
     for (const auto& [mode, name] : {std::pair{settings::TallywiseAppearance::light, "light"},
                                      std::pair{settings::TallywiseAppearance::dark, "dark"}}) {
         appearance.apply(mode);
         for (const auto& [section, sectionName] :
              {std::pair{SettingsPage::Section::general, "general"},
+              std::pair{SettingsPage::Section::sessions, "sessions"},
+              std::pair{SettingsPage::Section::tracking, "tracking"},
+              std::pair{SettingsPage::Section::notifications, "notifications"},
               std::pair{SettingsPage::Section::data, "data"}}) {
             page_->showSection(section);
             QApplication::processEvents();
@@ -393,6 +518,33 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
                 QWidget* whole = page_->findChild<QWidget*>(QLatin1String(sectionName) + "Section");
                 EXPECT_TRUE(whole->grab().save(QDir(folder).filePath(stem + "-whole.png")));
             }
+        }
+    }
+    appearance.apply(settings::TallywiseAppearance::light);
+}
+
+// The template editor with a refusal, light and dark, for a person to look at.
+TEST_F(SettingsPageTest, PaintsTheTemplateEditorWithARefusal) {
+    const char* folder = std::getenv("LUMENOTE_SCREENSHOT_DIR");
+    ASSERT_TRUE(
+        templates_.create({.name = "Deep work", .subject = "Chemistry", .duration = 3000}).ok());
+    TemplateEditor editor(templates_, std::nullopt);
+    editor.findChild<QLineEdit*>("templateName")->setText("Deep work");
+    editor.findChild<QLineEdit*>("templateSubject")->setText("Physics");
+    EXPECT_FALSE(editor.save());
+    editor.resize(460, editor.sizeHint().height());
+    editor.show();
+    AppearanceController appearance;
+    for (const auto& [mode, name] : {std::pair{settings::TallywiseAppearance::light, "light"},
+                                     std::pair{settings::TallywiseAppearance::dark, "dark"}}) {
+        appearance.apply(mode);
+        QApplication::processEvents();
+        const QImage image = editor.grab().toImage();
+        EXPECT_FALSE(image.isNull());
+        if (folder != nullptr) {
+            QDir().mkpath(folder);
+            EXPECT_TRUE(image.save(QDir(folder).filePath(
+                QStringLiteral("settings-template-editor-%1.png").arg(name))));
         }
     }
     appearance.apply(settings::TallywiseAppearance::light);
