@@ -8,6 +8,7 @@
 
 #include "foundation/dates.hpp"
 #include "foundation/user_paths.hpp"
+#include "portability/diagnostic_report.hpp"
 #include "recording/history_import.hpp"
 #include "recording/recording_store.hpp"
 #include "recording/session_history.hpp"
@@ -39,6 +40,9 @@ struct SettingsDependencies {
     // The report of what this desktop lets Lumenote observe. Empty: the
     // checks of `lumenote-cli check`, run on this machine.
     std::function<std::string()> observedOnThisDesktop;
+    // What the diagnostic report states at this moment. Empty: gathered
+    // from the files under `paths`, as `lumenote-cli report` does.
+    std::function<portability::DiagnosticReportFacts()> diagnosticFacts;
 };
 
 }  // namespace lumenote::ui

@@ -8,6 +8,7 @@
 #include <QStackedWidget>
 #include <QStyledItemDelegate>
 
+#include "ui/settings_about_section.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
 #include "ui/settings_notifications_section.hpp"
@@ -66,6 +67,7 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     general_ = new GeneralSettingsSection(dependencies_);
     sessions_ = new SessionsSettingsSection(dependencies_);
     data_ = new DataSettingsSection(dependencies_);
+    about_ = new AboutSettingsSection(dependencies_);
     for (const auto& [name, section] :
          {std::pair{QStringLiteral("General"), static_cast<QWidget*>(general_)},
           std::pair{QStringLiteral("Sessions"), static_cast<QWidget*>(sessions_)},
@@ -73,7 +75,8 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
                     static_cast<QWidget*>(new TrackingSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Notifications"),
                     static_cast<QWidget*>(new NotificationsSettingsSection(dependencies_))},
-          std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)}}) {
+          std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)},
+          std::pair{QStringLiteral("About"), static_cast<QWidget*>(about_)}}) {
         sections_->addItem(name);
         pages_->addWidget(scrolled(section, pages_));
     }

@@ -13,6 +13,7 @@ class QStackedWidget;
 
 namespace lumenote::ui {
 
+class AboutSettingsSection;
 class DataSettingsSection;
 class GeneralSettingsSection;
 class NotificationsSettingsSection;
@@ -24,7 +25,7 @@ class SettingsPage final : public QWidget {
 
   public:
     // The sections, in the order listed.
-    enum class Section { general, sessions, tracking, notifications, data };
+    enum class Section { general, sessions, tracking, notifications, data, about };
 
     // Everything in `dependencies` must outlive the page.
     explicit SettingsPage(SettingsDependencies dependencies, QWidget* parent = nullptr);
@@ -36,6 +37,7 @@ class SettingsPage final : public QWidget {
     GeneralSettingsSection& general() { return *general_; }
     SessionsSettingsSection& sessions() { return *sessions_; }
     DataSettingsSection& data() { return *data_; }
+    AboutSettingsSection& about() { return *about_; }
 
   public Q_SLOTS:
     // The global shortcut's registration changed: its sentence is read again.
@@ -52,6 +54,7 @@ class SettingsPage final : public QWidget {
     GeneralSettingsSection* general_;
     SessionsSettingsSection* sessions_;
     DataSettingsSection* data_;
+    AboutSettingsSection* about_;
 };
 
 }  // namespace lumenote::ui

@@ -8,11 +8,13 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTest>
@@ -29,9 +31,11 @@
 #include "settings/preferences_store.hpp"
 #include "settings/recording_preferences_adapter.hpp"
 #include "store/sqlite_recording_store.hpp"
+#include "store/store_files.hpp"
 #include "support/temporary_home.hpp"
 #include "ui/appearance.hpp"
 #include "ui/models/receipt_options.hpp"
+#include "ui/settings_about_section.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
 #include "ui/settings_template_editor.hpp"
@@ -47,8 +51,7 @@ class SettingsPageTest : public ::testing::Test {
     static void SetUpTestSuite() { lumenote::testing::ensureOffscreenApplication(); }
 
     void SetUp() override {
-        auto opened =
-            store::SqliteRecordingStore::open(home_.paths().applicationData() / "store.sqlite");
+        auto opened = store::SqliteRecordingStore::open(store::storePath(home_.paths()));
         ASSERT_TRUE(opened.ok());
         store_ = std::move(*opened);
         for (int number = 1; number <= 3; ++number) {
@@ -464,24 +467,48 @@ TEST_F(SettingsPageTest, TemplatesAreAddedEditedAndDeletedThroughTheStore) {
     EXPECT_TRUE(templates_.templates().empty());
 }
 
-// Every control can be reached with Tab and says what it is.
-TEST_F(SettingsPageTest, EveryControlIsKeyboardReachableWithAName) {
-    for (const auto section : {SettingsPage::Section::general, SettingsPage::Section::sessions,
-                               SettingsPage::Section::tracking,
-                               SettingsPage::Section::notifications, SettingsPage::Section::data}) {
-        page_->showSection(section);
-        for (QWidget* widget : page_->findChildren<QWidget*>()) {
-            const bool control =
-                qobject_cast<QAbstractButton*>(widget) || qobject_cast<QLineEdit*>(widget) ||
-                qobject_cast<QComboBox*>(widget) || qobject_cast<QListWidget*>(widget);
-            if (!control || widget->parentWidget()->inherits("QComboBox") ||
-                widget->inherits("QScrollBar")) {
-                continue;
-            }
-            EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus) << widget->objectName().toStdString();
-            EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
-        }
+TEST_F(SettingsPageTest, AboutShowsTheVersionAndAReportWithoutRecordedDetails) {
+    page_->showSection(SettingsPage::Section::about);
+    EXPECT_EQ(labelText("aboutVersion"), "Version 1.4.0");
+    EXPECT_FALSE(child<QPushButton>("reportCopy")->isEnabled());
+    press(child<QPushButton>("reportShow"));
+    auto* report = child<QPlainTextEdit>("reportText");
+    ASSERT_TRUE(shown("reportText"));
+    const QString text = report->toPlainText();
+    EXPECT_TRUE(text.startsWith("Lumenote Diagnostic Report\n")) << text.toStdString();
+    EXPECT_TRUE(text.contains("- Version: 1.4.0\n")) << text.toStdString();
+    EXPECT_TRUE(text.contains("- Sessions: 3\n")) << text.toStdString();
+    EXPECT_TRUE(text.contains("- Application rules: 1\n")) << text.toStdString();
+    for (const char* recorded : {"Subject 1", "Text Editor", "org.gnome.TextEditor"}) {
+        EXPECT_FALSE(text.contains(recorded)) << recorded;
     }
+
+    press(child<QPushButton>("reportCopy"));
+    EXPECT_EQ(QApplication::clipboard()->text(), text);
+    ASSERT_TRUE(page_->about().saveReportTo(home_.root() / "report.txt"));
+    EXPECT_EQ(QString::fromStdString(lumenote::testing::readFile(home_.root() / "report.txt")),
+              text);
+    EXPECT_FALSE(page_->about().saveReportTo(home_.root() / "missing" / "report.txt"));
+    EXPECT_TRUE(shown("aboutBanner"));
+}
+
+// Every control of every section can be reached with Tab and says what it is.
+TEST_F(SettingsPageTest, EveryControlIsKeyboardReachableWithAName) {
+    int controls = 0;
+    for (QWidget* widget : page_->findChildren<QWidget*>()) {
+        const bool control = qobject_cast<QAbstractButton*>(widget) ||
+                             qobject_cast<QLineEdit*>(widget) || qobject_cast<QComboBox*>(widget) ||
+                             qobject_cast<QListWidget*>(widget) ||
+                             qobject_cast<QPlainTextEdit*>(widget);
+        if (!control || widget->parentWidget()->inherits("QComboBox") ||
+            widget->inherits("QScrollBar")) {
+            continue;
+        }
+        ++controls;
+        EXPECT_TRUE(widget->focusPolicy() & Qt::TabFocus) << widget->objectName().toStdString();
+        EXPECT_FALSE(widget->accessibleName().isEmpty()) << widget->objectName().toStdString();
+    }
+    EXPECT_GT(controls, 40);
 }
 
 // With LUMENOTE_SCREENSHOT_DIR set, each section is written there in light
@@ -490,6 +517,7 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
     const char* folder = std::getenv("LUMENOTE_SCREENSHOT_DIR");
     ASSERT_TRUE(page_->data().backUpTo(backupPath()));
     ASSERT_TRUE(page_->data().previewRestore(backupPath()));
+    page_->about().showReport();
     for (const auto& [name, subject, minutes] : {std::tuple{"Deep work", "Organic chemistry", 50.0},
                                                  std::tuple{"Vocabulary", "Spanish", 15.0}}) {
         ASSERT_TRUE(
@@ -504,7 +532,8 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
               std::pair{SettingsPage::Section::sessions, "sessions"},
               std::pair{SettingsPage::Section::tracking, "tracking"},
               std::pair{SettingsPage::Section::notifications, "notifications"},
-              std::pair{SettingsPage::Section::data, "data"}}) {
+              std::pair{SettingsPage::Section::data, "data"},
+              std::pair{SettingsPage::Section::about, "about"}}) {
             page_->showSection(section);
             QApplication::processEvents();
             const QImage image = page_->grab().toImage();
