@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+#include "classification/classification_rules.hpp"
 #include "foundation/dates.hpp"
 #include "foundation/user_paths.hpp"
 #include "portability/diagnostic_report.hpp"
@@ -27,6 +28,8 @@ struct SettingsDependencies {
     recording::HistoryImporter& importer;
     recording::SessionHistory& history;
     settings::SessionTemplateStore& templates;
+    // The rules the recorder classifies with, so that a change applies at once.
+    classification::ClassificationRules& rules;
     recording::WallClock& wallClock;
     // The local time backups are named and previews are shown in.
     LocalCalendar calendar;

@@ -9,6 +9,7 @@
 #include <QStyledItemDelegate>
 
 #include "ui/settings_about_section.hpp"
+#include "ui/settings_classification_section.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
 #include "ui/settings_notifications_section.hpp"
@@ -73,6 +74,8 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
           std::pair{QStringLiteral("Sessions"), static_cast<QWidget*>(sessions_)},
           std::pair{QStringLiteral("Tracking"),
                     static_cast<QWidget*>(new TrackingSettingsSection(dependencies_))},
+          std::pair{QStringLiteral("Classification"),
+                    static_cast<QWidget*>(new ClassificationSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Notifications"),
                     static_cast<QWidget*>(new NotificationsSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)},

@@ -25,7 +25,7 @@ class SettingsPage final : public QWidget {
 
   public:
     // The sections, in the order listed.
-    enum class Section { general, sessions, tracking, notifications, data, about };
+    enum class Section { general, sessions, tracking, classification, notifications, data, about };
 
     // Everything in `dependencies` must outlive the page.
     explicit SettingsPage(SettingsDependencies dependencies, QWidget* parent = nullptr);

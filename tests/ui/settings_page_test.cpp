@@ -38,6 +38,7 @@
 #include "ui/settings_about_section.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
+#include "ui/settings_rule_editor.hpp"
 #include "ui/settings_template_editor.hpp"
 
 namespace lumenote::ui {
@@ -71,6 +72,7 @@ class SettingsPageTest : public ::testing::Test {
             .importer = *store_,
             .history = *history_,
             .templates = templates_,
+            .rules = *rules_,
             .wallClock = machine_.clock.wall(),
             .calendar = LocalCalendar::utc(),
             .paths = home_.paths(),
@@ -467,6 +469,48 @@ TEST_F(SettingsPageTest, TemplatesAreAddedEditedAndDeletedThroughTheStore) {
     EXPECT_TRUE(templates_.templates().empty());
 }
 
+TEST_F(SettingsPageTest, RulesAreAddedChangedAndRemovedThroughTheClassificationRules) {
+    auto* applications = child<QListWidget>("applicationRules");
+    auto* websites = child<QListWidget>("websiteRules");
+    ASSERT_EQ(applications->count(), 1);
+    EXPECT_EQ(applications->item(0)->data(Qt::AccessibleTextRole).toString(),
+              "Text Editor, org.gnome.TextEditor, Focused");
+    EXPECT_EQ(websites->count(), 0);
+    EXPECT_GT(child<QListWidget>("starterSuggestions")->count(), 50);
+
+    RuleEditor website(*rules_, RuleEditor::Kind::website, std::nullopt);
+    auto* hostname = website.findChild<QLineEdit*>("ruleKey");
+    hostname->setText("  ");
+    EXPECT_FALSE(website.save());
+    EXPECT_FALSE(website.findChild<QLabel*>("ruleRefusal")->text().isEmpty());
+    hostname->setText("Study.Example.ORG");
+    website.findChild<QComboBox*>("ruleClassification")->setCurrentIndex(1);
+    ASSERT_TRUE(website.save());
+    ASSERT_EQ(websites->count(), 1);
+    EXPECT_EQ(rules_->lookup().websiteClassification("study.example.org", std::nullopt),
+              classification::ActivityClassification::distracting);
+
+    RuleEditor nameless(*rules_, RuleEditor::Kind::application, std::nullopt);
+    EXPECT_FALSE(nameless.save());
+    EXPECT_EQ(nameless.findChild<QLabel*>("ruleRefusal")->text(),
+              "Enter the application's identifier, such as org.gnome.TextEditor.");
+
+    // Changing keeps the identifier and takes the new class.
+    applications->setCurrentRow(0);
+    RuleEditor change(*rules_, RuleEditor::Kind::application,
+                      models::applicationRuleRows(*store_->appClassifications()).front());
+    EXPECT_TRUE(change.findChild<QLineEdit*>("ruleKey")->isReadOnly());
+    change.findChild<QComboBox*>("ruleClassification")->setCurrentIndex(3);
+    ASSERT_TRUE(change.save());
+    EXPECT_EQ(store_->appClassifications()->front().classification(),
+              classification::ActivityClassification::ignored);
+
+    applications->setCurrentRow(0);
+    press(child<QPushButton>("applicationRulesRemove"));
+    EXPECT_EQ(applications->count(), 0);
+    EXPECT_TRUE(store_->appClassifications()->empty());
+}
+
 TEST_F(SettingsPageTest, AboutShowsTheVersionAndAReportWithoutRecordedDetails) {
     page_->showSection(SettingsPage::Section::about);
     EXPECT_EQ(labelText("aboutVersion"), "Version 1.4.0");
@@ -531,6 +575,7 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
              {std::pair{SettingsPage::Section::general, "general"},
               std::pair{SettingsPage::Section::sessions, "sessions"},
               std::pair{SettingsPage::Section::tracking, "tracking"},
+              std::pair{SettingsPage::Section::classification, "classification"},
               std::pair{SettingsPage::Section::notifications, "notifications"},
               std::pair{SettingsPage::Section::data, "data"},
               std::pair{SettingsPage::Section::about, "about"}}) {
