@@ -3,9 +3,14 @@
 // the application knows, passed as functions.
 #pragma once
 
+#include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 
+#include "bridge/browser_status_report.hpp"
+#include "bridge/native_host_registration.hpp"
+#include "bridge/setup_test.hpp"
 #include "classification/classification_rules.hpp"
 #include "foundation/dates.hpp"
 #include "foundation/user_paths.hpp"
@@ -46,6 +51,21 @@ struct SettingsDependencies {
     // What the diagnostic report states at this moment. Empty: gathered
     // from the files under `paths`, as `lumenote-cli report` does.
     std::function<portability::DiagnosticReportFacts()> diagnosticFacts;
+    // Where native-host manifests are written and which helper they name.
+    // Empty: this user's browser folders and the helper of this installation.
+    std::optional<bridge::NativeHostConfiguration> nativeHost;
+    // Each browser's row, judged with the registration `checker` the page
+    // changes manifests with: the running recorder knows the last events.
+    // Empty: from the bridge files alone, as `lumenote-cli browser status`
+    // does without a recorder.
+    std::function<std::vector<bridge::BrowserStatusRow>(
+        const bridge::NativeHostRegistrationChecker& checker)>
+        browserStatus;
+    // The folder of the built extension packages; nullopt when none was found.
+    std::optional<std::filesystem::path> extensionPackages;
+    // What the setup test judges. Empty: gathered from the files under
+    // `paths`, as `lumenote-cli setup-test` does.
+    std::function<bridge::SetupTestInput()> setupTestInput;
 };
 
 }  // namespace lumenote::ui

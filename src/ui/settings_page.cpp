@@ -9,6 +9,7 @@
 #include <QStyledItemDelegate>
 
 #include "ui/settings_about_section.hpp"
+#include "ui/settings_browsers_section.hpp"
 #include "ui/settings_classification_section.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
@@ -69,6 +70,7 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     sessions_ = new SessionsSettingsSection(dependencies_);
     data_ = new DataSettingsSection(dependencies_);
     about_ = new AboutSettingsSection(dependencies_);
+    browsers_ = new BrowsersSettingsSection(dependencies_);
     for (const auto& [name, section] :
          {std::pair{QStringLiteral("General"), static_cast<QWidget*>(general_)},
           std::pair{QStringLiteral("Sessions"), static_cast<QWidget*>(sessions_)},
@@ -76,6 +78,7 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
                     static_cast<QWidget*>(new TrackingSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Classification"),
                     static_cast<QWidget*>(new ClassificationSettingsSection(dependencies_))},
+          std::pair{QStringLiteral("Browsers"), static_cast<QWidget*>(browsers_)},
           std::pair{QStringLiteral("Notifications"),
                     static_cast<QWidget*>(new NotificationsSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Data"), static_cast<QWidget*>(data_)},

@@ -14,6 +14,7 @@ class QStackedWidget;
 namespace lumenote::ui {
 
 class AboutSettingsSection;
+class BrowsersSettingsSection;
 class DataSettingsSection;
 class GeneralSettingsSection;
 class NotificationsSettingsSection;
@@ -25,7 +26,16 @@ class SettingsPage final : public QWidget {
 
   public:
     // The sections, in the order listed.
-    enum class Section { general, sessions, tracking, classification, notifications, data, about };
+    enum class Section {
+        general,
+        sessions,
+        tracking,
+        classification,
+        browsers,
+        notifications,
+        data,
+        about
+    };
 
     // Everything in `dependencies` must outlive the page.
     explicit SettingsPage(SettingsDependencies dependencies, QWidget* parent = nullptr);
@@ -38,6 +48,7 @@ class SettingsPage final : public QWidget {
     SessionsSettingsSection& sessions() { return *sessions_; }
     DataSettingsSection& data() { return *data_; }
     AboutSettingsSection& about() { return *about_; }
+    BrowsersSettingsSection& browsers() { return *browsers_; }
 
   public Q_SLOTS:
     // The global shortcut's registration changed: its sentence is read again.
@@ -55,6 +66,7 @@ class SettingsPage final : public QWidget {
     SessionsSettingsSection* sessions_;
     DataSettingsSection* data_;
     AboutSettingsSection* about_;
+    BrowsersSettingsSection* browsers_;
 };
 
 }  // namespace lumenote::ui

@@ -23,6 +23,7 @@
 
 #include "ui/offscreen_application.hpp"
 
+#include "bridge/browser_bridge_store.hpp"
 #include "platform/fake/fake_platform.hpp"
 #include "portability/automatic_backups.hpp"
 #include "settings/file_session_template_repository.hpp"
@@ -34,8 +35,10 @@
 #include "store/store_files.hpp"
 #include "support/temporary_home.hpp"
 #include "ui/appearance.hpp"
+#include "ui/design/qt_text.hpp"
 #include "ui/models/receipt_options.hpp"
 #include "ui/settings_about_section.hpp"
+#include "ui/settings_browsers_section.hpp"
 #include "ui/settings_data_section.hpp"
 #include "ui/settings_general_section.hpp"
 #include "ui/settings_rule_editor.hpp"
@@ -65,6 +68,18 @@ class SettingsPageTest : public ::testing::Test {
         rules_ = std::make_unique<classification::ClassificationRules>(machine_.rulesFor(*store_));
         history_ = std::make_unique<recording::SessionHistory>(
             machine_.historyDependencies(*store_, *rules_, recordingPreferences_));
+        // A Chromium and the native host helper, both in the temporary home.
+        for (const char* program : {"chromium", "TallywiseBrowserHost"}) {
+            lumenote::testing::writeFile(home_.root() / "bin" / program, "#!/bin/sh\n");
+            std::filesystem::permissions(home_.root() / "bin" / program,
+                                         std::filesystem::perms::owner_all);
+        }
+        const std::string home = home_.root().string();
+        bridge::NativeHostConfiguration nativeHost =
+            bridge::nativeHostConfiguration(home_.paths(), [&home](const char* name) {
+                return std::string_view(name) == "HOME" ? home.c_str() : nullptr;
+            });
+        nativeHost.helperPath = home_.root() / "bin" / "TallywiseBrowserHost";
         page_ = std::make_unique<SettingsPage>(SettingsDependencies{
             .preferences = preferences_,
             .store = *store_,
@@ -84,6 +99,22 @@ class SettingsPageTest : public ::testing::Test {
                         "ok   frontmost application\n"
                         "gap  idle time: no XScreenSaver");
                 },
+            .nativeHost = nativeHost,
+            .browserStatus =
+                [this](const bridge::NativeHostRegistrationChecker& checker) {
+                    const bridge::BrowserBridgeStore bridgeFiles(home_.root() / "bridge");
+                    const auto extensions = bridge::BrowserExtensionStatusService::readNow(
+                        bridgeFiles, machine_.clock.wallNow());
+                    return bridge::browserStatusRows({
+                        .registration = checker,
+                        .extensions = extensions,
+                        .installations = {.executableFolders = {home_.root() / "bin"},
+                                          .configHome = home_.paths().configHome},
+                        .now = machine_.clock.wallNow(),
+                    });
+                },
+            .extensionPackages = home_.root() / "extension",
+            .setupTestInput = [] { return bridge::SetupTestInput{.appVersion = "1.4.0"}; },
         });
         page_->resize(960, 720);
         page_->show();
@@ -511,6 +542,48 @@ TEST_F(SettingsPageTest, RulesAreAddedChangedAndRemovedThroughTheClassificationR
     EXPECT_TRUE(store_->appClassifications()->empty());
 }
 
+TEST_F(SettingsPageTest, ABrowserIsRegisteredAndRemovedFromItsCard) {
+    page_->showSection(SettingsPage::Section::browsers);
+    const auto texts = [&] {
+        QStringList shown;
+        for (QLabel* label : child<QWidget>("chromiumCard")->findChildren<QLabel*>()) {
+            shown.append(label->text());
+        }
+        return shown;
+    };
+    EXPECT_TRUE(texts().contains("Not registered"));
+    EXPECT_TRUE(texts().contains("None yet"));
+    EXPECT_EQ(page_->findChild<QPushButton*>("chromiumRemove"), nullptr);
+    EXPECT_TRUE(labelText("browsersNotInstalled").startsWith("Not installed: Google Chrome"));
+    EXPECT_FALSE(labelText("browsersNotInstalled").contains("Chromium"));
+
+    press(child<QPushButton>("chromiumRegister"));
+    EXPECT_EQ(labelText("browsersOutcome"),
+              "Chromium: " + qt(bridge::kRegistrationRepairedMessage));
+    const std::filesystem::path manifest = home_.paths().configHome / "chromium" /
+                                           "NativeMessagingHosts" /
+                                           "com.tallywise.browser_host.json";
+    EXPECT_TRUE(std::filesystem::exists(manifest));
+    EXPECT_TRUE(texts().contains("Registered"));
+    EXPECT_EQ(page_->findChild<QPushButton*>("chromiumRegister"), nullptr);
+
+    press(child<QPushButton>("chromiumRemove"));
+    EXPECT_FALSE(std::filesystem::exists(manifest));
+    EXPECT_TRUE(texts().contains("Not registered"));
+}
+
+TEST_F(SettingsPageTest, TheSetupTestShowsItsItemsAndCopiesItsReport) {
+    EXPECT_FALSE(child<QPushButton>("setupTestCopy")->isEnabled());
+    press(child<QPushButton>("setupTestRun"));
+    EXPECT_TRUE(shown("setupTestItems"));
+    EXPECT_FALSE(labelText("setupTestItems").isEmpty());
+    const QString report = child<QPlainTextEdit>("setupTestReport")->toPlainText();
+    EXPECT_FALSE(report.isEmpty());
+    press(child<QPushButton>("setupTestCopy"));
+    EXPECT_EQ(QApplication::clipboard()->text(), report);
+    EXPECT_EQ(labelText("browsersOutcome"), "Diagnostic report copied");
+}
+
 TEST_F(SettingsPageTest, AboutShowsTheVersionAndAReportWithoutRecordedDetails) {
     page_->showSection(SettingsPage::Section::about);
     EXPECT_EQ(labelText("aboutVersion"), "Version 1.4.0");
@@ -562,6 +635,7 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
     ASSERT_TRUE(page_->data().backUpTo(backupPath()));
     ASSERT_TRUE(page_->data().previewRestore(backupPath()));
     page_->about().showReport();
+    page_->browsers().runSetupTest();
     for (const auto& [name, subject, minutes] : {std::tuple{"Deep work", "Organic chemistry", 50.0},
                                                  std::tuple{"Vocabulary", "Spanish", 15.0}}) {
         ASSERT_TRUE(
@@ -576,6 +650,7 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
               std::pair{SettingsPage::Section::sessions, "sessions"},
               std::pair{SettingsPage::Section::tracking, "tracking"},
               std::pair{SettingsPage::Section::classification, "classification"},
+              std::pair{SettingsPage::Section::browsers, "browsers"},
               std::pair{SettingsPage::Section::notifications, "notifications"},
               std::pair{SettingsPage::Section::data, "data"},
               std::pair{SettingsPage::Section::about, "about"}}) {
