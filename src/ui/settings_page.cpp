@@ -64,6 +64,7 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     sections_->setAccessibleName(QStringLiteral("Settings sections"));
     sections_->setFrameShape(QFrame::NoFrame);
     sections_->setItemDelegate(new SectionDelegate(sections_));
+    sections_->setSpacing(3);
     pages_ = new QStackedWidget(this);
 
     general_ = new GeneralSettingsSection(dependencies_);

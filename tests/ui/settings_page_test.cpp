@@ -636,6 +636,11 @@ TEST_F(SettingsPageTest, PaintsEverySectionInLightAndDark) {
     ASSERT_TRUE(page_->data().previewRestore(backupPath()));
     page_->about().showReport();
     page_->browsers().runSetupTest();
+    // The General section with the shortcut on and a refused combination.
+    preferences_.setGlobalHotkeyEnabled(true);
+    auto* recorder = child<QPushButton>("shortcutRecorder");
+    QTest::keyClick(recorder, Qt::Key_Space);
+    QTest::keyClick(recorder, Qt::Key_K);
     for (const auto& [name, subject, minutes] : {std::tuple{"Deep work", "Organic chemistry", 50.0},
                                                  std::tuple{"Vocabulary", "Spanish", 15.0}}) {
         ASSERT_TRUE(
