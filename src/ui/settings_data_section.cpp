@@ -364,7 +364,7 @@ void DataSettingsSection::deleteAll() {
         return;
     }
     deleteAll_->clear();
-    showOutcome(qt(models::deletedAllText(count.ok() ? *count : 0)));
+    showOutcome(qt(models::deletedAllText(count.ok() ? std::optional(*count) : std::nullopt)));
     Q_EMIT historyChanged();
 }
 

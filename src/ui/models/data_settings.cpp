@@ -44,11 +44,14 @@ std::string exportedText(std::size_t sessions) {
     return countText(sessions, "session", "sessions") + " exported.";
 }
 
-std::string deletedAllText(std::size_t sessions) {
-    if (sessions == 0) {
+std::string deletedAllText(std::optional<std::size_t> sessions) {
+    if (!sessions) {
+        return "All sessions were deleted.";
+    }
+    if (*sessions == 0) {
         return "There were no sessions to delete.";
     }
-    return countText(sessions, "session", "sessions") + " deleted.";
+    return countText(*sessions, "session", "sessions") + " deleted.";
 }
 
 }  // namespace lumenote::ui::models

@@ -3,6 +3,7 @@
 // backup, and the fixed explanations beside each action.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -51,10 +52,10 @@ std::string restoreValidationFailedText(const portability::TallywiseBackupError&
 // "3 sessions exported." / "1 session exported."
 std::string exportedText(std::size_t sessions);
 
-// "All sessions were deleted." with the count: "4 sessions deleted." in the
-// same manner as the history's undo banner, or "There were no sessions to
-// delete." for none.
-std::string deletedAllText(std::size_t sessions);
+// "4 sessions deleted." in the manner of the history's undo banner, "There
+// were no sessions to delete." for none, and "All sessions were deleted."
+// when they could not be counted beforehand.
+std::string deletedAllText(std::optional<std::size_t> sessions);
 
 inline constexpr std::string_view kResetDoneText =
     "Lumenote was reset. Templates, automatic backups, recovery files, and Chrome setup were "

@@ -54,6 +54,7 @@ TEST(DataSettings, OutcomesCountInWords) {
     EXPECT_EQ(deletedAllText(0), "There were no sessions to delete.");
     EXPECT_EQ(deletedAllText(1), "1 session deleted.");
     EXPECT_EQ(deletedAllText(20'000), "20000 sessions deleted.");
+    EXPECT_EQ(deletedAllText(std::nullopt), "All sessions were deleted.");
     EXPECT_EQ(restoreValidationFailedText(
                   portability::backupError(portability::TallywiseBackupFailure::emptyFile)),
               "Restore validation failed: The selected backup file is empty.");
