@@ -331,6 +331,7 @@ void DataSettingsSection::merge() {
     }
     hidePreview();
     showOutcome(qt(portability::restoreCompleteText(*merged)));
+    reloadRules();
     Q_EMIT historyChanged();
 }
 
@@ -353,7 +354,17 @@ void DataSettingsSection::replace() {
                 QString::fromStdString(replaced->automaticBackup->string());
     }
     showOutcome(text);
+    reloadRules();
     Q_EMIT historyChanged();
+}
+
+void DataSettingsSection::reloadRules() {
+    const auto problems = dependencies_.rules.load();
+    if (!problems.empty()) {
+        // The restore itself succeeded: its outcome stays beside the problem.
+        banner_->setText(qt(problems.front().message()));
+        banner_->setVisible(true);
+    }
 }
 
 void DataSettingsSection::deleteAll() {

@@ -53,6 +53,9 @@ class DataSettingsSection final : public QWidget {
     void chooseRestore();
     void merge();
     void replace();
+    // The rules the recorder classifies with are read again from the store
+    // after a restore brought other rules; what could not be read is shown.
+    void reloadRules();
     void deleteAll();
     void reset();
     void hidePreview();

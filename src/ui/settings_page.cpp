@@ -72,13 +72,13 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     data_ = new DataSettingsSection(dependencies_);
     about_ = new AboutSettingsSection(dependencies_);
     browsers_ = new BrowsersSettingsSection(dependencies_);
+    auto* classification = new ClassificationSettingsSection(dependencies_);
     for (const auto& [name, section] :
          {std::pair{QStringLiteral("General"), static_cast<QWidget*>(general_)},
           std::pair{QStringLiteral("Sessions"), static_cast<QWidget*>(sessions_)},
           std::pair{QStringLiteral("Tracking"),
                     static_cast<QWidget*>(new TrackingSettingsSection(dependencies_))},
-          std::pair{QStringLiteral("Classification"),
-                    static_cast<QWidget*>(new ClassificationSettingsSection(dependencies_))},
+          std::pair{QStringLiteral("Classification"), static_cast<QWidget*>(classification)},
           std::pair{QStringLiteral("Browsers"), static_cast<QWidget*>(browsers_)},
           std::pair{QStringLiteral("Notifications"),
                     static_cast<QWidget*>(new NotificationsSettingsSection(dependencies_))},
@@ -93,6 +93,9 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
 
     connect(sections_, &QListWidget::currentRowChanged, pages_, &QStackedWidget::setCurrentIndex);
     connect(data_, &DataSettingsSection::historyChanged, this, &SettingsPage::historyChanged);
+    // A restore brings its own rules.
+    connect(data_, &DataSettingsSection::historyChanged, classification,
+            &ClassificationSettingsSection::refresh);
     sections_->setCurrentRow(0);
 }
 

@@ -195,6 +195,11 @@ TEST_F(SettingsPageTest, ReplaceRestoresOnlyOnceRestoreIsTypedExactly) {
     EXPECT_TRUE(labelText("dataOutcome").startsWith("History backup created and verified"));
     addSession(4, recording::StudySessionStatus::completed);
     ASSERT_EQ(sessions(), 4u);
+    ASSERT_TRUE(
+        rules_
+            ->saveApplicationClassification("org.gnome.TextEditor", "Text Editor",
+                                            classification::ActivityClassification::distracting)
+            .ok());
 
     ASSERT_TRUE(page_->data().previewRestore(backupPath()));
     EXPECT_TRUE(shown("restorePreview"));
@@ -223,6 +228,12 @@ TEST_F(SettingsPageTest, ReplaceRestoresOnlyOnceRestoreIsTypedExactly) {
     press(replace);
     EXPECT_EQ(sessions(), 3u);
     EXPECT_EQ(changed.count(), 1);
+    // The recorder classifies with the restored rule at once, and the
+    // Classification section lists it.
+    EXPECT_EQ(rules_->lookup().applicationClassification("org.gnome.TextEditor", "Text Editor"),
+              classification::ActivityClassification::focused);
+    EXPECT_EQ(child<QListWidget>("applicationRules")->item(0)->data(Qt::AccessibleTextRole),
+              "Text Editor, org.gnome.TextEditor, Focused");
     EXPECT_TRUE(labelText("dataOutcome")
                     .startsWith("Restore complete: 3 sessions added, 0 duplicates skipped, 0 rule "
                                 "conflicts preserved locally."));
