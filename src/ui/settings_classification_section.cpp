@@ -117,6 +117,16 @@ QWidget* ClassificationSettingsSection::ruleCard(RuleList& rules, const QString&
     rules.list->setAccessibleName(title + QStringLiteral(" rules"));
     rules.list->setMinimumHeight(120);
     card->bodyLayout()->addWidget(rules.list);
+    rules.empty = new QLabel(
+        rules.kind == RuleEditor::Kind::application
+            ? QStringLiteral("No application rules yet: applications are classified by the "
+                             "starter suggestions below, or stay unclassified.")
+            : QStringLiteral("No website rules yet: websites are classified by the starter "
+                             "suggestions below, or stay unclassified."),
+        card);
+    rules.empty->setObjectName(prefix + QStringLiteral("Empty"));
+    rules.empty->setWordWrap(true);
+    card->bodyLayout()->addWidget(rules.empty);
     auto* buttons = new QHBoxLayout;
     const QString noun = rules.kind == RuleEditor::Kind::application ? QStringLiteral("application")
                                                                      : QStringLiteral("website");
@@ -164,6 +174,8 @@ void ClassificationSettingsSection::fill(RuleList& rules, std::vector<models::Ru
         addRow(rules.list, qt(row.title), qt(row.detail), row.classification);
     }
     rules.list->setCurrentRow(std::min(current, rules.list->count() - 1));
+    rules.list->setVisible(rules.list->count() > 0);
+    rules.empty->setVisible(rules.list->count() == 0);
     const bool chosen = rules.list->currentRow() >= 0;
     rules.change->setEnabled(chosen);
     rules.remove->setEnabled(chosen);

@@ -33,6 +33,7 @@ class ClassificationSettingsSection final : public QWidget {
     struct RuleList {
         RuleEditor::Kind kind;
         QListWidget* list = nullptr;
+        QLabel* empty = nullptr;  // said instead of an empty list
         QPushButton* change = nullptr;
         QPushButton* remove = nullptr;
         std::vector<models::RuleRow> rows;

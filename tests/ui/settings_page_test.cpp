@@ -518,6 +518,7 @@ TEST_F(SettingsPageTest, RulesAreAddedChangedAndRemovedThroughTheClassificationR
     EXPECT_EQ(applications->item(0)->data(Qt::AccessibleTextRole).toString(),
               "Text Editor, org.gnome.TextEditor, Focused");
     EXPECT_EQ(websites->count(), 0);
+    EXPECT_TRUE(shown("websiteRulesEmpty"));
     EXPECT_GT(child<QListWidget>("starterSuggestions")->count(), 50);
 
     RuleEditor website(*rules_, RuleEditor::Kind::website, std::nullopt);
@@ -529,6 +530,7 @@ TEST_F(SettingsPageTest, RulesAreAddedChangedAndRemovedThroughTheClassificationR
     website.findChild<QComboBox*>("ruleClassification")->setCurrentIndex(1);
     ASSERT_TRUE(website.save());
     ASSERT_EQ(websites->count(), 1);
+    EXPECT_FALSE(shown("websiteRulesEmpty"));
     EXPECT_EQ(rules_->lookup().websiteClassification("study.example.org", std::nullopt),
               classification::ActivityClassification::distracting);
 
