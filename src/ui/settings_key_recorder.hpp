@@ -18,7 +18,6 @@ class KeyRecorder final : public QPushButton {
 
     // The combination shown while not recording ("Ctrl+Shift+S").
     void setShownText(const QString& text);
-    bool isRecording() const { return recording_; }
 
     // The shortcut key table's name of `key` ("S", "F5", "Left Arrow"), with
     // the symbols Shift gives on a US keyboard taken back to their keys; ""

@@ -28,7 +28,6 @@ class NumberField final : public QWidget {
 
     // Shows the store's value again and clears the sentence.
     void refresh();
-    QLineEdit& field() { return *field_; }
 
   private:
     void commit();

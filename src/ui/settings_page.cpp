@@ -68,14 +68,14 @@ SettingsPage::SettingsPage(SettingsDependencies dependencies, QWidget* parent)
     pages_ = new QStackedWidget(this);
 
     general_ = new GeneralSettingsSection(dependencies_);
-    sessions_ = new SessionsSettingsSection(dependencies_);
     data_ = new DataSettingsSection(dependencies_);
     about_ = new AboutSettingsSection(dependencies_);
     browsers_ = new BrowsersSettingsSection(dependencies_);
     auto* classification = new ClassificationSettingsSection(dependencies_);
     for (const auto& [name, section] :
          {std::pair{QStringLiteral("General"), static_cast<QWidget*>(general_)},
-          std::pair{QStringLiteral("Sessions"), static_cast<QWidget*>(sessions_)},
+          std::pair{QStringLiteral("Sessions"),
+                    static_cast<QWidget*>(new SessionsSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Tracking"),
                     static_cast<QWidget*>(new TrackingSettingsSection(dependencies_))},
           std::pair{QStringLiteral("Classification"), static_cast<QWidget*>(classification)},
@@ -103,10 +103,6 @@ SettingsPage::~SettingsPage() = default;
 
 void SettingsPage::showSection(Section section) {
     sections_->setCurrentRow(static_cast<int>(section));
-}
-
-SettingsPage::Section SettingsPage::currentSection() const {
-    return static_cast<Section>(sections_->currentRow());
 }
 
 void SettingsPage::shortcutStateChanged() {

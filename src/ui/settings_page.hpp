@@ -17,9 +17,6 @@ class AboutSettingsSection;
 class BrowsersSettingsSection;
 class DataSettingsSection;
 class GeneralSettingsSection;
-class NotificationsSettingsSection;
-class SessionsSettingsSection;
-class TrackingSettingsSection;
 
 class SettingsPage final : public QWidget {
     Q_OBJECT
@@ -42,10 +39,9 @@ class SettingsPage final : public QWidget {
     ~SettingsPage() override;
 
     void showSection(Section section);
-    Section currentSection() const;
+    // The sections whose work starts from a file or a report as well as from
+    // their buttons.
 
-    GeneralSettingsSection& general() { return *general_; }
-    SessionsSettingsSection& sessions() { return *sessions_; }
     DataSettingsSection& data() { return *data_; }
     AboutSettingsSection& about() { return *about_; }
     BrowsersSettingsSection& browsers() { return *browsers_; }
@@ -63,7 +59,6 @@ class SettingsPage final : public QWidget {
     QListWidget* sections_;
     QStackedWidget* pages_;
     GeneralSettingsSection* general_;
-    SessionsSettingsSection* sessions_;
     DataSettingsSection* data_;
     AboutSettingsSection* about_;
     BrowsersSettingsSection* browsers_;
