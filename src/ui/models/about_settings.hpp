@@ -1,0 +1,20 @@
+// What the About section of the settings says: the version line, where
+// updates come from, and what the diagnostic report holds.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace lumenote::ui::models {
+
+// "Version 1.4.0"; "Development build" without a version.
+std::string versionText(std::string_view appVersion);
+
+inline constexpr std::string_view kUpdatesText =
+    "Updates come from your distribution's package manager, together with the rest of the "
+    "system. Lumenote never downloads anything by itself.";
+inline constexpr std::string_view kReportPrivacyText =
+    "The report holds versions, counts and switches only: no subject, goal, note, application, "
+    "website, PDF or session time. Nothing is sent; you choose whether to attach it.";
+
+}  // namespace lumenote::ui::models

@@ -1,0 +1,155 @@
+#include "ui/settings_about_section.hpp"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "portability/export_file.hpp"
+#include "runtime/diagnostic_report_input.hpp"
+#include "ui/design/card.hpp"
+#include "ui/design/qt_text.hpp"
+#include "ui/models/about_settings.hpp"
+#include "ui/settings_section_frame.hpp"
+
+namespace lumenote::ui {
+
+namespace {
+
+QPushButton* button(const QString& text, const QString& name, const char* objectName,
+                    QWidget* parent) {
+    auto* made = new QPushButton(text, parent);
+    made->setObjectName(QLatin1String(objectName));
+    made->setAccessibleName(name);
+    return made;
+}
+
+QLabel* paragraph(std::string_view text, QWidget* parent) {
+    auto* label = new QLabel(qt(text), parent);
+    label->setWordWrap(true);
+    return label;
+}
+
+}  // namespace
+
+AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, QWidget* parent)
+    : QWidget(parent), dependencies_(dependencies) {
+    setObjectName(QStringLiteral("aboutSection"));
+    auto* layout = sectionLayout(this, QStringLiteral("About"),
+                                 QStringLiteral("A local study-session recorder: everything it "
+                                                "records stays on this computer."));
+    banner_ = errorBanner(QStringLiteral("aboutBanner"), this);
+    layout->addWidget(banner_);
+
+    auto* product = new design::Card(QStringLiteral("Lumenote"), {}, this);
+    auto* version = new QLabel(qt(models::versionText(dependencies_.appVersion)), product);
+    version->setObjectName(QStringLiteral("aboutVersion"));
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    product->bodyLayout()->addWidget(version);
+    product->bodyLayout()->addWidget(paragraph(models::kUpdatesText, product));
+    layout->addWidget(product);
+
+    auto* report =
+        new design::Card(QStringLiteral("Diagnostic Report"), qt(models::kReportPrivacyText), this);
+    auto* reportButtons = new QHBoxLayout;
+    auto* show = button(QStringLiteral("Show Report"), QStringLiteral("Show diagnostic report"),
+                        "reportShow", report);
+    copy_ = button(QStringLiteral("Copy"), QStringLiteral("Copy diagnostic report"), "reportCopy",
+                   report);
+    save_ = button(QStringLiteral("Save…"), QStringLiteral("Save diagnostic report"), "reportSave",
+                   report);
+    copy_->setEnabled(false);
+    save_->setEnabled(false);
+    reportButtons->addWidget(show);
+    reportButtons->addWidget(copy_);
+    reportButtons->addWidget(save_);
+    reportButtons->addStretch(1);
+    report->bodyLayout()->addLayout(reportButtons);
+    report_ = new QPlainTextEdit(report);
+    report_->setObjectName(QStringLiteral("reportText"));
+    report_->setAccessibleName(QStringLiteral("Diagnostic report"));
+    report_->setReadOnly(true);
+    report_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    report_->setMinimumHeight(260);
+    report_->setVisible(false);
+    report->bodyLayout()->addWidget(report_);
+    layout->addWidget(report);
+
+    auto* feedback = new design::Card(
+        QStringLiteral("Feedback"),
+        QStringLiteral("Opens a message in your mail program; no report is attached."), this);
+    auto* feedbackRow = new QHBoxLayout;
+    auto* write = button(QStringLiteral("Write Feedback…"), QStringLiteral("Write feedback"),
+                         "feedbackWrite", feedback);
+    feedbackRow->addWidget(write);
+    feedbackRow->addStretch(1);
+    feedback->bodyLayout()->addLayout(feedbackRow);
+    layout->addWidget(feedback);
+    layout->addStretch(1);
+
+    connect(show, &QPushButton::clicked, this, &AboutSettingsSection::showReport);
+    connect(copy_, &QPushButton::clicked, this,
+            [this] { QApplication::clipboard()->setText(report_->toPlainText()); });
+    connect(save_, &QPushButton::clicked, this, [this] {
+        const QString path = QFileDialog::getSaveFileName(
+            this, QStringLiteral("Save Diagnostic Report"),
+            QDir::home().filePath(QStringLiteral("Lumenote Diagnostic Report.txt")),
+            QStringLiteral("Text (*.txt)"));
+        if (!path.isEmpty()) {
+            (void)saveReportTo(path.toStdString());
+        }
+    });
+    connect(write, &QPushButton::clicked, this, [this] {
+        const auto message = portability::buildFeedbackMessage(facts());
+        QDesktopServices::openUrl(QUrl(qt(message.mailtoLink())));
+    });
+}
+
+portability::DiagnosticReportFacts AboutSettingsSection::facts() {
+    if (dependencies_.diagnosticFacts) {
+        return dependencies_.diagnosticFacts();
+    }
+    std::optional<std::string> version;
+    if (!dependencies_.appVersion.empty()) {
+        version = dependencies_.appVersion;
+    }
+    return runtime::gatherDiagnosticReportFacts({dependencies_.paths, version, std::nullopt});
+}
+
+void AboutSettingsSection::showReport() {
+    report_->setPlainText(qt(portability::buildDiagnosticReport(facts())));
+    report_->setVisible(true);
+    copy_->setEnabled(true);
+    save_->setEnabled(true);
+}
+
+bool AboutSettingsSection::saveReportTo(const std::filesystem::path& path) {
+    banner_->setVisible(false);
+    auto file = portability::AtomicExportFile::create(path);
+    if (!file) {
+        banner_->setText(qt(file.error().message()));
+        banner_->setVisible(true);
+        return false;
+    }
+    const QByteArray bytes = report_->toPlainText().toUtf8();
+    auto written = (*file)->write(std::string_view(bytes.constData(), bytes.size()));
+    if (written.ok()) {
+        written = (*file)->commit();
+    }
+    if (!written) {
+        banner_->setText(qt(written.error().message()));
+        banner_->setVisible(true);
+        return false;
+    }
+    return true;
+}
+
+}  // namespace lumenote::ui

@@ -1,0 +1,14 @@
+#include "ui/models/about_settings.hpp"
+
+#include <gtest/gtest.h>
+
+namespace lumenote::ui::models {
+namespace {
+
+TEST(AboutSettings, AVersionIsNamedAndNoneIsADevelopmentBuild) {
+    EXPECT_EQ(versionText("1.4.0"), "Version 1.4.0");
+    EXPECT_EQ(versionText(""), "Development build");
+}
+
+}  // namespace
+}  // namespace lumenote::ui::models
