@@ -9,7 +9,9 @@
 
 #include "app/tray_icons.hpp"
 #include "bridge/native_host_registration.hpp"
+#include "insights/file_insight_dismissal_repository.hpp"
 #include "insights/first_weekday.hpp"
+#include "insights/insight_dismissal_store.hpp"
 #include "platform/linux/x11_hotkey_grabber.hpp"
 #include "recording/session_notices.hpp"
 #include "recording/unclassified_review_service.hpp"
@@ -18,10 +20,13 @@
 #include "shell/launch_at_login.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/history_page.hpp"
+#include "ui/insights_page.hpp"
 #include "ui/models/onboarding.hpp"
 #include "ui/onboarding_dialog.hpp"
 #include "ui/questions.hpp"
+#include "ui/replay_page.hpp"
 #include "ui/review_page.hpp"
+#include "ui/settings_page.hpp"
 #include "ui/today_page.hpp"
 #include "ui/tray_panel.hpp"
 
@@ -162,6 +167,13 @@ void DesktopApplication::openMainWindow(std::optional<ui::MainPage> page) {
         connect(todayPage_, &ui::TodayPage::commandRequested, this,
                 [this](shell::AppCommand command) { perform(command); });
 
+        replayPage_ =
+            new ui::ReplayPage(services.store(), services.historyReader(), services.history(),
+                               services.defaults(), LocalCalendar::current(), now);
+        mainWindow_->addPage(ui::MainPage::replay, replayPage_);
+        connect(replayPage_, &ui::ReplayPage::sessionChanged, this,
+                [this] { historyChanged(HistoryChange::oneSession); });
+
         historyPage_ =
             new ui::HistoryPage(services.store(), services.historyReader(), services.history(),
                                 LocalCalendar::current(), insights::localeFirstWeekday(), now);
@@ -169,14 +181,32 @@ void DesktopApplication::openMainWindow(std::optional<ui::MainPage> page) {
         connect(historyPage_, &ui::HistoryPage::sessionOpened, this,
                 &DesktopApplication::showSession);
 
+        dismissalRepository_ = std::make_unique<insights::FileInsightDismissalRepository>(
+            insights::FileInsightDismissalRepository::pathFor(services.paths()), now);
+        dismissals_ = std::make_unique<insights::InsightDismissalStore>(*dismissalRepository_, now);
+        insightsPage_ = new ui::InsightsPage(
+            services.historyReader(), services.store(), *dismissals_, services.defaults(),
+            LocalCalendar::current(), insights::localeFirstWeekday(), now);
+        mainWindow_->addPage(ui::MainPage::insights, insightsPage_);
+
+        settingsPage_ = new ui::SettingsPage(settingsDependencies());
+        mainWindow_->addPage(ui::MainPage::settings, settingsPage_);
+        connect(settingsPage_, &ui::SettingsPage::historyChanged, this,
+                [this] { historyChanged(HistoryChange::wholeHistory); });
+
         reviewPage_ = new ui::ReviewPage(services.review());
         mainWindow_->addPage(ui::MainPage::review, reviewPage_);
-        connect(reviewPage_, &ui::ReviewPage::classified, this, [this] {
-            todayPage_->reload();
-            panel_->reloadStartForm();
-        });
+        connect(reviewPage_, &ui::ReviewPage::classified, this,
+                [this] { historyChanged(HistoryChange::oneSession); });
         connect(mainWindow_.get(), &ui::MainWindow::newSessionRequested, this,
                 [this] { perform(shell::AppCommand::newSession); });
+        connect(mainWindow_.get(), &ui::MainWindow::pageShown, this, [this](ui::MainPage shown) {
+            if (shown == ui::MainPage::replay && !replayPage_->sessionId()) {
+                showNewestFinishedSession();
+            } else if (shown == ui::MainPage::today) {
+                todayPage_->showLiveSession(panel_->liveSession());
+            }
+        });
         mainWindow_->showPage(ui::MainPage::today);
     }
     if (page) {
@@ -206,8 +236,66 @@ void DesktopApplication::openOnboarding() {
     onboarding_->activateWindow();
 }
 
-void DesktopApplication::showSession(const QString&) {
-    openMainWindow(ui::MainPage::history);
+void DesktopApplication::showSession(const QString& sessionId) {
+    const auto id = Uuid::parse(sessionId.toStdString());
+    openMainWindow(ui::MainPage::replay);
+    if (id) {
+        replayPage_->showSession(*id);
+    }
+}
+
+void DesktopApplication::showNewestFinishedSession() {
+    recording::SessionQuery query;
+    // The running session (at most one) and a session left for recovery
+    // come before it at most.
+    query.limit = 3;
+    const auto newest = dependencies_.services->store().listSessions(query);
+    if (!newest) {
+        return;
+    }
+    for (const recording::StudySession& session : *newest) {
+        if (session.status() == recording::StudySessionStatus::completed ||
+            session.status() == recording::StudySessionStatus::interrupted) {
+            replayPage_->showSession(session.id);
+            return;
+        }
+    }
+}
+
+void DesktopApplication::historyChanged(HistoryChange change) {
+    dependencies_.services->review().invalidate();
+    panel_->reloadStartForm();
+    if (!mainWindow_) {
+        return;
+    }
+    todayPage_->reload();
+    historyPage_->reload();
+    insightsPage_->reload();
+    if (change == HistoryChange::wholeHistory) {
+        replayPage_->reload();
+    }
+}
+
+ui::SettingsDependencies DesktopApplication::settingsDependencies() {
+    runtime::RecorderServices& services = *dependencies_.services;
+    ui::SettingsDependencies settings{
+        .preferences = services.preferences(),
+        .store = services.store(),
+        .historyReader = services.historyReader(),
+        .importer = services.importer(),
+        .history = services.history(),
+        .templates = *dependencies_.templateStore,
+        .rules = services.rules(),
+        .wallClock = services.wallClock(),
+        .calendar = LocalCalendar::current(),
+        .paths = services.paths(),
+        .appVersion = LUMENOTE_VERSION,
+    };
+    settings.browserStatus = [&services](const bridge::NativeHostRegistrationChecker& checker) {
+        return services.browserStatusRows(&checker);
+    };
+    settings.extensionPackages = bridge::extensionPackagesFolder(bridge::runningExecutableFolder());
+    return settings;
 }
 
 void DesktopApplication::offerRecovery() {
@@ -376,11 +464,7 @@ void DesktopApplication::sessionEnded(const std::optional<recording::StudySessio
     if (quitting_) {
         return;
     }
-    dependencies_.services->review().invalidate();
-    if (mainWindow_) {
-        historyPage_->reload();
-        todayPage_->reload();
-    }
+    historyChanged(HistoryChange::wholeHistory);
     // The summary is offered where the session was watched.
     openPanel(statusItem_->panelAnchor());
 }

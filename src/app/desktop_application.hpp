@@ -23,9 +23,15 @@
 #include "shell/quit_decision.hpp"
 #include "ui/appearance.hpp"
 #include "ui/main_window.hpp"
+#include "ui/settings_dependencies.hpp"
 
 class QMessageBox;
 class QSocketNotifier;
+
+namespace lumenote::insights {
+class FileInsightDismissalRepository;
+class InsightDismissalStore;
+}  // namespace lumenote::insights
 
 namespace lumenote::platform::linux_desktop {
 class X11HotkeyGrabber;
@@ -36,9 +42,12 @@ class GlobalHotkeyCoordinator;
 
 namespace lumenote::ui {
 class HistoryPage;
+class InsightsPage;
 class NoInputQuestion;
 class OnboardingDialog;
+class ReplayPage;
 class ReviewPage;
+class SettingsPage;
 class TodayPage;
 class TrayPanel;
 }  // namespace lumenote::ui
@@ -103,8 +112,17 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     void openMainWindow(std::optional<ui::MainPage> page = std::nullopt);
     // The setup assistant, brought forward when it is open already.
     void openOnboarding();
-    // Shows a stored session (its id in upper-case text) in the main window.
+    // Shows a stored session (its id in upper-case text) on the Replay page.
     void showSession(const QString& sessionId);
+    // Replay opened from the sidebar or a command without a session chosen
+    // shows the newest finished one.
+    void showNewestFinishedSession();
+    // What changed in the stored history: one session (its figures or
+    // classes), or possibly every session (a session ended, a restore,
+    // deletion, a reset). Every page that shows the history reads again.
+    enum class HistoryChange { oneSession, wholeHistory };
+    void historyChanged(HistoryChange change);
+    ui::SettingsDependencies settingsDependencies();
     void offerRecovery();
     void answerQuitQuestion(shell::QuitChoice choice);
     void quitNow();
@@ -121,9 +139,15 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     std::unique_ptr<runtime::RecorderRuntime> runtime_;
     std::unique_ptr<ui::TrayPanel> panel_;
     std::unique_ptr<ui::MainWindow> mainWindow_;
+    // The insights' dismissals, made with the main window.
+    std::unique_ptr<insights::FileInsightDismissalRepository> dismissalRepository_;
+    std::unique_ptr<insights::InsightDismissalStore> dismissals_;
     // The pages, owned by the main window once it was opened.
     ui::TodayPage* todayPage_ = nullptr;
+    ui::ReplayPage* replayPage_ = nullptr;
     ui::HistoryPage* historyPage_ = nullptr;
+    ui::InsightsPage* insightsPage_ = nullptr;
+    ui::SettingsPage* settingsPage_ = nullptr;
     ui::ReviewPage* reviewPage_ = nullptr;
     std::unique_ptr<TallywiseStatusItemController> statusItem_;
     std::unique_ptr<platform::linux_desktop::X11HotkeyGrabber> hotkeyGrabber_;

@@ -164,6 +164,14 @@ recording::SessionHistoryReader& RecorderServices::historyReader() {
     return *parts_->store;
 }
 
+recording::HistoryImporter& RecorderServices::importer() {
+    return *parts_->store;
+}
+
+recording::WallClock& RecorderServices::wallClock() {
+    return parts_->wallClock;
+}
+
 recording::UnclassifiedReviewService& RecorderServices::review() {
     return *parts_->review;
 }
@@ -188,10 +196,11 @@ const UserPaths& RecorderServices::paths() const {
     return parts_->paths;
 }
 
-std::vector<bridge::BrowserStatusRow> RecorderServices::browserStatusRows() {
+std::vector<bridge::BrowserStatusRow> RecorderServices::browserStatusRows(
+    const bridge::NativeHostRegistrationChecker* checker) {
     bridge::BridgeTrackingCoordinator& browser = parts_->browser;
     const bridge::BrowserStatusSources sources{
-        parts_->registration,
+        checker != nullptr ? *checker : parts_->registration,
         browser.extensionStatus(),
         bridge::BrowserSearchLocations::fromEnvironment(processEnvironmentValue),
         parts_->bridgeStore.readState(),

@@ -18,6 +18,7 @@
 #include "classification/classification_rules.hpp"
 #include "foundation/result.hpp"
 #include "foundation/user_paths.hpp"
+#include "recording/history_import.hpp"
 #include "recording/session_history.hpp"
 #include "recording/session_history_reader.hpp"
 #include "recording/session_manager.hpp"
@@ -64,6 +65,9 @@ class RecorderServices {
     recording::RecordingStore& store();
     // The store's walks over the whole history (export, review).
     recording::SessionHistoryReader& historyReader();
+    // Where a restore writes the history it reads.
+    recording::HistoryImporter& importer();
+    recording::WallClock& wallClock();
     // The review of unclassified activity, its list kept between looks.
     recording::UnclassifiedReviewService& review();
     // The desktop's notification server (every notice the recorder posts).
@@ -74,8 +78,11 @@ class RecorderServices {
     // Why the browser in front has its websites unrecorded, in one sentence;
     // empty when nothing is amiss.
     std::string browserWarning();
-    // Each registrable browser's diagnosis, as the recorder sees it now.
-    std::vector<bridge::BrowserStatusRow> browserStatusRows();
+    // Each registrable browser's diagnosis, as the recorder sees it now; the
+    // registration judged by `checker` when given (a screen that changes the
+    // manifests with its own), else by the recorder's.
+    std::vector<bridge::BrowserStatusRow> browserStatusRows(
+        const bridge::NativeHostRegistrationChecker* checker = nullptr);
     // Each browser's status text, as the recorder sees it now, keyed by the
     // browser's case name (a JSON object).
     std::string browserStatusJson();

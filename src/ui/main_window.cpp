@@ -111,6 +111,7 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent) {
         const auto page = static_cast<MainPage>(sidebar_->item(row)->data(Qt::UserRole).toInt());
         pages_->setCurrentWidget(widgets_[slot(page)]);
         setWindowTitle(mainWindowTitle(page));
+        Q_EMIT pageShown(page);
     });
     for (int position = 0; position < static_cast<int>(kPageOrder.size()); ++position) {
         auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | (Qt::Key_1 + position)), this);
@@ -172,10 +173,15 @@ bool MainWindow::showPage(MainPage page) {
         sidebar_->setCurrentRow(-1);
         pages_->setCurrentWidget(widgets_[slot(page)]);
         setWindowTitle(mainWindowTitle(page));
+        Q_EMIT pageShown(page);
         return true;
     }
     for (int row = 0; row < sidebar_->count(); ++row) {
         if (sidebar_->item(row)->data(Qt::UserRole).toInt() == static_cast<int>(page)) {
+            if (sidebar_->currentRow() == row) {
+                // Shown again: no change of row announces it.
+                Q_EMIT pageShown(page);
+            }
             sidebar_->setCurrentRow(row);
             pages_->setCurrentWidget(widgets_[slot(page)]);
             setWindowTitle(mainWindowTitle(page));

@@ -49,6 +49,8 @@ class MainWindow final : public QMainWindow {
   Q_SIGNALS:
     // Ctrl+N: a new session is wanted (the tray's panel starts it).
     void newSessionRequested();
+    // `page` came into view (from the sidebar, a shortcut or showPage).
+    void pageShown(lumenote::ui::MainPage page);
 
   protected:
     void changeEvent(QEvent* event) override;

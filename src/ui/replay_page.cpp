@@ -180,7 +180,10 @@ QWidget* ReplayPage::buildRowsCard() {
     tree_->header()->setSectionResizeMode(ReplayRowsModel::durationColumn,
                                           QHeaderView::ResizeToContents);
     tree_->header()->setSectionResizeMode(ReplayRowsModel::chipColumn, QHeaderView::Fixed);
-    tree_->header()->resizeSection(ReplayRowsModel::chipColumn, 190);
+    // As wide as the longest chip word, so the names keep the room left.
+    tree_->header()->resizeSection(
+        ReplayRowsModel::chipColumn,
+        tree_->fontMetrics().horizontalAdvance(QStringLiteral("Partly confirmed")) + 36);
     tree_->setMinimumHeight(220);
     card->bodyLayout()->addWidget(tree_, 1);
 

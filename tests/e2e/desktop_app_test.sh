@@ -172,7 +172,10 @@ page_shots() {
     shot "$main" "main-$3-light"
     shot_in_dark "$main" "main-$3-dark"
 }
+page_shots ctrl+2 Replay replay
 page_shots ctrl+3 History history
+page_shots ctrl+4 Insights insights
+page_shots ctrl+5 Settings settings
 tray click "Review Unclassified Activity"
 poll_until "the review" window_named "^Review — Lumenote$"
 shot "$main" main-review-light

@@ -101,3 +101,28 @@ TEST(MainWindowReviewTest, TheReviewIsAPageWithoutASidebarEntry) {
 
 }  // namespace
 }  // namespace lumenote::ui
+
+namespace lumenote::ui {
+namespace {
+
+TEST(MainWindowPageShownTest, EveryWayOfShowingAPageAnnouncesIt) {
+    lumenote::testing::ensureOffscreenApplication();
+    MainWindow window;
+    window.addPage(MainPage::today, new QLabel(QStringLiteral("today")));
+    window.addPage(MainPage::replay, new QLabel(QStringLiteral("replay")));
+    window.addPage(MainPage::review, new QLabel(QStringLiteral("review")));
+    QSignalSpy shown(&window, &MainWindow::pageShown);
+    window.present();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    QTest::keyClick(&window, Qt::Key_2, Qt::ControlModifier);
+    ASSERT_TRUE(window.showPage(MainPage::replay));
+    ASSERT_TRUE(window.showPage(MainPage::review));
+    ASSERT_EQ(shown.count(), 3);
+    EXPECT_EQ(shown[0][0].value<MainPage>(), MainPage::replay);
+    // Shown again while in view: announced again, so the page can refresh.
+    EXPECT_EQ(shown[1][0].value<MainPage>(), MainPage::replay);
+    EXPECT_EQ(shown[2][0].value<MainPage>(), MainPage::review);
+}
+
+}  // namespace
+}  // namespace lumenote::ui

@@ -23,12 +23,16 @@ void Metric::setValue(const QString& value, const QString& caption) {
     available_ = true;
     value_->setText(value);
     caption_->setText(caption);
+    caption_->setVisible(true);
     restyle();
 }
 
 void Metric::setUnavailable(const QString& reason) {
     available_ = false;
     value_->setText(reason);
+    // A whole sentence already names the figure ("Not enough … to show a
+    // focus score."): the caption under it would only repeat it.
+    caption_->setVisible(!reason.endsWith(QLatin1Char('.')));
     restyle();
 }
 

@@ -99,9 +99,15 @@ TEST_F(DesignWidgetsTest, AMetricSaysItsValueWithItsCaptionOrWhyThereIsNone) {
     EXPECT_EQ(metric.accessibleName(), "Not enough data, studied today");
     EXPECT_EQ(value->foregroundRole(), QPalette::PlaceholderText);
     EXPECT_LT(value->font().pointSizeF(), figureSize);
+    auto* caption = metric.findChild<QLabel*>(QStringLiteral("metricCaption"));
+    EXPECT_FALSE(caption->isHidden());
+    // A whole sentence names the figure itself: no caption repeats it.
+    metric.setUnavailable(QStringLiteral("Record a minute of activity to show a score."));
+    EXPECT_TRUE(caption->isHidden());
     metric.setValue(QStringLiteral("82%"), QStringLiteral("focus score"));
     EXPECT_EQ(value->foregroundRole(), QPalette::WindowText);
     EXPECT_EQ(value->font().pointSizeF(), figureSize);
+    EXPECT_FALSE(caption->isHidden());
 }
 
 TEST_F(DesignWidgetsTest, ARowIsNamedByAllItShows) {
