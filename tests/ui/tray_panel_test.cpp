@@ -18,10 +18,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QRadioButton>
 #include <memory>
 
 #include "platform/system/system_clocks.hpp"
+#include "recording/unclassified_review_service.hpp"
 #include "settings/in_memory_session_template_repository.hpp"
 #include "settings/session_template_store.hpp"
 #include "support/temporary_home.hpp"
@@ -198,6 +200,42 @@ TEST_F(TrayPanelTest, TheSummarySavesTheSessionsReceipt) {
     EXPECT_FALSE(panel_->saveReceipt(folder / "taken.png"));
     EXPECT_TRUE(child<QLabel>("banner").text().startsWith("The receipt could not be saved"));
     EXPECT_TRUE(std::filesystem::is_directory(folder / "taken.png"));
+}
+
+TEST_F(TrayPanelTest, TheSummaryOffersTheReplayOfItsSession) {
+    fillForm("Geology", "25");
+    child<QPushButton>("start").click();
+    const Uuid id = runtime_->manager().activeSession()->id;
+    child<QPushButton>("end").click();
+    ASSERT_EQ(panel_->page(), TrayPanel::Page::summary);
+    QSignalSpy replay(panel_.get(), &TrayPanel::replayRequested);
+    child<QPushButton>("replay").click();
+    ASSERT_EQ(replay.count(), 1);
+    EXPECT_EQ(replay[0][0].toString().toStdString(), id.upperString());
+}
+
+TEST_F(TrayPanelTest, TheStartPageInvitesReviewOnlyWhileSomethingWaits) {
+    EXPECT_FALSE(child<QPushButton>("reviewLine").isVisibleTo(panel_.get()));
+    recording::StudySession session(Uuid::generate(), "Reading", "", 0.0, Date{0.0});
+    session.endDate = Date{600.0};
+    session.setStatus(recording::StudySessionStatus::completed);
+    recording::ActivitySegment unruled(Uuid::generate(), Date{0.0}, Date{600.0}, 600.0,
+                                       "Scratchpad", "org.example.Scratchpad",
+                                       classification::ActivityClassification::unclassified,
+                                       false);
+    unruled.session = session.id;
+    recording::StoreChangeSet changes;
+    changes.sessions.push_back(session);
+    changes.segments.push_back(unruled);
+    ASSERT_TRUE(services_->store().apply(changes).ok());
+    services_->review().invalidate();
+    panel_->reloadStartForm();
+    auto& line = child<QPushButton>("reviewLine");
+    EXPECT_TRUE(line.isVisibleTo(panel_.get()));
+    EXPECT_EQ(line.accessibleName(), "1 activity waits for review (10 min)");
+    QSignalSpy review(panel_.get(), &TrayPanel::reviewRequested);
+    line.click();
+    EXPECT_EQ(review.count(), 1);
 }
 
 TEST_F(TrayPanelTest, ATemplateStartsInOneClickAndIsMarkedUsed) {
