@@ -128,6 +128,7 @@ HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHis
     auto* actions = new QHBoxLayout;
     auto* exporting = new QPushButton(QStringLiteral("Export…"), this);
     exporting->setObjectName(QStringLiteral("historyExport"));
+    exporting->setAccessibleName(QStringLiteral("Export sessions"));
     auto* exportMenu = new QMenu(exporting);
     exportSelection_ = exportMenu->addAction(QStringLiteral("Export Selected Sessions…"), this,
                                              [this] { chooseExport(false); });
@@ -137,6 +138,7 @@ HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHis
     actions->addWidget(exporting);
     delete_ = new QPushButton(QStringLiteral("Delete"), this);
     delete_->setObjectName(QStringLiteral("historyDelete"));
+    delete_->setAccessibleName(QStringLiteral("Delete the selected sessions"));
     delete_->setEnabled(false);
     actions->addStretch(1);
     actions->addWidget(delete_);

@@ -82,6 +82,7 @@ OnboardingDialog::OnboardingDialog(settings::PreferencesStore& preferences,
     pages_->addWidget(buildDone());
 
     back_ = new QPushButton(QStringLiteral("Back"), this);
+    back_->setAccessibleName(QStringLiteral("Back"));
     back_->setObjectName(QStringLiteral("onboardingBack"));
     back_->setAutoDefault(false);
     next_ = new QPushButton(this);
@@ -141,6 +142,7 @@ QWidget* OnboardingDialog::buildObservation() {
     observation_->setTextFormat(Qt::RichText);
     layout->addWidget(observation_);
     auto* again = new QPushButton(QStringLiteral("Check Again"), widget);
+    again->setAccessibleName(QStringLiteral("Check this desktop again"));
     again->setObjectName(QStringLiteral("onboardingCheckAgain"));
     again->setAutoDefault(false);
     connect(again, &QPushButton::clicked, this, [this] { showStep(OnboardingStep::observation); });
@@ -176,6 +178,7 @@ QWidget* OnboardingDialog::buildBrowsers() {
             : QStringLiteral("The extension packages were not found beside this installation.");
     layout->addWidget(muted(packages, widget));
     auto* test = new QPushButton(QStringLiteral("Test Again"), widget);
+    test->setAccessibleName(QStringLiteral("Test the browsers' connection again"));
     test->setObjectName(QStringLiteral("onboardingTestBrowsers"));
     test->setAutoDefault(false);
     connect(test, &QPushButton::clicked, this, &OnboardingDialog::refreshBrowsers);
@@ -237,6 +240,7 @@ QWidget* OnboardingDialog::buildGoal() {
                           .arg(qt(settings::globalHotkeyDisplayText(preferences_.globalHotkey()))),
                       widget);
     shortcutEnabled_->setObjectName(QStringLiteral("onboardingShortcut"));
+    shortcutEnabled_->setAccessibleName(shortcutEnabled_->text());
     shortcutEnabled_->setChecked(preferences_.globalHotkeyEnabled());
     connect(shortcutEnabled_, &QCheckBox::toggled, this,
             [this](bool enabled) { preferences_.setGlobalHotkeyEnabled(enabled); });
@@ -259,6 +263,7 @@ QWidget* OnboardingDialog::buildDone() {
                        "sessions and your week."),
         widget));
     auto* start = new QPushButton(QStringLiteral("Start a Study Session"), widget);
+    start->setAccessibleName(start->text());
     start->setObjectName(QStringLiteral("onboardingStart"));
     start->setAutoDefault(false);
     connect(start, &QPushButton::clicked, this, [this] {
@@ -283,6 +288,7 @@ void OnboardingDialog::showStep(OnboardingStep step) {
     back_->setEnabled(step != OnboardingStep::welcome);
     next_->setText(step == OnboardingStep::done ? QStringLiteral("Finish")
                                                 : QStringLiteral("Continue"));
+    next_->setAccessibleName(next_->text());
     // Return goes on, whatever the page shows; the page's own buttons take
     // Space when the keyboard is on them.
     next_->setFocus();

@@ -67,6 +67,8 @@ ReviewPage::ReviewPage(recording::UnclassifiedReviewService& review, QWidget* pa
     list_->setAccessibleName(QStringLiteral("Activities without a class"));
     list_->setAlternatingRowColors(true);
     list_->setWordWrap(true);
+    // Each group reads as two lines with room around them.
+    list_->setStyleSheet(QStringLiteral("QListWidget::item { padding: 6px 10px; }"));
     layout->addWidget(list_, 1);
 
     auto* scopeRow = new QHBoxLayout;

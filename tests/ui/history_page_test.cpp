@@ -19,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/accessibility.hpp"
 #include "ui/offscreen_application.hpp"
 
 #include "platform/fake/fake_platform.hpp"
@@ -190,6 +191,8 @@ TEST_F(HistoryPageTest, PaintsInLightAndDark) {
                                                QItemSelectionModel::ClearAndSelect);
         const QImage image = page_->grab().toImage();
         EXPECT_EQ(image.size(), page_->size() * image.devicePixelRatio());
+        const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(*page_);
+        EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
         if (folder != nullptr) {
             QDir().mkpath(folder);
             EXPECT_TRUE(image.save(QDir(folder).filePath(

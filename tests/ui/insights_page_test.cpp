@@ -22,6 +22,7 @@
 #include "store/sqlite_recording_store.hpp"
 #include "support/stored_sessions.hpp"
 #include "support/temporary_home.hpp"
+#include "ui/accessibility.hpp"
 #include "ui/appearance.hpp"
 #include "ui/design/metric.hpp"
 #include "ui/design/year_calendar_view.hpp"
@@ -252,13 +253,8 @@ TEST_F(InsightsPageTest, AnUnreadableHistoryShowsItsSentenceInTheBanner) {
 TEST_F(InsightsPageTest, EveryControlHasAnAccessibleName) {
     fillHistory();
     auto page = openPage();
-    for (QWidget* widget : page->findChildren<QWidget*>()) {
-        if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisibleTo(page.get()) &&
-            qobject_cast<QScrollArea*>(widget) == nullptr) {
-            EXPECT_FALSE(widget->accessibleName().isEmpty())
-                << widget->metaObject()->className() << " " << widget->objectName().toStdString();
-        }
-    }
+    const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(*page);
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
 }
 
 // With LUMENOTE_SCREENSHOT_DIR set, the page is written there in light and

@@ -17,6 +17,7 @@
 
 #include "settings/in_memory_defaults_domain.hpp"
 #include "support/temporary_home.hpp"
+#include "ui/accessibility.hpp"
 #include "ui/design/row.hpp"
 #include "ui/offscreen_application.hpp"
 #include "ui/screenshots.hpp"
@@ -135,6 +136,17 @@ TEST_F(OnboardingDialogTest, TheGoalStepWritesTheDailyGoal) {
     lumenote::testing::saveScreenshots(dialog, "onboarding-welcome");
     dialog.showStep(OnboardingStep::classifications);
     lumenote::testing::saveScreenshots(dialog, "onboarding-classifications");
+}
+
+TEST_F(OnboardingDialogTest, EveryStepsControlsHaveNames) {
+    OnboardingDialog dialog(preferences_, services());
+    dialog.show();
+    for (const OnboardingStep step : models::kOnboardingSteps) {
+        dialog.showStep(step);
+        const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(dialog);
+        EXPECT_TRUE(unnamed.isEmpty())
+            << models::onboardingStepTitle(step) << ": " << unnamed.join(", ").toStdString();
+    }
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/accessibility.hpp"
 #include "ui/offscreen_application.hpp"
 
 #include "platform/fake/fake_platform.hpp"
@@ -288,14 +289,7 @@ TEST_F(ReplayPageTest, EveryControlTheKeyboardReachesHasAName) {
     select(2);
     ASSERT_TRUE(page_->relabel(page_->view()->rows[2].start, page_->view()->rows[2].end,
                                recording::ConfirmedStudyState::confirmedBreak));
-    QStringList unnamed;
-    for (QWidget* widget : page_->findChildren<QWidget*>()) {
-        if (widget->isVisible() && widget->focusPolicy() & Qt::TabFocus &&
-            widget->accessibleName().isEmpty()) {
-            unnamed << widget->metaObject()->className() + QStringLiteral(" ") +
-                           widget->objectName();
-        }
-    }
+    const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(*page_);
     EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
 }
 

@@ -16,7 +16,9 @@
 #include "platform/fake/fake_platform.hpp"
 #include "recording/unclassified_review_service.hpp"
 #include "store/sqlite_recording_store.hpp"
+#include "ui/accessibility.hpp"
 #include "ui/offscreen_application.hpp"
+#include "ui/screenshots.hpp"
 
 namespace lumenote::ui {
 namespace {
@@ -107,6 +109,9 @@ TEST_F(ReviewPageTest, APDFRowOffersHowFarItsClassReaches) {
     page_->list().setCurrentRow(1);
     auto* scope = page_->findChild<QComboBox*>("reviewPDFScope");
     EXPECT_TRUE(scope->isVisible());
+    lumenote::testing::saveScreenshots(*page_, "review-page");
+    const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(*page_);
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
     EXPECT_EQ(scope->count(), 2);
     ASSERT_TRUE(page_->classifySelected(ActivityClassification::neutral));
     ASSERT_EQ(page_->rows().size(), 1u);

@@ -13,6 +13,7 @@
 
 #include "platform/fake/fake_platform.hpp"
 #include "recording/unclassified_review_service.hpp"
+#include "ui/accessibility.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/metric.hpp"
 #include "ui/design/row.hpp"
@@ -68,6 +69,8 @@ TEST_F(TodayPageTest, TheDaysFiguresAndSessionsOpenWhatWasClicked) {
     ASSERT_EQ(opened.count(), 1);
     EXPECT_EQ(opened[0][0].toString().toStdString(), page_->view().sessions[1].id.upperString());
     lumenote::testing::saveScreenshots(*page_, "today");
+    const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(*page_);
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
 
     // A day without sessions says so instead of a zero score.
     now_ = at("2026-11-25T10:00:00Z");
@@ -121,6 +124,8 @@ TEST_F(TodayPageTest, TheLiveCardAsksForTheCommandOfItsState) {
     EXPECT_EQ(commands[1][0].value<shell::AppCommand>(), shell::AppCommand::returnToComputerStudy);
     EXPECT_EQ(commands[2][0].value<shell::AppCommand>(), shell::AppCommand::endSession);
     lumenote::testing::saveScreenshots(*page_, "today-live");
+    const QStringList unnamed = lumenote::testing::unnamedKeyboardControls(*page_);
+    EXPECT_TRUE(unnamed.isEmpty()) << unnamed.join(", ").toStdString();
 }
 
 }  // namespace

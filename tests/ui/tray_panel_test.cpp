@@ -18,8 +18,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QRadioButton>
+#include <QSignalSpy>
 #include <memory>
 
 #include "platform/system/system_clocks.hpp"
@@ -221,8 +221,7 @@ TEST_F(TrayPanelTest, TheStartPageInvitesReviewOnlyWhileSomethingWaits) {
     session.setStatus(recording::StudySessionStatus::completed);
     recording::ActivitySegment unruled(Uuid::generate(), Date{0.0}, Date{600.0}, 600.0,
                                        "Scratchpad", "org.example.Scratchpad",
-                                       classification::ActivityClassification::unclassified,
-                                       false);
+                                       classification::ActivityClassification::unclassified, false);
     unruled.session = session.id;
     recording::StoreChangeSet changes;
     changes.sessions.push_back(session);
