@@ -4,8 +4,6 @@
 
 #include <QComboBox>
 #include <QCoreApplication>
-#include <QDir>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -20,6 +18,7 @@
 #include "portability/export_file.hpp"
 #include "ui/design/page_title.hpp"
 #include "ui/design/qt_text.hpp"
+#include "ui/export_file_dialog.hpp"
 #include "ui/history_list_model.hpp"
 #include "ui/history_row_delegate.hpp"
 
@@ -244,37 +243,10 @@ void HistoryPage::selectionChanged() {
 }
 
 void HistoryPage::chooseExport(bool everything) {
-    struct Choice {
-        const char* filter;
-        portability::ExportRequest request;
-    };
-    using portability::ExportFormat;
-    using portability::ExportTable;
-    const Choice choices[] = {
-        {"JSON document (*.json)", {.format = ExportFormat::json}},
-        {"Sessions table, CSV (*.csv)", {.format = ExportFormat::csv}},
-        {"Segments table, CSV (*.csv)",
-         {.format = ExportFormat::csv, .table = ExportTable::segments}},
-        {"Calendar (*.ics)", {.format = ExportFormat::ics}},
-    };
-    QStringList filters;
-    for (const Choice& choice : choices) {
-        filters.append(QString::fromLatin1(choice.filter));
+    if (const auto chosen = chooseExportFile(this, QStringLiteral("Export Sessions"),
+                                             portability::ExportRequest{})) {
+        (void)exportTo(chosen->path, chosen->request, everything);
     }
-    QFileDialog dialog(this, QStringLiteral("Export Sessions"), QDir::homePath());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilters(filters);
-    dialog.selectFile(qt(portability::defaultExportFileName(choices[0].request)));
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-        const auto chosen = filters.indexOf(filter);
-        dialog.selectFile(qt(portability::defaultExportFileName(choices[chosen].request)));
-    });
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
-        return;
-    }
-    const auto chosen = std::max<qsizetype>(0, filters.indexOf(dialog.selectedNameFilter()));
-    (void)exportTo(std::filesystem::path(dialog.selectedFiles().front().toStdString()),
-                   choices[chosen].request, everything);
 }
 
 std::optional<std::size_t> HistoryPage::exportTo(const std::filesystem::path& path,

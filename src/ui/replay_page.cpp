@@ -20,6 +20,7 @@
 #include "ui/design/chip.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/timeline_strip.hpp"
+#include "ui/export_file_dialog.hpp"
 #include "ui/models/history_list.hpp"
 #include "ui/models/receipt_options.hpp"
 #include "ui/models/session_receipt.hpp"
@@ -478,37 +479,12 @@ void ReplayPage::chooseExport() {
     if (!sessionId_) {
         return;
     }
-    struct Choice {
-        const char* filter;
-        portability::ExportRequest request;
-    };
-    using portability::ExportFormat;
-    using portability::ExportTable;
-    const Choice choices[] = {
-        {"JSON document (*.json)", {.format = ExportFormat::json, .session = *sessionId_}},
-        {"Session table, CSV (*.csv)", {.format = ExportFormat::csv, .session = *sessionId_}},
-        {"Segments table, CSV (*.csv)",
-         {.format = ExportFormat::csv, .table = ExportTable::segments, .session = *sessionId_}},
-        {"Calendar (*.ics)", {.format = ExportFormat::ics, .session = *sessionId_}},
-    };
-    QStringList filters;
-    for (const Choice& choice : choices) {
-        filters.append(QString::fromLatin1(choice.filter));
+    portability::ExportRequest thisSession;
+    thisSession.session = *sessionId_;
+    if (const auto chosen =
+            chooseExportFile(this, QStringLiteral("Export This Session"), thisSession)) {
+        (void)exportTo(chosen->path, chosen->request);
     }
-    QFileDialog dialog(this, QStringLiteral("Export This Session"), QDir::homePath());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setNameFilters(filters);
-    dialog.selectFile(qt(portability::defaultExportFileName(choices[0].request)));
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&](const QString& filter) {
-        const auto chosen = filters.indexOf(filter);
-        dialog.selectFile(qt(portability::defaultExportFileName(choices[chosen].request)));
-    });
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
-        return;
-    }
-    const auto chosen = std::max<qsizetype>(0, filters.indexOf(dialog.selectedNameFilter()));
-    (void)exportTo(std::filesystem::path(dialog.selectedFiles().front().toStdString()),
-                   choices[chosen].request);
 }
 
 bool ReplayPage::exportTo(const std::filesystem::path& path, portability::ExportRequest request) {
@@ -562,18 +538,14 @@ bool ReplayPage::saveReceipt(const std::filesystem::path& path) {
     // later from the replay shows the session's own figures only.
     const auto receipt =
         models::makeSessionReceipt(*session_, {}, models::readReceiptOptions(defaults_), calendar_);
-    const auto format =
-        path.extension() == ".pdf" ? receipts::ReceiptFormat::pdf : receipts::ReceiptFormat::png;
-    std::filesystem::path destination = path;
-    if (destination.extension() != ".pdf" && destination.extension() != ".png") {
-        destination += ".png";
-    }
-    if (auto written = receipts::writeSessionReceipt(receipt, destination, format); !written) {
+    const receipts::ReceiptTarget target = receipts::receiptTarget(path);
+    if (auto written = receipts::writeSessionReceipt(receipt, target.path, target.format);
+        !written) {
         showError(qt(written.error().message()));
         return false;
     }
     saved_->setText(
-        QStringLiteral("Receipt saved as %1.").arg(qt(destination.filename().string())));
+        QStringLiteral("Receipt saved as %1.").arg(qt(target.path.filename().string())));
     return true;
 }
 

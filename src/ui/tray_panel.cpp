@@ -305,18 +305,14 @@ bool TrayPanel::saveReceipt(const std::filesystem::path& path) {
     const auto receipt = models::makeSessionReceipt(
         **stored, runtime_.manager().pendingPostSessionPersonalBests(),
         models::readReceiptOptions(services.defaults()), LocalCalendar::current());
-    const auto format =
-        path.extension() == ".pdf" ? receipts::ReceiptFormat::pdf : receipts::ReceiptFormat::png;
-    std::filesystem::path destination = path;
-    if (destination.extension() != ".pdf" && destination.extension() != ".png") {
-        destination += ".png";
-    }
-    if (auto written = receipts::writeSessionReceipt(receipt, destination, format); !written) {
+    const receipts::ReceiptTarget target = receipts::receiptTarget(path);
+    if (auto written = receipts::writeSessionReceipt(receipt, target.path, target.format);
+        !written) {
         showError(qt(written.error().message()));
         return false;
     }
     receiptSaved_->setText(
-        QStringLiteral("Receipt saved as %1.").arg(qt(destination.filename().string())));
+        QStringLiteral("Receipt saved as %1.").arg(qt(target.path.filename().string())));
     receiptSaved_->setVisible(true);
     return true;
 }

@@ -1,5 +1,8 @@
 #include "ui/receipts/receipt_file.hpp"
 
+#include <algorithm>
+#include <cctype>
+
 #include <QBuffer>
 #include <QGuiApplication>
 #include <QImage>
@@ -155,6 +158,20 @@ Result<void, ReceiptFileError> writeWeeklyReceipt(const models::WeeklyReceipt& r
             paintWeeklyReceipt(painter, page, receipt);
         },
         path, format);
+}
+
+ReceiptTarget receiptTarget(const std::filesystem::path& chosen) {
+    std::string extension = chosen.extension().string();
+    std::transform(extension.begin(), extension.end(), extension.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (extension == ".pdf") {
+        return {chosen, ReceiptFormat::pdf};
+    }
+    std::filesystem::path path = chosen;
+    if (extension != ".png") {
+        path += ".png";
+    }
+    return {path, ReceiptFormat::png};
 }
 
 }  // namespace lumenote::ui::receipts

@@ -30,6 +30,15 @@ enum class ReceiptKind { session, week };
 // week (its first day).
 std::string defaultReceiptFileName(ReceiptKind kind, std::string_view dayKey, ReceiptFormat format);
 
+// Where a receipt the user named `chosen` is written, and as what: a PDF
+// when the name ends in ".pdf", otherwise a PNG, with ".png" added to a name
+// that ends in neither (the extension's letter case does not matter).
+struct ReceiptTarget {
+    std::filesystem::path path;
+    ReceiptFormat format = ReceiptFormat::png;
+};
+ReceiptTarget receiptTarget(const std::filesystem::path& chosen);
+
 enum class ReceiptFileFailure {
     destinationIsFolder,  // the path names an existing folder
     folderUnusable,       // the folder is missing and cannot be created

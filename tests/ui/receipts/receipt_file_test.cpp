@@ -232,3 +232,21 @@ TEST_F(ReceiptFileTest, WritesThePicturesForReview) {
 
 }  // namespace
 }  // namespace lumenote::ui::receipts
+
+namespace lumenote::ui::receipts {
+namespace {
+
+TEST(ReceiptTargetTest, TheNameDecidesTheFormatAndAPictureGetsItsExtension) {
+    EXPECT_EQ(receiptTarget("week.pdf").format, ReceiptFormat::pdf);
+    EXPECT_EQ(receiptTarget("week.pdf").path, "week.pdf");
+    EXPECT_EQ(receiptTarget("week.png").path, "week.png");
+    EXPECT_EQ(receiptTarget("week").path, "week.png");
+    EXPECT_EQ(receiptTarget("week").format, ReceiptFormat::png);
+    // Another extension is kept and the picture's added after it.
+    EXPECT_EQ(receiptTarget("notes.txt").path, "notes.txt.png");
+    EXPECT_EQ(receiptTarget("Week.PDF").format, ReceiptFormat::pdf);
+    EXPECT_EQ(receiptTarget("Week.PNG").path, "Week.PNG");
+}
+
+}  // namespace
+}  // namespace lumenote::ui::receipts
