@@ -67,6 +67,10 @@ beta=$window
 "$cli" rules set-app LumenoteAlpha focused >/dev/null
 "$cli" rules set-app LumenoteBeta distracting >/dev/null
 
+# Firefox registered beforehand, Chromium not: the assistant's browser step
+# shows each as it really is (see onboarding-browsers-*.png).
+"$cli" browser register firefox >/dev/null
+
 # ---- start-up: the tray item with the idle tooltip, and its menu
 start_app --hidden
 poll_until "the idle tooltip" tooltip_is "Lumenote. No session running."
