@@ -489,6 +489,11 @@ void DesktopApplication::startGlobalShortcut() {
         hotkeyEvents_ = std::make_unique<QSocketNotifier>(hotkeyGrabber_->fileDescriptor(),
                                                           QSocketNotifier::Read);
         connect(hotkeyEvents_.get(), &QSocketNotifier::activated, this, [this] {
+            if (hotkeyGrabber_->connection()->lost()) {
+                // End of file on a lost display stays readable for ever.
+                hotkeyEvents_->setEnabled(false);
+                return;
+            }
             if (hotkeyGrabber_->processEvents()) {
                 hotkeyController_->service().trigger();
             }

@@ -278,6 +278,13 @@ void RecorderRuntime::onBrowserEventArrived() {
 }
 
 void RecorderRuntime::onActivation() {
+    if (services_.displayLost()) {
+        // The lost connection's socket reads as end of file for ever: stop
+        // watching it, and end the session at the last moment it was seen.
+        activationNotifier_->setEnabled(false);
+        terminate("The connection to the display was lost");
+        return;
+    }
     if (services_.takeActivation()) {
         manager().applicationActivated();
         frontEnd_.refresh();

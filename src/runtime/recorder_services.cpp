@@ -247,4 +247,8 @@ bool RecorderServices::takeActivation() {
     return parts_->x11 && parts_->x11->processEvents();
 }
 
+bool RecorderServices::displayLost() const {
+    return parts_->x11 && parts_->x11->connection()->lost();
+}
+
 }  // namespace lumenote::runtime

@@ -95,6 +95,9 @@ class RecorderServices {
     // Drains the desktop's activation events; true when the frontmost
     // window changed since the last call.
     bool takeActivation();
+    // True once the X display went away: its descriptor stays readable at
+    // end of file, and nothing can be observed any more.
+    bool displayLost() const;
 
   private:
     struct Parts;

@@ -107,6 +107,7 @@ start_desktop_session() {
 
     timeout 600 Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset \
         3>"$work/display" >"$work/xvfb.log" 2>&1 &
+    xvfb_job=$!
     background+=($!)
     poll_until "Xvfb" test -s "$work/display"
     export DISPLAY=":$(head -n1 "$work/display")"

@@ -12,7 +12,8 @@
 # PrepareForSleep(true/false) becomes a "Mac asleep" stretch, that `pause`,
 # `resume`, `status` and `end` reach the recorder, and that the stored totals
 # add up. Then kills a recorder with SIGKILL and checks `recovery status` and
-# `recovery end`.
+# `recovery end`. Last, takes the X server away from a recorder, which saves
+# what it saw and exits instead of spinning on the dead connection.
 #
 # Usage: recorder_test.sh BIN_DIR. Waits poll with deadlines; every external
 # process runs under timeout and is killed on exit.
@@ -209,4 +210,27 @@ assert total <= timer + 0.001, (total, timer)
 CHECK
 [[ "$("$cli" recovery status)" == *"No unfinished session was found."* ]] ||
     fail "the recovered session is still offered"
+
+# ---- the display goes away: the recorder saves what it saw and exits ----
+timeout 150 "$cli" record --subject "Display lost" --open-ended \
+    >"$work/lost.out" 2>"$work/lost.err" &
+lost_job=$!
+background+=("$lost_job")
+poll_until "the third recorder" status_matches "Display lost"
+poll_until "2 seconds of the third recording" elapsed_at_least 2
+kill "$xvfb_job"
+recorder_gone() { ! kill -0 "$lost_job" 2>/dev/null; }
+poll_until "the recorder to leave after its display" recorder_gone
+grep -q "The connection to the display was lost" "$work/lost.err" "$work/lost.out" ||
+    fail "the recorder did not say that the display was lost"
+# As at a shutdown, what was confirmed is saved and waits for recovery.
+[[ "$("$cli" recovery status)" == *"Lumenote found an unfinished session."* ]] ||
+    fail "the session without a display is not offered for recovery"
+"$cli" recovery end >/dev/null || fail "recovery end failed after the display was lost"
+"$python" - "$("$cli" sessions --json)" <<'CHECK' || fail "the session without a display is wrong"
+import json, sys
+lost = {s["subject"]: s for s in json.loads(sys.argv[1])}["Display lost"]
+assert lost["status"] == "interrupted", lost["status"]
+assert lost["timerDuration"] >= 2, lost["timerDuration"]
+CHECK
 echo "recorder end-to-end test passed"
