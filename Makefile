@@ -1,6 +1,6 @@
 # Thin wrapper over the CMake presets: every target first makes sure the Debian
 # packages are installed, then hands over to CMake and CTest.
-.PHONY: all deps build run desktop-entry test test-sanitize format format-check bench fuzz clean
+.PHONY: all deps build run desktop-entry test test-sanitize format format-check bench fuzz package package-check clean
 
 all: build
 
@@ -46,5 +46,16 @@ fuzz: deps
 	cmake --build --preset fuzz
 	fuzz/run-fuzzers --seconds $(FUZZ_SECONDS) build-fuzz
 
+# The Debian package, in build-package/ (cmake/LumenotePackage.cmake).
+package: deps
+	cmake --preset package
+	cmake --build --preset package
+	cd build-package && cpack
+
+# Builds the package, then checks it: its contents and control fields,
+# lintian, and the installed programs run from an unpacked root.
+package-check: package
+	tests/package/check_package.sh build-package
+
 clean:
-	rm -rf build build-sanitize build-fuzz
+	rm -rf build build-sanitize build-fuzz build-package

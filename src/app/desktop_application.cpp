@@ -290,6 +290,7 @@ ui::SettingsDependencies DesktopApplication::settingsDependencies() {
         .calendar = LocalCalendar::current(),
         .paths = services.paths(),
         .appVersion = LUMENOTE_VERSION,
+        .appBuild = LUMENOTE_BUILD_NUMBER,
     };
     settings.browserStatus = [&services](const bridge::NativeHostRegistrationChecker& checker) {
         return services.browserStatusRows(&checker);

@@ -50,7 +50,8 @@ AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, Q
     layout->addWidget(banner_);
 
     auto* product = new design::Card(QStringLiteral("Lumenote"), {}, this);
-    auto* version = new QLabel(qt(models::versionText(dependencies_.appVersion)), product);
+    auto* version = new QLabel(
+        qt(models::versionText(dependencies_.appVersion, dependencies_.appBuild)), product);
     version->setObjectName(QStringLiteral("aboutVersion"));
     version->setTextInteractionFlags(Qt::TextSelectableByMouse);
     product->bodyLayout()->addWidget(version);
@@ -117,11 +118,12 @@ portability::DiagnosticReportFacts AboutSettingsSection::facts() {
     if (dependencies_.diagnosticFacts) {
         return dependencies_.diagnosticFacts();
     }
-    std::optional<std::string> version;
-    if (!dependencies_.appVersion.empty()) {
-        version = dependencies_.appVersion;
-    }
-    return runtime::gatherDiagnosticReportFacts({dependencies_.paths, version, std::nullopt});
+    const auto orNothing = [](const std::string& text) {
+        return text.empty() ? std::nullopt : std::optional<std::string>(text);
+    };
+    return runtime::gatherDiagnosticReportFacts({dependencies_.paths,
+                                                 orNothing(dependencies_.appVersion),
+                                                 orNothing(dependencies_.appBuild)});
 }
 
 void AboutSettingsSection::showReport() {

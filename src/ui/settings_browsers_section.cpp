@@ -214,7 +214,7 @@ void BrowsersSettingsSection::runSetupTest() {
         dependencies_.setupTestInput
             ? dependencies_.setupTestInput()
             : runtime::gatherSetupTestInput(
-                  {dependencies_.paths, dependencies_.appVersion, std::string()});
+                  {dependencies_.paths, dependencies_.appVersion, dependencies_.appBuild});
     const bridge::SetupTestReport report =
         bridge::runSetupTest(input, dependencies_.wallClock.now());
     QStringList lines;

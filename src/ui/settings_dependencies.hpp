@@ -39,8 +39,10 @@ struct SettingsDependencies {
     // The local time backups are named and previews are shown in.
     LocalCalendar calendar;
     UserPaths paths;
-    // Written into every backup.
+    // Written into every backup; shown with the build number in About, the
+    // diagnostic report and the setup test's report.
     std::string appVersion;
+    std::string appBuild;
     // Why the global shortcut is not registered, when it is not ("" when
     // it is, or when it is off). Empty: the preferences' hotkey status
     // message, which the shortcut coordinator keeps.

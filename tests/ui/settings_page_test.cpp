@@ -92,6 +92,7 @@ class SettingsPageTest : public ::testing::Test {
             .calendar = LocalCalendar::utc(),
             .paths = home_.paths(),
             .appVersion = "1.4.0",
+            .appBuild = "12",
             .shortcutUnavailableSentence = [this] { return shortcutSentence_; },
             .observedOnThisDesktop =
                 [] {
@@ -599,14 +600,14 @@ TEST_F(SettingsPageTest, TheSetupTestShowsItsItemsAndCopiesItsReport) {
 
 TEST_F(SettingsPageTest, AboutShowsTheVersionAndAReportWithoutRecordedDetails) {
     page_->showSection(SettingsPage::Section::about);
-    EXPECT_EQ(labelText("aboutVersion"), "Version 1.4.0");
+    EXPECT_EQ(labelText("aboutVersion"), "Version 1.4.0 (build 12)");
     EXPECT_FALSE(child<QPushButton>("reportCopy")->isEnabled());
     press(child<QPushButton>("reportShow"));
     auto* report = child<QPlainTextEdit>("reportText");
     ASSERT_TRUE(shown("reportText"));
     const QString text = report->toPlainText();
     EXPECT_TRUE(text.startsWith("Lumenote Diagnostic Report\n")) << text.toStdString();
-    EXPECT_TRUE(text.contains("- Version: 1.4.0\n")) << text.toStdString();
+    EXPECT_TRUE(text.contains("- Version: 1.4.0\n- Build: 12\n")) << text.toStdString();
     EXPECT_TRUE(text.contains("- Sessions: 3\n")) << text.toStdString();
     EXPECT_TRUE(text.contains("- Application rules: 1\n")) << text.toStdString();
     for (const char* recorded : {"Subject 1", "Text Editor", "org.gnome.TextEditor"}) {

@@ -7,8 +7,9 @@
 
 namespace lumenote::ui::models {
 
-// "Version 1.4.0"; "Development build" without a version.
-std::string versionText(std::string_view appVersion);
+// "Version 1.4.0 (build 12)"; "Version 1.4.0" without a build number;
+// "Development build" without a version.
+std::string versionText(std::string_view appVersion, std::string_view appBuild);
 
 inline constexpr std::string_view kUpdatesText =
     "Updates come from your distribution's package manager, together with the rest of the "

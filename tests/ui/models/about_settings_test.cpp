@@ -6,8 +6,9 @@ namespace lumenote::ui::models {
 namespace {
 
 TEST(AboutSettings, AVersionIsNamedAndNoneIsADevelopmentBuild) {
-    EXPECT_EQ(versionText("1.4.0"), "Version 1.4.0");
-    EXPECT_EQ(versionText(""), "Development build");
+    EXPECT_EQ(versionText("1.4.0", "12"), "Version 1.4.0 (build 12)");
+    EXPECT_EQ(versionText("1.4.0", ""), "Version 1.4.0");
+    EXPECT_EQ(versionText("", "12"), "Development build");
 }
 
 }  // namespace

@@ -1,0 +1,102 @@
+#!/usr/bin/env bash
+# Checks the Debian package that `make package` built: its control fields and
+# dependencies, its contents, that it carries no maintainer scripts, lintian
+# (no errors), desktop-file-validate and appstreamcli on the files it ships;
+# then installs it with dpkg into a throw-away root, runs the programs from
+# there (the browser helper's manifest points into that root), and removes it
+# again, leaving nothing behind.
+#
+# Usage: check_package.sh BUILD_DIR (the package preset's folder). Every
+# process runs under timeout.
+set -euo pipefail
+
+build=${1:?usage: check_package.sh BUILD_DIR}
+shopt -s nullglob
+packages=("$build"/lumenote_*.deb)
+((${#packages[@]} == 1)) || { echo "FAIL: expected one package in $build" >&2; exit 1; }
+deb=${packages[0]}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+fail() {
+    echo "FAIL: $*" >&2
+    exit 1
+}
+field() { dpkg-deb --field "$deb" "$1"; }
+
+# ---- control fields
+[[ "$(field Package)" == lumenote ]] || fail "package name $(field Package)"
+[[ "$(field Architecture)" == "$(dpkg --print-architecture)" ]] || fail "architecture $(field Architecture)"
+[[ "$(field Version)" =~ ^[0-9]+\.[0-9]+\.[0-9]+$ ]] || fail "version $(field Version)"
+depends=$(field Depends)
+for library in libc6 libqt6widgets6 libqt6svg6 libqt6dbus6 libsqlite3-0 libx11-6 libxss1; do
+    [[ "$depends" == *"$library"* ]] || fail "Depends misses $library: $depends"
+done
+
+# ---- no maintainer scripts: installing registers nothing on its own
+dpkg-deb --control "$deb" "$work/control"
+for script in preinst postinst prerm postrm config; do
+    [[ ! -e "$work/control/$script" ]] || fail "the package carries a $script script"
+done
+
+# ---- contents
+dpkg-deb --contents "$deb" | awk '{print $6}' >"$work/contents"
+for file in ./usr/bin/lumenote ./usr/bin/lumenote-cli ./usr/libexec/lumenote/TallywiseBrowserHost \
+    ./usr/share/applications/com.tallywise.Lumenote.desktop \
+    ./usr/share/metainfo/com.tallywise.Lumenote.metainfo.xml \
+    ./usr/share/icons/hicolor/scalable/apps/com.tallywise.Lumenote.svg \
+    ./usr/share/icons/hicolor/512x512/apps/com.tallywise.Lumenote.png \
+    ./usr/share/lumenote/extension/lumenote-firefox.xpi \
+    ./usr/share/lumenote/extension/lumenote-chromium.zip \
+    ./usr/share/lumenote/extension/chromium/manifest.json \
+    ./usr/share/man/man1/lumenote.1.gz ./usr/share/man/man1/lumenote-cli.1.gz \
+    ./usr/share/bash-completion/completions/lumenote-cli \
+    ./usr/share/doc/lumenote/copyright ./usr/share/doc/lumenote/changelog.gz; do
+    grep -qxF "$file" "$work/contents" || fail "the package lacks $file"
+done
+! grep -v '^\./usr/' "$work/contents" | grep -qv '^\./$' || fail "files outside /usr: $(grep -v '^\./usr/' "$work/contents")"
+
+# ---- lintian: no errors (warnings are printed for the reader)
+timeout 300 lintian --fail-on error --no-tag-display-limit "$deb" >"$work/lintian.out" 2>&1 ||
+    fail "lintian found errors: $(cat "$work/lintian.out")"
+cat "$work/lintian.out"
+
+# ---- the shipped desktop files validate
+dpkg-deb --extract "$deb" "$work/unpacked"
+validated=$(timeout 60 desktop-file-validate \
+    "$work/unpacked/usr/share/applications/com.tallywise.Lumenote.desktop" 2>&1 || true)
+! grep -qE ": (error|warning): " <<<"$validated" || fail "desktop-file-validate: $validated"
+timeout 60 appstreamcli validate --no-net \
+    "$work/unpacked/usr/share/metainfo/com.tallywise.Lumenote.metainfo.xml" >"$work/appstream.out" 2>&1 ||
+    fail "appstreamcli: $(cat "$work/appstream.out")"
+! grep -qE "^[EWI]: " "$work/appstream.out" || fail "appstreamcli: $(cat "$work/appstream.out")"
+
+# ---- installed with dpkg into a throw-away root, run from there, removed
+root="$work/root"
+mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
+touch "$root/var/lib/dpkg/status"
+dpkg_root() {
+    timeout 120 dpkg --root="$root" --force-depends --force-not-root --log=/dev/null "$@"
+}
+dpkg_root --install "$deb" >"$work/dpkg.out" 2>&1 || fail "dpkg --install: $(cat "$work/dpkg.out")"
+export HOME="$work/home" XDG_CONFIG_HOME="$work/home/config" XDG_DATA_HOME="$work/home/data"
+mkdir -p "$HOME"
+cli="$root/usr/bin/lumenote-cli"
+[[ "$(timeout 20 "$cli" --version)" == "lumenote-cli $(field Version) "* ]] ||
+    fail "the installed version is not the package's: $(timeout 20 "$cli" --version)"
+timeout 20 "$cli" browser register firefox >"$work/register.out" 2>&1 ||
+    fail "browser register: $(cat "$work/register.out")"
+manifest="$HOME/.mozilla/native-messaging-hosts/com.tallywise.browser_host.json"
+python3 - "$manifest" "$root/usr/libexec/lumenote/TallywiseBrowserHost" <<'CHECK' ||
+import json, os, sys
+path = json.load(open(sys.argv[1]))["path"]
+assert os.path.realpath(path) == os.path.realpath(sys.argv[2]), path
+CHECK
+    fail "the manifest does not point at the installed helper"
+[[ "$(timeout 20 "$root/usr/libexec/lumenote/TallywiseBrowserHost" --version)" == TallywiseBrowserHost* ]] ||
+    fail "the installed helper does not run"
+dpkg_root --remove lumenote >"$work/dpkg.out" 2>&1 || fail "dpkg --remove: $(cat "$work/dpkg.out")"
+left=$(find "$root/usr" -type f 2>/dev/null || true)
+[[ -z "$left" ]] || fail "files left after removal: $left"
+# The user's own registration is theirs to remove.
+[[ -f "$manifest" ]] || fail "removing the package touched the user's manifest"
+echo "package check passed: $(basename "$deb")"

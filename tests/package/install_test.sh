@@ -1,0 +1,108 @@
+#!/usr/bin/env bash
+# Installs the build tree into a temporary prefix and runs the programs from
+# there, as a packager or `sudo cmake --install` would leave them: every file
+# lands where the desktop looks for it, the installed lumenote-cli reports its
+# version, registers the browser helper with a manifest whose path points into
+# <prefix>/libexec/lumenote/, finds the extension packages under
+# <prefix>/share/lumenote/extension, and the installed helper answers a
+# browser's hello.
+#
+# Usage: install_test.sh BUILD_DIR. Every process runs under timeout.
+set -euo pipefail
+
+build=${1:?usage: install_test.sh BUILD_DIR}
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+prefix="$work/prefix"
+fail() {
+    echo "FAIL: $*" >&2
+    exit 1
+}
+
+timeout 120 cmake --install "$build" --prefix "$prefix" >"$work/install.log" ||
+    fail "cmake --install failed: $(tail -n 5 "$work/install.log")"
+
+expected=(
+    bin/lumenote
+    bin/lumenote-cli
+    libexec/lumenote/TallywiseBrowserHost
+    share/lumenote/extension/chromium/manifest.json
+    share/lumenote/extension/lumenote-chromium.zip
+    share/lumenote/extension/lumenote-firefox.xpi
+    share/applications/com.tallywise.Lumenote.desktop
+    share/metainfo/com.tallywise.Lumenote.metainfo.xml
+    share/icons/hicolor/scalable/apps/com.tallywise.Lumenote.svg
+    share/doc/lumenote/copyright
+    share/doc/lumenote/changelog.gz
+)
+for size in 16 22 24 32 48 64 128 256 512; do
+    expected+=("share/icons/hicolor/${size}x${size}/apps/com.tallywise.Lumenote.png")
+done
+for file in "${expected[@]}"; do
+    [[ -s "$prefix/$file" ]] || fail "not installed: $file"
+done
+for program in bin/lumenote bin/lumenote-cli libexec/lumenote/TallywiseBrowserHost; do
+    [[ -x "$prefix/$program" ]] || fail "not executable: $program"
+done
+
+# Each PNG is the size its folder names.
+python3 - "$prefix/share/icons/hicolor" <<'CHECK' || fail "an icon has the wrong size"
+import pathlib, struct, sys
+for png in pathlib.Path(sys.argv[1]).glob("*x*/apps/com.tallywise.Lumenote.png"):
+    data = png.read_bytes()
+    assert data[:8] == b"\x89PNG\r\n\x1a\n", png
+    width, height = struct.unpack(">II", data[16:24])
+    size = int(png.parent.parent.name.split("x")[0])
+    assert (width, height) == (size, size), (png, width, height)
+CHECK
+
+# The installed desktop entry starts the program on the PATH with the
+# theme's icon, not this build tree's.
+entry="$prefix/share/applications/com.tallywise.Lumenote.desktop"
+grep -qx "Exec=lumenote" "$entry" || fail "the installed entry does not run lumenote: $(grep Exec "$entry")"
+grep -qx "Icon=com.tallywise.Lumenote" "$entry" || fail "the installed entry names another icon"
+
+export HOME="$work/home" XDG_CONFIG_HOME="$work/home/config" XDG_DATA_HOME="$work/home/data"
+mkdir -p "$HOME"
+cli="$prefix/bin/lumenote-cli"
+version=$(timeout 20 "$cli" --version)
+[[ "$version" =~ ^lumenote-cli\ [0-9]+\.[0-9]+\.[0-9]+\ \(build\ [0-9]+\)$ ]] ||
+    fail "unexpected version line: $version"
+[[ "$(timeout 20 "$prefix/bin/lumenote" --version)" == "lumenote ${version#lumenote-cli }" ]] ||
+    fail "the two programs disagree on the version"
+
+timeout 20 "$cli" browser register firefox chromium >"$work/register.out" 2>&1 ||
+    fail "browser register failed: $(cat "$work/register.out")"
+host="$prefix/libexec/lumenote/TallywiseBrowserHost"
+for manifest in "$HOME/.mozilla/native-messaging-hosts/com.tallywise.browser_host.json" \
+    "$XDG_CONFIG_HOME/chromium/NativeMessagingHosts/com.tallywise.browser_host.json"; do
+    [[ -f "$manifest" ]] || fail "no manifest at $manifest: $(ls -R "$HOME")"
+    python3 - "$manifest" "$host" <<'CHECK' || fail "the manifest $manifest points elsewhere"
+import json, os, sys
+path = json.load(open(sys.argv[1]))["path"]
+assert os.path.realpath(path) == os.path.realpath(sys.argv[2]), path
+CHECK
+done
+
+extension=$(timeout 20 "$cli" extension path)
+[[ "$extension" == *"$prefix/share/lumenote/extension"* ]] ||
+    fail "extension path does not name the installed packages: $extension"
+
+# The installed helper answers a browser's hello and ends when its input
+# closes, as it does when a browser starts it from the manifest.
+timeout 30 python3 - "$host" <<'CHECK' || fail "the installed helper did not answer"
+import json, select, struct, subprocess, sys
+host = subprocess.Popen([sys.argv[1], "--browser=org.mozilla.firefox"],
+                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+hello = json.dumps({"bridgeMessage": "hello", "extensionVersion": "0.1.0",
+                    "protocolVersion": 1}).encode()
+host.stdin.write(struct.pack("=I", len(hello)) + hello)
+host.stdin.flush()
+ready, _, _ = select.select([host.stdout], [], [], 20)
+assert ready, "no answer within 20 s"
+(length,) = struct.unpack("=I", host.stdout.read(4))
+json.loads(host.stdout.read(length))
+host.stdin.close()
+assert host.wait(timeout=10) == 0, host.returncode
+CHECK
+echo "install test passed"
