@@ -1,7 +1,5 @@
 #include "ui/insights_page.hpp"
 
-#include <QDir>
-#include <QFileDialog>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -21,6 +19,7 @@
 #include "ui/models/insights_source.hpp"
 #include "ui/models/receipt_options.hpp"
 #include "ui/models/weekly_receipt.hpp"
+#include "ui/receipt_file_dialog.hpp"
 
 namespace lumenote::ui {
 
@@ -437,22 +436,14 @@ void InsightsPage::chooseReceiptFile() {
     if (!data_) {
         return;
     }
-    const QString png = QStringLiteral("PNG image (*.png)");
-    const QString pdf = QStringLiteral("PDF document (*.pdf)");
-    const std::string name = receipts::defaultReceiptFileName(
-        receipts::ReceiptKind::week, data_->week.figures.days.front().dayKey, ReceiptFormat::png);
-    QString chosenFilter = png;
-    const QString path = QFileDialog::getSaveFileName(
-        this, QStringLiteral("Save Weekly Receipt"), QDir::home().filePath(qt(name)),
-        png + QStringLiteral(";;") + pdf, &chosenFilter);
-    if (path.isEmpty()) {
-        return;
+    const auto target =
+        ui::chooseReceiptFile(this, QStringLiteral("Save Weekly Receipt"),
+                              receipts::defaultReceiptFileName(
+                                  receipts::ReceiptKind::week,
+                                  data_->week.figures.days.front().dayKey, ReceiptFormat::png));
+    if (target) {
+        saveWeeklyReceipt(target->path, target->format);
     }
-    const ReceiptFormat format =
-        chosenFilter == pdf || path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive)
-            ? ReceiptFormat::pdf
-            : ReceiptFormat::png;
-    saveWeeklyReceipt(path.toStdString(), format);
 }
 
 void InsightsPage::showError(const QString& message) {

@@ -1,7 +1,5 @@
 #include "ui/replay_page.hpp"
 
-#include <QDir>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -9,7 +7,6 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
-#include <QStandardPaths>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -24,6 +21,7 @@
 #include "ui/models/history_list.hpp"
 #include "ui/models/receipt_options.hpp"
 #include "ui/models/session_receipt.hpp"
+#include "ui/receipt_file_dialog.hpp"
 #include "ui/receipts/receipt_file.hpp"
 #include "ui/replay_chip_delegate.hpp"
 #include "ui/replay_relabel_dialog.hpp"
@@ -516,16 +514,13 @@ void ReplayPage::chooseReceiptFile() {
     if (!session_) {
         return;
     }
-    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    const QString folder = pictures.isEmpty() ? QDir::homePath() : pictures;
-    const QString suggested = QDir(folder).filePath(qt(receipts::defaultReceiptFileName(
-        receipts::ReceiptKind::session, calendar_.dayKey(session_->startDate),
-        receipts::ReceiptFormat::png)));
-    const QString chosen =
-        QFileDialog::getSaveFileName(this, QStringLiteral("Save Receipt"), suggested,
-                                     QStringLiteral("PNG image (*.png);;PDF document (*.pdf)"));
-    if (!chosen.isEmpty()) {
-        saveReceipt(std::filesystem::path(chosen.toStdString()));
+    const auto target = ui::chooseReceiptFile(
+        this, QStringLiteral("Save Receipt"),
+        receipts::defaultReceiptFileName(receipts::ReceiptKind::session,
+                                         calendar_.dayKey(session_->startDate),
+                                         receipts::ReceiptFormat::png));
+    if (target) {
+        saveReceipt(target->path);
     }
 }
 

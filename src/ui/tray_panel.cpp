@@ -2,8 +2,6 @@
 
 #include <QApplication>
 #include <QBoxLayout>
-#include <QDir>
-#include <QFileDialog>
 #include <QGridLayout>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -12,7 +10,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QStackedWidget>
-#include <QStandardPaths>
 #include <QTimer>
 #include <QToolButton>
 
@@ -26,6 +23,7 @@
 #include "ui/models/receipt_options.hpp"
 #include "ui/models/review_list.hpp"
 #include "ui/models/session_receipt.hpp"
+#include "ui/receipt_file_dialog.hpp"
 #include "ui/receipts/receipt_file.hpp"
 #include "ui/start_session_form.hpp"
 
@@ -275,18 +273,13 @@ void TrayPanel::chooseReceiptFile() {
     if (!session) {
         return;
     }
-    const QString folder =
-        QStandardPaths::writableLocation(QStandardPaths::PicturesLocation).isEmpty()
-            ? QDir::homePath()
-            : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
-    const QString suggested = QDir(folder).filePath(qt(receipts::defaultReceiptFileName(
-        receipts::ReceiptKind::session, LocalCalendar::current().dayKey(session->startDate),
-        receipts::ReceiptFormat::png)));
-    const QString chosen =
-        QFileDialog::getSaveFileName(this, QStringLiteral("Save Receipt"), suggested,
-                                     QStringLiteral("PNG image (*.png);;PDF document (*.pdf)"));
-    if (!chosen.isEmpty()) {
-        saveReceipt(std::filesystem::path(chosen.toStdString()));
+    const auto target = ui::chooseReceiptFile(
+        this, QStringLiteral("Save Receipt"),
+        receipts::defaultReceiptFileName(receipts::ReceiptKind::session,
+                                         LocalCalendar::current().dayKey(session->startDate),
+                                         receipts::ReceiptFormat::png));
+    if (target) {
+        saveReceipt(target->path);
     }
 }
 
