@@ -11,6 +11,7 @@
 #include "ui/design/card.hpp"
 #include "ui/design/chart_view.hpp"
 #include "ui/design/metric.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/row.hpp"
 #include "ui/design/year_calendar_view.hpp"
@@ -71,13 +72,6 @@ void setMetric(design::Metric* metric, const models::InsightsFigure& figure) {
     }
 }
 
-QPushButton* button(const QString& text, const char* name, QWidget* parent) {
-    auto* result = new QPushButton(text, parent);
-    result->setObjectName(QString::fromLatin1(name));
-    result->setAccessibleName(text);
-    return result;
-}
-
 design::Card* listCard(const QString& title, QVBoxLayout*& list, QWidget* parent) {
     auto* card = new design::Card(title, {}, parent);
     list = new QVBoxLayout;
@@ -132,9 +126,12 @@ void InsightsPage::buildHeader(QVBoxLayout* layout) {
     layout->addWidget(title);
 
     auto* selector = new QHBoxLayout;
-    previous_ = button(QStringLiteral("‹ Previous Week"), "insightsPreviousWeek", this);
-    next_ = button(QStringLiteral("Next Week ›"), "insightsNextWeek", this);
-    thisWeek_ = button(QStringLiteral("This Week"), "insightsThisWeek", this);
+    previous_ = design::namedButton(QStringLiteral("‹ Previous Week"),
+                                    QStringLiteral("insightsPreviousWeek"), this);
+    next_ = design::namedButton(QStringLiteral("Next Week ›"), QStringLiteral("insightsNextWeek"),
+                                this);
+    thisWeek_ =
+        design::namedButton(QStringLiteral("This Week"), QStringLiteral("insightsThisWeek"), this);
     weekTitle_ = new QLabel(this);
     weekTitle_->setObjectName(QStringLiteral("insightsWeekTitle"));
     QFont weekFont = weekTitle_->font();
@@ -143,7 +140,8 @@ void InsightsPage::buildHeader(QVBoxLayout* layout) {
     weekTitle_->setFont(weekFont);
     weekTitle_->setAlignment(Qt::AlignCenter);
     weekTitle_->setMinimumWidth(240);
-    saveReceipt_ = button(QStringLiteral("Save Weekly Receipt…"), "insightsSaveReceipt", this);
+    saveReceipt_ = design::namedButton(QStringLiteral("Save Weekly Receipt…"),
+                                       QStringLiteral("insightsSaveReceipt"), this);
     selector->addWidget(previous_);
     selector->addWidget(weekTitle_);
     selector->addWidget(next_);

@@ -16,6 +16,7 @@
 #include "portability/export_file.hpp"
 #include "runtime/diagnostic_report_input.hpp"
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/models/about_settings.hpp"
 #include "ui/settings_section_frame.hpp"
@@ -23,14 +24,6 @@
 namespace lumenote::ui {
 
 namespace {
-
-QPushButton* button(const QString& text, const QString& name, const char* objectName,
-                    QWidget* parent) {
-    auto* made = new QPushButton(text, parent);
-    made->setObjectName(QLatin1String(objectName));
-    made->setAccessibleName(name);
-    return made;
-}
 
 QLabel* paragraph(std::string_view text, QWidget* parent) {
     auto* label = new QLabel(qt(text), parent);
@@ -61,12 +54,12 @@ AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, Q
     auto* report =
         new design::Card(QStringLiteral("Diagnostic Report"), qt(models::kReportPrivacyText), this);
     auto* reportButtons = new QHBoxLayout;
-    auto* show = button(QStringLiteral("Show Report"), QStringLiteral("Show diagnostic report"),
-                        "reportShow", report);
-    copy_ = button(QStringLiteral("Copy"), QStringLiteral("Copy diagnostic report"), "reportCopy",
-                   report);
-    save_ = button(QStringLiteral("Save…"), QStringLiteral("Save diagnostic report"), "reportSave",
-                   report);
+    auto* show = design::namedButton(QStringLiteral("Show Report"), QStringLiteral("reportShow"),
+                                     report, QStringLiteral("Show diagnostic report"));
+    copy_ = design::namedButton(QStringLiteral("Copy"), QStringLiteral("reportCopy"), report,
+                                QStringLiteral("Copy diagnostic report"));
+    save_ = design::namedButton(QStringLiteral("Save…"), QStringLiteral("reportSave"), report,
+                                QStringLiteral("Save diagnostic report"));
     copy_->setEnabled(false);
     save_->setEnabled(false);
     reportButtons->addWidget(show);
@@ -88,8 +81,9 @@ AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, Q
         QStringLiteral("Feedback"),
         QStringLiteral("Opens a message in your mail program; no report is attached."), this);
     auto* feedbackRow = new QHBoxLayout;
-    auto* write = button(QStringLiteral("Write Feedback…"), QStringLiteral("Write feedback"),
-                         "feedbackWrite", feedback);
+    auto* write =
+        design::namedButton(QStringLiteral("Write Feedback…"), QStringLiteral("feedbackWrite"),
+                            feedback, QStringLiteral("Write feedback"));
     feedbackRow->addWidget(write);
     feedbackRow->addStretch(1);
     feedback->bodyLayout()->addLayout(feedbackRow);

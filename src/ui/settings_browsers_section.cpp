@@ -14,6 +14,7 @@
 #include "bridge/browser_installation.hpp"
 #include "runtime/setup_test_input.hpp"
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/models/browser_settings.hpp"
 #include "ui/settings_section_frame.hpp"
@@ -21,14 +22,6 @@
 namespace lumenote::ui {
 
 namespace {
-
-QPushButton* button(const QString& text, const QString& name, const QString& objectName,
-                    QWidget* parent) {
-    auto* made = new QPushButton(text, parent);
-    made->setObjectName(objectName);
-    made->setAccessibleName(name);
-    return made;
-}
 
 QLabel* line(const std::string& text, QWidget* parent) {
     auto* label = new QLabel(qt(text), parent);
@@ -68,8 +61,9 @@ BrowsersSettingsSection::BrowsersSettingsSection(SettingsDependencies& dependenc
     notInstalled_ = new QLabel(this);
     notInstalled_->setObjectName(QStringLiteral("browsersNotInstalled"));
     notInstalled_->setWordWrap(true);
-    auto* checkAgain = button(QStringLiteral("Check Again"), QStringLiteral("Check browsers again"),
-                              QStringLiteral("browsersCheck"), this);
+    auto* checkAgain =
+        design::namedButton(QStringLiteral("Check Again"), QStringLiteral("browsersCheck"), this,
+                            QStringLiteral("Check browsers again"));
     checkRow->addWidget(notInstalled_, 1);
     checkRow->addWidget(checkAgain);
     layout->addLayout(checkRow);
@@ -87,10 +81,12 @@ BrowsersSettingsSection::BrowsersSettingsSection(SettingsDependencies& dependenc
                        "and notifications, and says what to do next."),
         this);
     auto* setupRow = new QHBoxLayout;
-    auto* run = button(QStringLiteral("Run Setup Test"), QStringLiteral("Run setup test"),
-                       QStringLiteral("setupTestRun"), setup);
-    copyReport_ = button(QStringLiteral("Copy Report"), QStringLiteral("Copy setup test report"),
-                         QStringLiteral("setupTestCopy"), setup);
+    auto* run =
+        design::namedButton(QStringLiteral("Run Setup Test"), QStringLiteral("setupTestRun"), setup,
+                            QStringLiteral("Run setup test"));
+    copyReport_ =
+        design::namedButton(QStringLiteral("Copy Report"), QStringLiteral("setupTestCopy"), setup,
+                            QStringLiteral("Copy setup test report"));
     copyReport_->setEnabled(false);
     setupRow->addWidget(run);
     setupRow->addWidget(copyReport_);
@@ -178,8 +174,8 @@ QWidget* BrowsersSettingsSection::browserCard(const bridge::BrowserStatusRow& ro
         if (!shown) {
             return;
         }
-        auto* made = button(word, word + QLatin1Char(' ') + qt(text.title),
-                            key + QLatin1String(suffix), card);
+        auto* made = design::namedButton(word, key + QLatin1String(suffix), card,
+                                         word + QLatin1Char(' ') + qt(text.title));
         connect(made, &QPushButton::clicked, this,
                 [this, browser, removing] { change(browser, removing); });
         actions->addWidget(made);

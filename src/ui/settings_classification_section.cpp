@@ -8,6 +8,7 @@
 
 #include "ui/design/card.hpp"
 #include "ui/design/chip.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/row.hpp"
 #include "ui/settings_section_frame.hpp"
@@ -15,14 +16,6 @@
 namespace lumenote::ui {
 
 namespace {
-
-QPushButton* button(const QString& text, const QString& name, const QString& objectName,
-                    QWidget* parent) {
-    auto* made = new QPushButton(text, parent);
-    made->setObjectName(objectName);
-    made->setAccessibleName(name);
-    return made;
-}
 
 // A row with the class as its chip; the list item carries the row's words
 // for assistive technology.
@@ -82,9 +75,9 @@ ClassificationSettingsSection::ClassificationSettingsSection(SettingsDependencie
     pdfOutcome_->setVisible(false);
     pdfs->bodyLayout()->addWidget(pdfOutcome_);
     auto* pdfRow = new QHBoxLayout;
-    auto* clearLabels = button(QStringLiteral("Clear Labels Taken from File Names"),
-                               QStringLiteral("Clear labels taken from file names"),
-                               QStringLiteral("clearPDFLabels"), pdfs);
+    auto* clearLabels = design::namedButton(QStringLiteral("Clear Labels Taken from File Names"),
+                                            QStringLiteral("clearPDFLabels"), pdfs,
+                                            QStringLiteral("Clear labels taken from file names"));
     pdfRow->addWidget(clearLabels);
     pdfRow->addStretch(1);
     pdfs->bodyLayout()->addLayout(pdfRow);
@@ -130,12 +123,12 @@ QWidget* ClassificationSettingsSection::ruleCard(RuleList& rules, const QString&
     auto* buttons = new QHBoxLayout;
     const QString noun = rules.kind == RuleEditor::Kind::application ? QStringLiteral("application")
                                                                      : QStringLiteral("website");
-    auto* add = button(QStringLiteral("Add…"), QStringLiteral("Add %1 rule").arg(noun),
-                       prefix + QStringLiteral("Add"), card);
-    rules.change = button(QStringLiteral("Change…"), QStringLiteral("Change %1 rule").arg(noun),
-                          prefix + QStringLiteral("Change"), card);
-    rules.remove = button(QStringLiteral("Remove"), QStringLiteral("Remove %1 rule").arg(noun),
-                          prefix + QStringLiteral("Remove"), card);
+    auto* add = design::namedButton(QStringLiteral("Add…"), prefix + QStringLiteral("Add"), card,
+                                    QStringLiteral("Add %1 rule").arg(noun));
+    rules.change = design::namedButton(QStringLiteral("Change…"), prefix + QStringLiteral("Change"),
+                                       card, QStringLiteral("Change %1 rule").arg(noun));
+    rules.remove = design::namedButton(QStringLiteral("Remove"), prefix + QStringLiteral("Remove"),
+                                       card, QStringLiteral("Remove %1 rule").arg(noun));
     buttons->addWidget(add);
     buttons->addWidget(rules.change);
     buttons->addWidget(rules.remove);

@@ -13,6 +13,7 @@
 #include "portability/automatic_backups.hpp"
 #include "portability/export_file.hpp"
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/models/data_settings.hpp"
 #include "ui/settings_confirmation_field.hpp"
@@ -61,13 +62,6 @@ QLabel* wrappedLabel(const QString& text, QWidget* parent) {
     return label;
 }
 
-QPushButton* button(const QString& text, const char* name, QWidget* parent) {
-    auto* made = new QPushButton(text, parent);
-    made->setObjectName(QLatin1String(name));
-    made->setAccessibleName(text);
-    return made;
-}
-
 }  // namespace
 
 DataSettingsSection::DataSettingsSection(SettingsDependencies& dependencies, QWidget* parent)
@@ -93,7 +87,8 @@ DataSettingsSection::DataSettingsSection(SettingsDependencies& dependencies, QWi
     for (const ExportChoice& choice : kExportChoices) {
         exportFormat_->addItem(QString::fromUtf8(choice.label));
     }
-    auto* exportButton = button(QStringLiteral("Export All Sessions…"), "exportButton", exporting);
+    auto* exportButton = design::namedButton(QStringLiteral("Export All Sessions…"),
+                                             QStringLiteral("exportButton"), exporting);
     exportRow->addWidget(exportFormat_);
     exportRow->addWidget(exportButton);
     exportRow->addStretch(1);
@@ -106,7 +101,8 @@ DataSettingsSection::DataSettingsSection(SettingsDependencies& dependencies, QWi
                        ".tallywisebackup file, read back and verified once written."),
         this);
     auto* backupRow = new QHBoxLayout;
-    auto* backupButton = button(QStringLiteral("Back Up History…"), "backupButton", backup);
+    auto* backupButton = design::namedButton(QStringLiteral("Back Up History…"),
+                                             QStringLiteral("backupButton"), backup);
     backupRow->addWidget(backupButton);
     backupRow->addStretch(1);
     backup->bodyLayout()->addLayout(backupRow);
@@ -118,7 +114,8 @@ DataSettingsSection::DataSettingsSection(SettingsDependencies& dependencies, QWi
                        "choose how to restore it."),
         this);
     auto* restoreRow = new QHBoxLayout;
-    auto* chooseButton = button(QStringLiteral("Choose Backup…"), "restoreChooseButton", restore);
+    auto* chooseButton = design::namedButton(QStringLiteral("Choose Backup…"),
+                                             QStringLiteral("restoreChooseButton"), restore);
     restoreRow->addWidget(chooseButton);
     restoreRow->addStretch(1);
     restore->bodyLayout()->addLayout(restoreRow);
@@ -140,7 +137,8 @@ DataSettingsSection::DataSettingsSection(SettingsDependencies& dependencies, QWi
     previewLayout->addWidget(previewWarnings_);
     previewLayout->addWidget(wrappedLabel(qt(models::kMergeExplanation), preview_));
     auto* mergeRow = new QHBoxLayout;
-    merge_ = button(QStringLiteral("Merge with Current Data"), "mergeButton", preview_);
+    merge_ = design::namedButton(QStringLiteral("Merge with Current Data"),
+                                 QStringLiteral("mergeButton"), preview_);
     mergeRow->addWidget(merge_);
     mergeRow->addStretch(1);
     previewLayout->addLayout(mergeRow);

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/settings_key_recorder.hpp"
 #include "ui/settings_section_frame.hpp"
@@ -23,13 +24,6 @@ constexpr std::pair<const char*, TallywiseAppearance> kAppearances[] = {
     {"Light", TallywiseAppearance::light},
     {"Dark", TallywiseAppearance::dark},
 };
-
-QCheckBox* checkBox(const QString& text, const char* name, QWidget* parent) {
-    auto* box = new QCheckBox(text, parent);
-    box->setObjectName(QLatin1String(name));
-    box->setAccessibleName(text);
-    return box;
-}
 
 QLabel* note(const QString& text, const char* name, QWidget* parent) {
     auto* label = new QLabel(text, parent);
@@ -63,10 +57,11 @@ GeneralSettingsSection::GeneralSettingsSection(SettingsDependencies& dependencie
     layout->addWidget(looks);
 
     auto* starting = new design::Card(QStringLiteral("Start-up"), {}, this);
-    launchAtLogin_ =
-        checkBox(QStringLiteral("Launch Lumenote at login"), "launchAtLogin", starting);
-    startHidden_ = checkBox(QStringLiteral("Start hidden, with only the tray icon showing"),
-                            "startHidden", starting);
+    launchAtLogin_ = design::namedCheckBox(QStringLiteral("Launch Lumenote at login"),
+                                           QStringLiteral("launchAtLogin"), starting);
+    startHidden_ =
+        design::namedCheckBox(QStringLiteral("Start hidden, with only the tray icon showing"),
+                              QStringLiteral("startHidden"), starting);
     starting->bodyLayout()->addWidget(launchAtLogin_);
     starting->bodyLayout()->addWidget(startHidden_);
     layout->addWidget(starting);
@@ -76,8 +71,8 @@ GeneralSettingsSection::GeneralSettingsSection(SettingsDependencies& dependencie
         QStringLiteral("One key combination that works in every application: it opens the panel "
                        "when no session runs, and pauses or resumes a running session."),
         this);
-    shortcutEnabled_ =
-        checkBox(QStringLiteral("Use a global shortcut"), "shortcutEnabled", shortcut);
+    shortcutEnabled_ = design::namedCheckBox(QStringLiteral("Use a global shortcut"),
+                                             QStringLiteral("shortcutEnabled"), shortcut);
     shortcut->bodyLayout()->addWidget(shortcutEnabled_);
     auto* shortcutForm = new QFormLayout;
     shortcutForm->setFieldGrowthPolicy(QFormLayout::FieldsStayAtSizeHint);

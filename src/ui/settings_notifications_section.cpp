@@ -5,20 +5,10 @@
 #include <QVBoxLayout>
 
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/settings_section_frame.hpp"
 
 namespace lumenote::ui {
-
-namespace {
-
-QCheckBox* checkBox(const QString& text, const char* name, QWidget* parent) {
-    auto* box = new QCheckBox(text, parent);
-    box->setObjectName(QLatin1String(name));
-    box->setAccessibleName(text);
-    return box;
-}
-
-}  // namespace
 
 NotificationsSettingsSection::NotificationsSettingsSection(SettingsDependencies& dependencies,
                                                            QWidget* parent)
@@ -30,17 +20,18 @@ NotificationsSettingsSection::NotificationsSettingsSection(SettingsDependencies&
     settings::PreferencesStore& preferences = dependencies_.preferences;
 
     auto* card = new design::Card(QStringLiteral("Timed Sessions"), {}, this);
-    enabled_ = checkBox(QStringLiteral("Notify me when a timed session completes"),
-                        "notificationsEnabled", card);
-    includeSubject_ = checkBox(QStringLiteral("Include the subject in notifications"),
-                               "notificationsIncludeSubject", card);
+    enabled_ = design::namedCheckBox(QStringLiteral("Notify me when a timed session completes"),
+                                     QStringLiteral("notificationsEnabled"), card);
+    includeSubject_ = design::namedCheckBox(QStringLiteral("Include the subject in notifications"),
+                                            QStringLiteral("notificationsIncludeSubject"), card);
     card->bodyLayout()->addWidget(enabled_);
     card->bodyLayout()->addWidget(includeSubject_);
     layout->addWidget(card);
 
     auto* moments = new design::Card(QStringLiteral("After a Session"), {}, this);
-    celebrations_ = checkBox(QStringLiteral("Celebrate finished sessions and personal bests"),
-                             "sessionCelebrations", moments);
+    celebrations_ =
+        design::namedCheckBox(QStringLiteral("Celebrate finished sessions and personal bests"),
+                              QStringLiteral("sessionCelebrations"), moments);
     moments->bodyLayout()->addWidget(celebrations_);
     layout->addWidget(moments);
     layout->addStretch(1);

@@ -16,6 +16,7 @@
 #include "settings/preference_rules.hpp"
 #include "shell/session_start_form.hpp"
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/row.hpp"
 #include "ui/models/session_settings.hpp"
@@ -34,20 +35,6 @@ constexpr StudySessionMode kStudyModes[] = {StudySessionMode::computerBased,
                                             StudySessionMode::offlineBookStudy};
 
 constexpr int kTemplateIdRole = Qt::UserRole + 1;
-
-QCheckBox* checkBox(const QString& text, const char* name, QWidget* parent) {
-    auto* box = new QCheckBox(text, parent);
-    box->setObjectName(QLatin1String(name));
-    box->setAccessibleName(text);
-    return box;
-}
-
-QPushButton* button(const QString& text, const char* name, QWidget* parent) {
-    auto* made = new QPushButton(text, parent);
-    made->setObjectName(QLatin1String(name));
-    made->setAccessibleName(text.chopped(text.endsWith(QChar(0x2026)) ? 1 : 0));
-    return made;
-}
 
 }  // namespace
 
@@ -91,11 +78,12 @@ SessionsSettingsSection::SessionsSettingsSection(SettingsDependencies& dependenc
     }
     form->addRow(QStringLiteral("Study &mode"), studyMode_);
     defaults->bodyLayout()->addLayout(form);
-    rememberSubject_ =
-        checkBox(QStringLiteral("Remember the last subject"), "rememberSubject", defaults);
-    rememberGoal_ = checkBox(QStringLiteral("Remember the last goal"), "rememberGoal", defaults);
-    rememberDuration_ =
-        checkBox(QStringLiteral("Remember the last duration"), "rememberDuration", defaults);
+    rememberSubject_ = design::namedCheckBox(QStringLiteral("Remember the last subject"),
+                                             QStringLiteral("rememberSubject"), defaults);
+    rememberGoal_ = design::namedCheckBox(QStringLiteral("Remember the last goal"),
+                                          QStringLiteral("rememberGoal"), defaults);
+    rememberDuration_ = design::namedCheckBox(QStringLiteral("Remember the last duration"),
+                                              QStringLiteral("rememberDuration"), defaults);
     defaults->bodyLayout()->addWidget(rememberSubject_);
     defaults->bodyLayout()->addWidget(rememberGoal_);
     defaults->bodyLayout()->addWidget(rememberDuration_);
@@ -137,10 +125,12 @@ SessionsSettingsSection::SessionsSettingsSection(SettingsDependencies& dependenc
     templates_->setMinimumHeight(120);
     templates->bodyLayout()->addWidget(templates_);
     auto* buttons = new QHBoxLayout;
-    add_ = button(QStringLiteral("Add Template…"), "templateAdd", templates);
-    edit_ = button(QStringLiteral("Edit…"), "templateEdit", templates);
+    add_ = design::namedButton(QStringLiteral("Add Template…"), QStringLiteral("templateAdd"),
+                               templates);
+    edit_ = design::namedButton(QStringLiteral("Edit…"), QStringLiteral("templateEdit"), templates);
     edit_->setAccessibleName(QStringLiteral("Edit template"));
-    delete_ = button(QStringLiteral("Delete"), "templateDelete", templates);
+    delete_ =
+        design::namedButton(QStringLiteral("Delete"), QStringLiteral("templateDelete"), templates);
     delete_->setAccessibleName(QStringLiteral("Delete template"));
     buttons->addWidget(add_);
     buttons->addWidget(edit_);

@@ -13,6 +13,7 @@
 #include "runtime/setup_check.hpp"
 #include "settings/preference_rules.hpp"
 #include "ui/design/card.hpp"
+#include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/settings_number_field.hpp"
 #include "ui/settings_section_frame.hpp"
@@ -29,13 +30,6 @@ constexpr std::pair<const char*, LongSleepPreference> kLongSleeps[] = {
     {"After 30 minutes", LongSleepPreference::thirtyMinutes},
     {"Never", LongSleepPreference::never},
 };
-
-QCheckBox* checkBox(const QString& text, const char* name, QWidget* parent) {
-    auto* box = new QCheckBox(text, parent);
-    box->setObjectName(QLatin1String(name));
-    box->setAccessibleName(text);
-    return box;
-}
 
 }  // namespace
 
@@ -85,15 +79,17 @@ TrackingSettingsSection::TrackingSettingsSection(SettingsDependencies& dependenc
         QStringLiteral("Hostnames only, never addresses or page titles; nothing leaves this "
                        "computer."),
         this);
-    browserTracking_ = checkBox(QStringLiteral("Record activity in supported browsers"),
-                                "browserTracking", browsers);
-    hostnames_ = checkBox(QStringLiteral("Record website hostnames"), "hostnameTracking", browsers);
-    pauseBrowsers_ =
-        checkBox(QStringLiteral("Pause all browser tracking"), "pauseBrowserTracking", browsers);
-    localPDFs_ =
-        checkBox(QStringLiteral("Detect local PDFs opened in a browser"), "localPDFs", browsers);
-    manualPDFLabels_ =
-        checkBox(QStringLiteral("Let me label local PDFs"), "manualPDFLabels", browsers);
+    browserTracking_ =
+        design::namedCheckBox(QStringLiteral("Record activity in supported browsers"),
+                              QStringLiteral("browserTracking"), browsers);
+    hostnames_ = design::namedCheckBox(QStringLiteral("Record website hostnames"),
+                                       QStringLiteral("hostnameTracking"), browsers);
+    pauseBrowsers_ = design::namedCheckBox(QStringLiteral("Pause all browser tracking"),
+                                           QStringLiteral("pauseBrowserTracking"), browsers);
+    localPDFs_ = design::namedCheckBox(QStringLiteral("Detect local PDFs opened in a browser"),
+                                       QStringLiteral("localPDFs"), browsers);
+    manualPDFLabels_ = design::namedCheckBox(QStringLiteral("Let me label local PDFs"),
+                                             QStringLiteral("manualPDFLabels"), browsers);
     for (QCheckBox* box :
          {browserTracking_, hostnames_, pauseBrowsers_, localPDFs_, manualPDFLabels_}) {
         browsers->bodyLayout()->addWidget(box);
