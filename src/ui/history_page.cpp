@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "portability/export_file.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/page_title.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/export_file_dialog.hpp"
@@ -89,10 +90,7 @@ HistoryPage::HistoryPage(recording::RecordingStore& store, recording::SessionHis
     filters->addWidget(period_);
     layout->addLayout(filters);
 
-    banner_ = new QLabel(this);
-    banner_->setObjectName(QStringLiteral("historyBanner"));
-    banner_->setWordWrap(true);
-    banner_->setVisible(false);
+    banner_ = design::errorBanner(QStringLiteral("historyBanner"), this);
     layout->addWidget(banner_);
 
     list_ = new QListView(this);

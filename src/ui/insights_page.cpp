@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "settings/preferences_store.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/chart_view.hpp"
 #include "ui/design/metric.hpp"
@@ -150,10 +151,7 @@ void InsightsPage::buildHeader(QVBoxLayout* layout) {
     selector->addWidget(saveReceipt_);
     layout->addLayout(selector);
 
-    banner_ = new QLabel(this);
-    banner_->setObjectName(QStringLiteral("insightsBanner"));
-    banner_->setWordWrap(true);
-    banner_->setVisible(false);
+    banner_ = design::errorBanner(QStringLiteral("insightsBanner"), this);
     layout->addWidget(banner_);
 
     connect(previous_, &QPushButton::clicked, this, &InsightsPage::showPreviousWeek);

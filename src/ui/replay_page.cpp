@@ -13,6 +13,7 @@
 #include "portability/export_file.hpp"
 #include "recording/study_state_edit.hpp"
 #include "shell/panel_model.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/chip.hpp"
 #include "ui/design/qt_text.hpp"
@@ -66,10 +67,7 @@ ReplayPage::ReplayPage(recording::RecordingStore& store, recording::SessionHisto
     layout->setContentsMargins(24, 20, 24, 16);
     layout->setSpacing(12);
 
-    banner_ = new QLabel(this);
-    banner_->setObjectName(QStringLiteral("replayBanner"));
-    banner_->setWordWrap(true);
-    banner_->setVisible(false);
+    banner_ = design::errorBanner(QStringLiteral("replayBanner"), this);
     layout->addWidget(banner_);
 
     empty_ = new QLabel(QStringLiteral("Choose a session in History to replay it."), this);

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "recording/unclassified_review_service.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/page_title.hpp"
 #include "ui/design/qt_text.hpp"
 
@@ -56,10 +57,7 @@ ReviewPage::ReviewPage(recording::UnclassifiedReviewService& review, QWidget* pa
     summary_->setWordWrap(true);
     layout->addWidget(summary_);
 
-    banner_ = new QLabel(this);
-    banner_->setObjectName(QStringLiteral("reviewBanner"));
-    banner_->setWordWrap(true);
-    banner_->setVisible(false);
+    banner_ = design::errorBanner(QStringLiteral("reviewBanner"), this);
     layout->addWidget(banner_);
 
     list_ = new QListWidget(this);

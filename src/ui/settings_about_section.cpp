@@ -15,6 +15,7 @@
 
 #include "portability/export_file.hpp"
 #include "runtime/diagnostic_report_input.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
@@ -39,7 +40,7 @@ AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, Q
     auto* layout = sectionLayout(this, QStringLiteral("About"),
                                  QStringLiteral("A local study-session recorder: everything it "
                                                 "records stays on this computer."));
-    banner_ = errorBanner(QStringLiteral("aboutBanner"), this);
+    banner_ = design::errorBanner(QStringLiteral("aboutBanner"), this);
     layout->addWidget(banner_);
 
     auto* product = new design::Card(QStringLiteral("Lumenote"), {}, this);

@@ -13,6 +13,7 @@
 #include "bridge/browser_bridge_store.hpp"
 #include "bridge/browser_installation.hpp"
 #include "runtime/setup_test_input.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
@@ -47,7 +48,7 @@ BrowsersSettingsSection::BrowsersSettingsSection(SettingsDependencies& dependenc
         QStringLiteral("The browser extension tells Lumenote which website is in front: "
                        "hostnames only, never addresses or page titles, and nothing leaves this "
                        "computer."));
-    banner_ = errorBanner(QStringLiteral("browsersBanner"), this);
+    banner_ = design::errorBanner(QStringLiteral("browsersBanner"), this);
     layout->addWidget(banner_);
     outcome_ = new QLabel(this);
     outcome_->setObjectName(QStringLiteral("browsersOutcome"));

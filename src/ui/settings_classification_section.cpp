@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/chip.hpp"
 #include "ui/design/named_controls.hpp"
@@ -42,7 +43,7 @@ ClassificationSettingsSection::ClassificationSettingsSection(SettingsDependencie
         this, QStringLiteral("Classification"),
         QStringLiteral("Whether time in an application or on a website counts as focused, "
                        "distracting or neutral. A rule of yours always wins over a suggestion."));
-    banner_ = errorBanner(QStringLiteral("classificationBanner"), this);
+    banner_ = design::errorBanner(QStringLiteral("classificationBanner"), this);
     layout->addWidget(banner_);
     layout->addWidget(ruleCard(applications_, QStringLiteral("Applications"),
                                QStringLiteral("Named by their desktop entry identifier."),

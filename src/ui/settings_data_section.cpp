@@ -12,6 +12,7 @@
 
 #include "portability/automatic_backups.hpp"
 #include "portability/export_file.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
@@ -69,7 +70,7 @@ DataSettingsSection::DataSettingsSection(SettingsDependencies& dependencies, QWi
     setObjectName(QStringLiteral("dataSection"));
     auto* layout = sectionLayout(this, QStringLiteral("Data"), qt(models::kDataSectionSummary));
 
-    banner_ = errorBanner(QStringLiteral("dataBanner"), this);
+    banner_ = design::errorBanner(QStringLiteral("dataBanner"), this);
     layout->addWidget(banner_);
     outcome_ = wrappedLabel({}, this);
     outcome_->setObjectName(QStringLiteral("dataOutcome"));

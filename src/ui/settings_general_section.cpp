@@ -7,6 +7,7 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
@@ -85,7 +86,7 @@ GeneralSettingsSection::GeneralSettingsSection(SettingsDependencies& dependencie
     shortcut->bodyLayout()->addWidget(
         note(QStringLiteral("Press the button, then the combination. Escape cancels."),
              "shortcutHint", shortcut));
-    shortcutRefusal_ = errorBanner(QStringLiteral("shortcutRefusal"), shortcut);
+    shortcutRefusal_ = design::errorBanner(QStringLiteral("shortcutRefusal"), shortcut);
     shortcut->bodyLayout()->addWidget(shortcutRefusal_);
     shortcutState_ = note({}, "shortcutState", shortcut);
     shortcut->bodyLayout()->addWidget(shortcutState_);

@@ -9,8 +9,8 @@
 #include <QVBoxLayout>
 
 #include "shell/panel_model.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/qt_text.hpp"
-#include "ui/settings_section_frame.hpp"
 
 namespace lumenote::ui {
 
@@ -55,7 +55,7 @@ RuleEditor::RuleEditor(classification::ClassificationRules& rules, Kind kind,
             }
         }
     }
-    refusal_ = errorBanner(QStringLiteral("ruleRefusal"), this);
+    refusal_ = design::errorBanner(QStringLiteral("ruleRefusal"), this);
     layout->addWidget(refusal_);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, this);
     for (QAbstractButton* button : buttons->buttons()) {

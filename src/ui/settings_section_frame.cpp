@@ -1,32 +1,9 @@
 #include "ui/settings_section_frame.hpp"
 
 #include <QLabel>
-#include <QPainter>
 #include <QVBoxLayout>
 
 namespace lumenote::ui {
-
-namespace {
-
-// A label outlined in red, which reads as a warning on light and dark
-// palettes alike; the text keeps the palette's own colour. Painted rather
-// than styled, so that it follows a change of palette.
-class BannerLabel final : public QLabel {
-  public:
-    using QLabel::QLabel;
-
-  protected:
-    void paintEvent(QPaintEvent* event) override {
-        QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(QColor(0xd6, 0x45, 0x41), 1.5));
-        painter.drawRoundedRect(QRectF(rect()).adjusted(0.75, 0.75, -0.75, -0.75), 6, 6);
-        painter.end();
-        QLabel::paintEvent(event);
-    }
-};
-
-}  // namespace
 
 QVBoxLayout* sectionLayout(QWidget* section, const QString& title, const QString& summary) {
     auto* layout = new QVBoxLayout(section);
@@ -45,16 +22,6 @@ QVBoxLayout* sectionLayout(QWidget* section, const QString& title, const QString
         layout->addWidget(line);
     }
     return layout;
-}
-
-QLabel* errorBanner(const QString& objectName, QWidget* parent) {
-    auto* banner = new BannerLabel(parent);
-    banner->setObjectName(objectName);
-    banner->setWordWrap(true);
-    banner->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    banner->setContentsMargins(10, 8, 10, 8);
-    banner->setVisible(false);
-    return banner;
 }
 
 }  // namespace lumenote::ui

@@ -15,6 +15,7 @@
 
 #include "settings/preference_rules.hpp"
 #include "shell/session_start_form.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
@@ -45,7 +46,7 @@ SessionsSettingsSection::SessionsSettingsSection(SettingsDependencies& dependenc
     auto* layout = sectionLayout(this, QStringLiteral("Sessions"),
                                  QStringLiteral("What a new session starts with, and templates "
                                                 "to start one in a click."));
-    banner_ = errorBanner(QStringLiteral("sessionsBanner"), this);
+    banner_ = design::errorBanner(QStringLiteral("sessionsBanner"), this);
     layout->addWidget(banner_);
     settings::PreferencesStore& preferences = dependencies_.preferences;
 

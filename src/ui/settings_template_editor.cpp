@@ -8,9 +8,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "ui/design/banner.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/models/session_settings.hpp"
-#include "ui/settings_section_frame.hpp"
 
 namespace lumenote::ui {
 
@@ -59,7 +59,7 @@ TemplateEditor::TemplateEditor(settings::SessionTemplateStore& store,
     form->addRow(QString(), hasBreak_);
     form->addRow(QStringLiteral("&Break (minutes)"), break_);
     layout->addLayout(form);
-    refusal_ = errorBanner(QStringLiteral("templateRefusal"), this);
+    refusal_ = design::errorBanner(QStringLiteral("templateRefusal"), this);
     layout->addWidget(refusal_);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Save | QDialogButtonBox::Cancel, this);
     for (QAbstractButton* button : buttons->buttons()) {

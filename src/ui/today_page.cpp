@@ -10,6 +10,7 @@
 
 #include "recording/recording_store.hpp"
 #include "recording/unclassified_review_service.hpp"
+#include "ui/design/banner.hpp"
 #include "ui/design/card.hpp"
 #include "ui/design/chip.hpp"
 #include "ui/design/metric.hpp"
@@ -72,10 +73,7 @@ TodayPage::TodayPage(recording::RecordingStore& store, recording::UnclassifiedRe
     date_->setObjectName(QStringLiteral("todayDate"));
     layout->addWidget(date_);
 
-    banner_ = new QLabel(content);
-    banner_->setObjectName(QStringLiteral("todayBanner"));
-    banner_->setWordWrap(true);
-    banner_->setVisible(false);
+    banner_ = design::errorBanner(QStringLiteral("todayBanner"), content);
     layout->addWidget(banner_);
 
     layout->addWidget(buildFigures());
