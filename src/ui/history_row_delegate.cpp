@@ -30,18 +30,9 @@ void paintStatusChip(QPainter& painter, const QRectF& area, const QVariant& stat
         return;
     }
     const auto value = static_cast<recording::StudySessionStatus>(status.toInt());
-    const QString word = design::statusChipText(value);
-    QFont font = painter.font();
-    font.setWeight(QFont::DemiBold);
-    font.setPointSizeF(font.pointSizeF() * 0.9);
-    painter.setFont(font);
-    const qreal width = std::min(area.width(), QFontMetricsF(font).horizontalAdvance(word) + 20.0);
-    const QRectF chip(area.right() - width, area.center().y() - 10.0, width, 20.0);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(design::statusColor(value, dark));
-    painter.drawRoundedRect(chip, 10.0, 10.0);
-    painter.setPen(design::chipTextColor(dark));
-    painter.drawText(chip, Qt::AlignCenter, word);
+    design::paintChip(painter, area, Qt::AlignRight, design::statusChipText(value),
+                      design::statusColor(value, dark), design::chipTextColor(dark),
+                      painter.font());
 }
 
 // The locale's short time without its seconds: "14:05", "2:05 PM".

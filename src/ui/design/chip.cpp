@@ -1,7 +1,11 @@
 #include "ui/design/chip.hpp"
 
+#include <algorithm>
+
 #include <QApplication>
 #include <QEvent>
+#include <QFontMetricsF>
+#include <QPainter>
 
 #include "shell/panel_model.hpp"
 #include "ui/design/palette.hpp"
@@ -79,6 +83,42 @@ void Chip::restyle() {
     if (styleSheet() != style) {
         setStyleSheet(style);
     }
+}
+
+namespace {
+
+constexpr qreal kPaintedChipHeight = 20.0;
+constexpr qreal kPaintedChipPadding = 20.0;
+
+QFont paintedChipFont(const QFont& base) {
+    QFont font = base;
+    font.setWeight(QFont::DemiBold);
+    font.setPointSizeF(font.pointSizeF() * 0.9);
+    return font;
+}
+
+}  // namespace
+
+QSizeF chipSize(const QString& word, const QFont& base) {
+    return {QFontMetricsF(paintedChipFont(base)).horizontalAdvance(word) + kPaintedChipPadding,
+            kPaintedChipHeight};
+}
+
+void paintChip(QPainter& painter, const QRectF& area, Qt::Alignment edge, const QString& word,
+               const QColor& background, const QColor& foreground, const QFont& base) {
+    const qreal width = std::min(area.width(), chipSize(word, base).width());
+    const qreal left = edge == Qt::AlignLeft ? area.left() : area.right() - width;
+    const QRectF chip(left, area.center().y() - kPaintedChipHeight / 2.0, width,
+                      kPaintedChipHeight);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setFont(paintedChipFont(base));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(background);
+    painter.drawRoundedRect(chip, kPaintedChipHeight / 2.0, kPaintedChipHeight / 2.0);
+    painter.setPen(foreground);
+    painter.drawText(chip, Qt::AlignCenter, word);
+    painter.restore();
 }
 
 }  // namespace lumenote::ui::design

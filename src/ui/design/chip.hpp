@@ -5,11 +5,14 @@
 #pragma once
 
 #include <QLabel>
+#include <QSizeF>
 
 #include <variant>
 
 #include "classification/classification_enumerations.hpp"
 #include "recording/enumerations.hpp"
+
+class QPainter;
 
 namespace lumenote::ui::design {
 
@@ -35,5 +38,14 @@ class Chip final : public QLabel {
 // A session status as its chip shows it: "Running", "Paused", "Completed",
 // "Interrupted".
 QString statusChipText(recording::StudySessionStatus status);
+
+// The chip as item views paint it into a cell: the word, demi-bold at 90% of
+// `base`, on a pill 20 px high, centred in `area` from top to bottom and
+// flush with its left edge (Qt::AlignLeft) or its right edge (any other
+// alignment); never wider than `area`.
+void paintChip(QPainter& painter, const QRectF& area, Qt::Alignment edge, const QString& word,
+               const QColor& background, const QColor& foreground, const QFont& base);
+// The room paintChip needs for `word`, without `area`'s limit.
+QSizeF chipSize(const QString& word, const QFont& base);
 
 }  // namespace lumenote::ui::design
