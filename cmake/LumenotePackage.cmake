@@ -32,22 +32,26 @@ set(CPACK_PACKAGE_NAME lumenote)
 set(CPACK_PACKAGE_VENDOR Tallywise)
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "study session recorder that keeps everything local")
+# The extended description: CPack puts the summary above it, indents each
+# line and marks the empty line between the paragraphs.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
-    "study session recorder that keeps everything local
- Lumenote records study sessions on this computer: what is studied, which
- application, website or PDF is in front, and how long no input came. Each
- stretch becomes a classified segment; at the end a versioned calculation
- gives the totals and a focus score.
- .
- It comes with a tray application, a terminal recorder, a replay of every
- session, weekly insights, exports, verified backups and a browser
- extension with its native-messaging host. Nothing leaves the computer: no
- account, no server, no telemetry.")
+    "Lumenote records study sessions on this computer: what is studied, which
+application, website or PDF is in front, and how long no input came. Each
+stretch becomes a classified segment; at the end a versioned calculation
+gives the totals and a focus score.
+
+It comes with a tray application, a terminal recorder, a replay of every
+session, weekly insights, exports, verified backups and a browser
+extension with its native-messaging host. Nothing leaves the computer: no
+account, no server, no telemetry.")
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "Lumenote developers <lumenote@tallywise.com>")
 set(CPACK_DEBIAN_PACKAGE_HOMEPAGE "https://tallywise.com/lumenote/")
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+# Qt loads the SVG icon engine (the tray's and the window's icons) as a
+# plugin at run time, so no linked library names its package.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS libqt6svg6)
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "firefox-esr | chromium")
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
