@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """Plays the browser extension against the real TallywiseBrowserHost.
 
-Usage: extension_driver.py HOST_EXECUTABLE BROWSER_ID HOSTNAME SECONDS
+Usage: extension_driver.py HOST_EXECUTABLE BROWSER_ID HOSTNAME SECONDS [private]
 
 Starts the host as a browser would (frames on its standard input and output),
 says hello, waits until the host reports a running session, then reports the
 active tab on HOSTNAME and a heartbeat every second for SECONDS seconds, and
 closes the connection. Prints each message of the host as one JSON line.
+With "private", every event says it comes from a private window and still
+names the host, as a faulty extension might: nothing may keep that name.
 """
 import json
 import select
@@ -27,7 +29,7 @@ def now_text():
     return datetime.now(timezone.utc).isoformat(timespec="milliseconds").replace("+00:00", "Z")
 
 
-def event(browser, event_type, hostname):
+def event(browser, event_type, hostname, private=False):
     return {
         "id": str(uuid.uuid4()).upper(),
         "browserDisplayName": "Chromium",
@@ -36,7 +38,7 @@ def event(browser, event_type, hostname):
         "temporaryTabIdentifier": "tab-1",
         "timestamp": now_text(),
         "eventType": event_type,
-        "isPrivate": False,
+        "isPrivate": private,
         "resourceType": "website",
     }
 
@@ -67,6 +69,7 @@ class HostOutput:
 
 def main():
     executable, browser, hostname, seconds = sys.argv[1:5]
+    private = sys.argv[5:6] == ["private"]
     host = subprocess.Popen([executable, "--browser=" + browser],
                             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
     output = HostOutput(host.stdout)
@@ -77,12 +80,12 @@ def main():
     while not any(m.get("sessionRunning") for m in output.messages(0.5)):
         if time.monotonic() > deadline:
             raise SystemExit("the host never reported a running session")
-    host.stdin.write(frame(event(browser, "tabActivated", hostname)))
+    host.stdin.write(frame(event(browser, "tabActivated", hostname, private)))
     host.stdin.flush()
     end = time.monotonic() + float(seconds)
     while time.monotonic() < end:
         output.messages(1.0)
-        host.stdin.write(frame(event(browser, "heartbeat", hostname)))
+        host.stdin.write(frame(event(browser, "heartbeat", hostname, private)))
         host.stdin.flush()
     host.stdin.close()
     if host.wait(timeout=10) != 0:
