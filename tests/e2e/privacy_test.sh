@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Proof that nothing leaves this computer and nothing private is kept: the
-# terminal recorder and the native host run under strace during a recorded
-# session with browser events, and neither opens any socket but Unix ones
-# (D-Bus, X11). A private-window event that still names its host (as a
+# terminal recorder, then the desktop application, and the native host run
+# under strace during recorded sessions with browser events, and none opens
+# any socket but Unix ones (D-Bus, X11). A private-window event that still names its host (as a
 # faulty extension might send it) leaves that name nowhere on disk: not in
 # the store, not in the bridge folder, not in the preferences. The diagnostic
 # report and the setup test's report name none of the session's subject,
@@ -20,6 +20,7 @@ deadline_seconds=30
 work=$(mktemp -d)
 background=()
 source "$here/desktop_session.sh"
+source "$here/desktop_app.sh"
 trap cleanup EXIT
 unset TALLYWISE_BRIDGE_DIR
 start_desktop_session
@@ -60,7 +61,28 @@ poll_until "the switch back to the editor" status_matches "SecretEditorAlpha"
 "$cli" end >/dev/null
 wait "$recorder_job" || fail "the recorder ended with status $?"
 
-# ---- no socket but Unix ones, in any process of the recorder or the host
+# ---- the desktop application, traced the same way, records one more session
+"$cli" prefs set onboarding.completedVersion 1 >/dev/null
+cat >"$work/lumenote-traced" <<TRACED
+#!/bin/sh
+exec strace -f -qq -e trace=socket,connect,bind -o "$work/desktop.trace" "$bin/lumenote" "\$@"
+TRACED
+chmod +x "$work/lumenote-traced"
+app="$work/lumenote-traced"
+start_tray_host
+start_app --hidden
+activate "$browser"
+# Another subject: the form would offer the first one as a completion.
+start_from_panel "Desktop Quokka reading"
+activate "$browser"
+drive "$public_site" desktop-public
+activate "$editor"
+"$cli" end >/dev/null
+poll_until "the desktop session's end" tooltip_is "Lumenote. No session running."
+kill -TERM "$(pgrep -f -x "$bin/lumenote --hidden" | head -n1)"
+poll_until "the desktop application to quit" app_gone
+
+# ---- no socket but Unix ones, in any process of the recorders or the host
 for trace in "$work"/*.trace; do
     [[ -s "$trace" ]] || fail "strace wrote nothing to $trace"
     if grep -E '(socket|connect|bind)\(' "$trace" | grep -vE 'AF_UNIX|AF_LOCAL' |
@@ -68,7 +90,9 @@ for trace in "$work"/*.trace; do
         fail "$(basename "$trace") shows a socket that is not a Unix one: $(head -n 5 "$work/network.txt")"
     fi
 done
-grep -q 'AF_UNIX' "$work/recorder.trace" || fail "the recorder's trace saw no socket at all"
+for trace in recorder desktop; do
+    grep -q 'AF_UNIX' "$work/$trace.trace" || fail "the $trace trace saw no socket at all"
+done
 
 # ---- the private host name is nowhere on disk; the public one only in the store
 grep -q "$public_site" <("$cli" show "$("$cli" sessions --json | "$python" -c \
