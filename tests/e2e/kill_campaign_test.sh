@@ -1,0 +1,94 @@
+#!/usr/bin/env bash
+# The kill -9 campaign: the real terminal recorder records over a real store
+# on a real X server while windows switch, and is killed with SIGKILL at
+# random moments, half of them right after a switch, while the recorder
+# saves the closed stretch. After every kill:
+#   - SQLite's integrity check of the store is "ok";
+#   - `recovery status` offers the unfinished session;
+#   - `recovery end` leaves an interrupted session whose time never passes
+#     what had passed when it was killed, with no segment overlapping
+#     another or reaching outside the session.
+#
+# Usage: kill_campaign_test.sh BIN_DIR [KILLS]. KILLS (default 8, as the
+# test suite runs it; say 200 for the full campaign) or $LUMENOTE_KILLS.
+# Seeded by $LUMENOTE_KILL_SEED (default: the time), printed for a replay.
+set -euo pipefail
+
+bin=${1:?usage: kill_campaign_test.sh BIN_DIR [KILLS]}
+kills=${2:-${LUMENOTE_KILLS:-8}}
+seed=${LUMENOTE_KILL_SEED:-$(date +%s)}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+cli="$bin/lumenote-cli"
+
+deadline_seconds=30
+work=$(mktemp -d)
+background=()
+source "$here/desktop_session.sh"
+trap cleanup EXIT
+start_desktop_session
+start_client LumenoteAlpha
+alpha=$window
+start_client LumenoteBeta
+beta=$window
+"$cli" rules set-app LumenoteAlpha focused >/dev/null 2>&1
+store="$XDG_DATA_HOME/Lumenote/lumenote.sqlite"
+RANDOM=$seed
+echo "kill campaign: $kills kills, seed $seed"
+
+# check_recovered KILLED_AFTER_SECONDS: the newest session after `recovery end`.
+check_recovered() {
+    "$python" - "$("$cli" sessions --json)" "$("$cli" show "$(newest_id)" --json)" "$1" <<'CHECK'
+import json, sys
+from datetime import datetime
+stamp = lambda text: datetime.fromisoformat(text.replace("Z", "+00:00"))
+newest = json.loads(sys.argv[1])[0]
+session = json.loads(sys.argv[2])
+limit = float(sys.argv[3])
+assert newest["status"] == "interrupted", newest["status"]
+assert session["timerDuration"] <= limit + 1.0, (session["timerDuration"], limit)
+begin, end = stamp(session["startDate"]), stamp(session["endDate"])
+assert (end - begin).total_seconds() <= limit + 1.0, (begin, end, limit)
+segments = sorted(session["segments"], key=lambda s: s["startDate"])
+for segment in segments:
+    assert begin <= stamp(segment["startDate"]) <= stamp(segment["endDate"]) <= end, segment
+for before, after in zip(segments, segments[1:]):
+    assert stamp(before["endDate"]) <= stamp(after["startDate"]), (before, after)
+CHECK
+}
+newest_id() { "$cli" sessions --json | "$python" -c 'import json,sys; print(json.load(sys.stdin)[0]["id"])'; }
+
+survived=0
+for ((round = 1; round <= kills; round++)); do
+    activate "$alpha"
+    started=$(date +%s.%N)
+    timeout 120 "$cli" record --subject "Kill $round" --open-ended \
+        >"$work/recorder.out" 2>"$work/recorder.err" &
+    job=$!
+    poll_until "recorder $round" status_matches "Kill $round"
+    # Up to three seconds of recording with a switch or two, then the kill:
+    # on odd rounds right after a switch, when the stretch is being saved.
+    for ((switch = RANDOM % 3; switch > 0; switch--)); do
+        sleep "0.$((RANDOM % 9 + 1))"
+        if ((switch % 2)); then activate "$beta"; else activate "$alpha"; fi
+    done
+    if ((round % 2)); then
+        activate "$beta"
+        sleep "0.0$((RANDOM % 5))"
+    else
+        sleep "0.$((RANDOM % 10))"
+    fi
+    recorder=$(pgrep -P "$job" -x lumenote-cli || true)
+    [[ -n "$recorder" ]] || fail "round $round: no recorder under its timeout"
+    kill -9 "$recorder"
+    killed_after=$("$python" -c 'import sys,time; print(time.time() - float(sys.argv[1]))' "$started")
+    wait "$job" 2>/dev/null || true
+
+    integrity=$(timeout 30 sqlite3 "$store" "PRAGMA integrity_check;")
+    [[ "$integrity" == ok ]] || fail "round $round (seed $seed): integrity check says $integrity"
+    [[ "$("$cli" recovery status)" == *"Lumenote found an unfinished session."* ]] ||
+        fail "round $round (seed $seed): the killed session is not offered for recovery"
+    "$cli" recovery end >/dev/null || fail "round $round: recovery end failed"
+    check_recovered "$killed_after" || fail "round $round (seed $seed): the recovered session is wrong"
+    survived=$((survived + 1))
+done
+echo "kill campaign: $survived of $kills kills survived (seed $seed)"
