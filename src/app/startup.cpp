@@ -1,6 +1,5 @@
 #include "app/startup.hpp"
 
-#include <fmt/format.h>
 #include <unistd.h>
 #include <CLI/CLI.hpp>
 
@@ -10,6 +9,7 @@
 #include <iostream>
 
 #include "app/desktop_application.hpp"
+#include "app/desktop_command_line.hpp"
 #include "app/tray_icons.hpp"
 #include "platform/linux/x11_display_probe.hpp"
 #include "platform/system/system_clocks.hpp"
@@ -23,10 +23,6 @@ namespace {
 
 constexpr std::string_view kNoDisplaySentence =
     "No display could be opened, so Lumenote starts the terminal recorder instead.";
-
-std::string versionLine() {
-    return fmt::format("lumenote {} (build {})", LUMENOTE_VERSION, LUMENOTE_BUILD_NUMBER);
-}
 
 // Whether Qt will find a display: a Wayland socket or platform chosen by the
 // environment is trusted, an X display is tried.
@@ -66,15 +62,9 @@ int showFailure(QApplication& application, const std::string& text) {
 }  // namespace
 
 int runDesktopApplication(int argc, char** argv) {
-    CLI::App options{
-        "Lumenote records study sessions on this computer and keeps them here. It "
-        "lives in the tray; lumenote-cli controls it from a terminal.",
-        "lumenote"};
-    options.set_version_flag("--version", versionLine());
-    bool hidden = false;
-    options.add_flag("--hidden", hidden,
-                     "Start in the tray only, without opening the panel (as the \"start hidden\" "
-                     "setting does)");
+    CLI::App options;
+    DesktopCommandLine chosen;
+    buildDesktopCommandLine(options, chosen);
     try {
         options.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -123,7 +113,8 @@ int runDesktopApplication(int argc, char** argv) {
     dependencies.appearanceController = std::make_unique<ui::AppearanceController>();
 
     DesktopApplication::Options desktopOptions;
-    desktopOptions.startHidden = hidden || dependencies.services->preferences().startHidden();
+    desktopOptions.startHidden =
+        chosen.hidden || dependencies.services->preferences().startHidden();
     DesktopApplication desktop(std::move(dependencies), desktopOptions);
     for (const std::string& gap : desktop.begin()) {
         std::cerr << gap << '\n';

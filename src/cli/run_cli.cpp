@@ -10,11 +10,9 @@ std::string versionLine() {
     return fmt::format("lumenote-cli {} (build {})", LUMENOTE_VERSION, LUMENOTE_BUILD_NUMBER);
 }
 
-int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
-           const UserPaths& paths) {
-    CliContext context{out, err, paths};
-    CLI::App app{"Lumenote records study sessions on this computer and keeps them here.",
-                 "lumenote-cli"};
+void buildCommandLine(CLI::App& app, CliContext& context) {
+    app.name("lumenote-cli");
+    app.description("Lumenote records study sessions on this computer and keeps them here.");
     app.set_version_flag("--version", versionLine());
     app.require_subcommand(0, 1);
     app.fallthrough(false);
@@ -26,6 +24,13 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
                          installReportCommand, installHelpCommand}) {
         install(app, context);
     }
+}
+
+int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err,
+           const UserPaths& paths) {
+    CliContext context{out, err, paths};
+    CLI::App app;
+    buildCommandLine(app, context);
 
     std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
     try {
