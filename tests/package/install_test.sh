@@ -34,6 +34,10 @@ expected=(
     share/icons/hicolor/scalable/apps/com.tallywise.Lumenote.svg
     share/doc/lumenote/copyright
     share/doc/lumenote/changelog.gz
+    share/man/man1/lumenote.1.gz
+    share/man/man1/lumenote-cli.1.gz
+    share/bash-completion/completions/lumenote
+    share/bash-completion/completions/lumenote-cli
 )
 for size in 16 22 24 32 48 64 128 256 512; do
     expected+=("share/icons/hicolor/${size}x${size}/apps/com.tallywise.Lumenote.png")
@@ -105,4 +109,7 @@ json.loads(host.stdout.read(length))
 host.stdin.close()
 assert host.wait(timeout=10) == 0, host.returncode
 CHECK
+# The installed manual renders from the prefix.
+MANWIDTH=80 timeout 20 man -l "$prefix/share/man/man1/lumenote-cli.1.gz" 2>/dev/null |
+    grep -q "lumenote-cli" || fail "the installed manual page does not render"
 echo "install test passed"
