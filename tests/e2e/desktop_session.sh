@@ -9,7 +9,8 @@
 
 python=/usr/bin/python3
 
-# cleanup: kills what was started and removes $work; scripts trap it on EXIT.
+# cleanup: kills what was started, runs the script's own before_removal if
+# it has one, and removes $work; scripts trap it on EXIT.
 cleanup() {
     local pid
     for pid in "${background[@]}"; do
@@ -18,6 +19,9 @@ cleanup() {
     for pid in "${background[@]}"; do
         wait "$pid" 2>/dev/null || true
     done
+    if declare -F before_removal >/dev/null; then
+        before_removal
+    fi
     rm -rf "$work"
 }
 desktop_here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
