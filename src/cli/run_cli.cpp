@@ -23,7 +23,7 @@ int runCli(const std::vector<std::string>& arguments, std::ostream& out, std::os
                          installReceiptCommand, installBackupCommands, installRulesCommands,
                          installReviewCommands, installRecoveryCommands, installWeekCommands,
                          installBrowserCommands, installExtensionCommands, installSetupTestCommand,
-                         installReportCommand, installHelpCommand}) {
+                         installReportCommand, installUpdateCommands, installHelpCommand}) {
         install(app, context);
     }
 

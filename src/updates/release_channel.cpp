@@ -1,5 +1,7 @@
 #include "updates/release_channel.hpp"
 
+#include "updates/feed_address.hpp"
+
 namespace lumenote::updates {
 
 std::string_view runningVersion() {
@@ -17,6 +19,13 @@ std::string_view compiledFeedAddress() {
 
 std::string_view updateUserAgent() {
     return "Lumenote/" LUMENOTE_VERSION;
+}
+
+UpdateCheckRequest updateCheckRequest(bool checksEnabled, std::string_view preferredAddress) {
+    return {.checksEnabled = checksEnabled,
+            .feedAddress = effectiveFeedAddress(preferredAddress, compiledFeedAddress()),
+            .runningVersion = std::string(runningVersion()),
+            .runningRelease = runningRelease()};
 }
 
 }  // namespace lumenote::updates

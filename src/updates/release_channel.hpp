@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "updates/ed25519_verifier.hpp"
+#include "updates/update_check.hpp"
 #include "updates/version_order.hpp"
 
 namespace lumenote::updates {
@@ -31,5 +32,10 @@ std::string_view compiledFeedAddress();
 
 // The User-Agent of update requests, "Lumenote/0.1.0", and nothing more.
 std::string_view updateUserAgent();
+
+// A check of this build: allowed or not by the user's preference, against
+// `preferredAddress` (the preference, or a command-line choice) when it is
+// not blank, otherwise against the compiled-in address.
+UpdateCheckRequest updateCheckRequest(bool checksEnabled, std::string_view preferredAddress);
 
 }  // namespace lumenote::updates
