@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cassert>
+
 #include "updates/feed_address.hpp"
 #include "updates/signed_feed.hpp"
 
@@ -16,6 +18,7 @@ std::string updateCheckSentence(const UpdateCheckOutcome& outcome) {
         case UpdateCheckStatus::upToDate:
             return fmt::format("Lumenote {} is the newest version.", outcome.runningVersion);
         case UpdateCheckStatus::newerAvailable:
+            assert(outcome.offer);
             return fmt::format("Lumenote {} is available. You have {}.", outcome.offer->version,
                                outcome.runningVersion);
         case UpdateCheckStatus::checksOff:
