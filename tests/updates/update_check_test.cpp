@@ -5,7 +5,6 @@
 #include <set>
 
 #include "support/ed25519_test_key.hpp"
-#include "updates/release_channel.hpp"
 #include "updates/signed_feed.hpp"
 
 namespace lumenote::updates {
@@ -139,11 +138,6 @@ TEST_F(UpdateCheckTest, EveryStatusHasItsOwnSentence) {
     EXPECT_EQ(sentences.size(), 7U);
     EXPECT_EQ(updateCheckSentence({UpdateCheckStatus::insecureAddress, "0.1.0", std::nullopt}),
               "Lumenote checks for updates only over a secure connection (an https:// address).");
-}
-
-TEST(ReleaseChannelTest, TheRunningReleaseAndUserAgentComeFromTheBuild) {
-    EXPECT_EQ(runningRelease().components, versionComponents(runningVersion()));
-    EXPECT_EQ(updateUserAgent(), "Lumenote/" + std::string(runningVersion()));
 }
 
 }  // namespace
