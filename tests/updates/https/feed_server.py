@@ -5,7 +5,7 @@ Serves the files of --root on 127.0.0.1 on a port the system chooses and
 prints that port on one line once it listens. Each request's path and
 headers are appended to requests.jsonl in --root. Two paths are special:
 /redirect/<address> answers 302 to <address> (percent-decoded), and
-/cookie/<path> sets a cookie and answers 302 to /<path>.
+/cookie/<path> answers with the file <path> and sets a cookie.
 """
 import argparse
 import functools
@@ -28,11 +28,13 @@ class Handler(http.server.SimpleHTTPRequestHandler):
             self.end_headers()
             return
         if self.path.startswith("/cookie/"):
-            self.send_response(302)
+            with open(os.path.join(self.directory, self.path[len("/cookie/"):]), "rb") as served:
+                body = served.read()
+            self.send_response(200)
             self.send_header("Set-Cookie", "visitor=tracked; Path=/")
-            self.send_header("Location", "/" + self.path[len("/cookie/"):])
-            self.send_header("Content-Length", "0")
+            self.send_header("Content-Length", str(len(body)))
             self.end_headers()
+            self.wfile.write(body)
             return
         super().do_GET()
 

@@ -121,6 +121,10 @@ class HttpsFeedTest : public ::testing::Test {
     UpdateCheckOutcome check(const std::string& feedAddress,
                              platform::network::HttpsFetchOptions options = trustingTheServer()) {
         platform::network::HttpsFeedFetcher fetcher(std::move(options));
+        return check(feedAddress, fetcher);
+    }
+
+    UpdateCheckOutcome check(const std::string& feedAddress, FeedFetcher& fetcher) {
         const UpdateCheckRequest request{.checksEnabled = true,
                                          .feedAddress = feedAddress,
                                          .runningVersion = "0.1.0",
@@ -204,13 +208,16 @@ TEST_F(HttpsFeedTest, ARedirectIsFollowedOnlyToHttps) {
     EXPECT_EQ(listener.acceptedConnections(), 0);
 }
 
-TEST_F(HttpsFeedTest, ACookieTheServerSetsIsNeverSentBack) {
+TEST_F(HttpsFeedTest, ACookieTheServerSetsIsNeverSentBackNotEvenByTheNextCheck) {
     serve("after-cookie.json", key_.envelope(feedText("0.2.0", 1)));
-    EXPECT_EQ(check(address("/cookie/after-cookie.json")).status,
+    platform::network::HttpsFeedFetcher fetcher(trustingTheServer());
+    EXPECT_EQ(check(address("/cookie/after-cookie.json"), fetcher).status,
               UpdateCheckStatus::newerAvailable);
-    const nlohmann::json last = requests().back();
-    EXPECT_EQ(last["path"], "/after-cookie.json");
-    EXPECT_FALSE(last["headers"].contains("Cookie"));
+    EXPECT_EQ(check(address("/after-cookie.json"), fetcher).status,
+              UpdateCheckStatus::newerAvailable);
+    for (const nlohmann::json& request : requests()) {
+        EXPECT_FALSE(request["headers"].contains("Cookie")) << request.dump();
+    }
 }
 
 TEST_F(HttpsFeedTest, AnAnswerPastTheSizeCapIsRefused) {
