@@ -31,12 +31,16 @@ function(lumenote_record_module folder)
   set_property(GLOBAL APPEND PROPERTY LUMENOTE_MODULE_GRAPH "${folder}:${joined}")
 endfunction()
 
-# lumenote_module(NAME [QT] [DEPS target...]) builds lumenote_NAME from the .cpp
-# files of the current folder (not its subfolders). QT runs Qt's meta-object
-# compiler over the folder (for the folders that may use Qt).
+# lumenote_module(NAME [QT] [DEPS target...] [SWITCHED_DEPS target...]) builds
+# lumenote_NAME from the .cpp files of the current folder (not its
+# subfolders). QT runs Qt's meta-object compiler over the folder (for the
+# folders that may use Qt). SWITCHED_DEPS are modules that only code under a
+# build switch includes: recorded in the module graph whether or not the
+# switch is on (the include check reads the files, not the preprocessor), and
+# linked by the caller when it is.
 function(lumenote_module name)
-  cmake_parse_arguments(ARG "QT" "" "DEPS" ${ARGN})
-  lumenote_record_module(${name} ${ARG_DEPS})
+  cmake_parse_arguments(ARG "QT" "" "DEPS;SWITCHED_DEPS" ${ARGN})
+  lumenote_record_module(${name} ${ARG_DEPS} ${ARG_SWITCHED_DEPS})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
   if(NOT sources)
     # A folder whose code has not landed yet still names its target, so that

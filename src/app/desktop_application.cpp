@@ -8,6 +8,9 @@
 #include <iostream>
 
 #include "app/tray_icons.hpp"
+#if LUMENOTE_UPDATE_CHECKS
+#include "app/update_check_command.hpp"
+#endif
 #include "bridge/native_host_registration.hpp"
 #include "insights/file_insight_dismissal_repository.hpp"
 #include "insights/first_weekday.hpp"
@@ -47,10 +50,15 @@ DesktopApplication::DesktopApplication(AppDependencies dependencies, Options opt
     actions.openPanel = [this](const QPoint& anchor) { openPanel(anchor); };
     actions.openWindow = [this] { openMainWindow(); };
     actions.runSetupAssistant = [this] { openOnboarding(); };
+#if LUMENOTE_UPDATE_CHECKS
+    updateCheck_ = std::make_unique<UpdateCheckCommand>(dependencies_.services->preferences());
+    actions.checkForUpdates = [this] { updateCheck_->run(); };
+#else
     actions.checkForUpdates = [] {
         QMessageBox::information(nullptr, QStringLiteral("Lumenote"),
                                  qt(shell::kUpdatesFromPackageManager));
     };
+#endif
     actions.quit = [this] { requestQuit(); };
     statusItem_ =
         std::make_unique<TallywiseStatusItemController>(runtime_->manager(), std::move(actions));

@@ -54,6 +54,8 @@ class TrayPanel;
 
 namespace lumenote::app {
 
+class UpdateCheckCommand;
+
 // Created once at start-up and kept for the life of the process. Start-up
 // failed when `services` is absent; `startupFailure` then says why.
 struct AppDependencies {
@@ -150,6 +152,10 @@ class DesktopApplication final : public QObject, public runtime::RecorderFrontEn
     ui::SettingsPage* settingsPage_ = nullptr;
     ui::ReviewPage* reviewPage_ = nullptr;
     std::unique_ptr<TallywiseStatusItemController> statusItem_;
+#if LUMENOTE_UPDATE_CHECKS
+    // "Check for Updates…", run only when the user chooses it.
+    std::unique_ptr<UpdateCheckCommand> updateCheck_;
+#endif
     std::unique_ptr<platform::linux_desktop::X11HotkeyGrabber> hotkeyGrabber_;
     std::unique_ptr<shell::GlobalHotkeyCoordinator> hotkeyController_;
     std::unique_ptr<QSocketNotifier> hotkeyEvents_;

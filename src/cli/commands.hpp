@@ -50,6 +50,9 @@ void installReviewCommands(CLI::App& app, CliContext& context);
 // `report [-o PATH] [--feedback]`: the diagnostic report, or the feedback mail link.
 void installReportCommand(CLI::App& app, CliContext& context);
 
+// `update check [--feed URL]`: the signed update check, when the user allows it.
+void installUpdateCommands(CLI::App& app, CliContext& context);
+
 // `help [COMMAND...]`: the same help as `COMMAND... --help`.
 void installHelpCommand(CLI::App& app, CliContext& context);
 

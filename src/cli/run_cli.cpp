@@ -21,7 +21,7 @@ void buildCommandLine(CLI::App& app, CliContext& context) {
                          installReceiptCommand, installBackupCommands, installRulesCommands,
                          installReviewCommands, installRecoveryCommands, installWeekCommands,
                          installBrowserCommands, installExtensionCommands, installSetupTestCommand,
-                         installReportCommand, installHelpCommand}) {
+                         installReportCommand, installUpdateCommands, installHelpCommand}) {
         install(app, context);
     }
 }

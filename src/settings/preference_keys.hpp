@@ -42,6 +42,10 @@ inline constexpr std::string_view sessionCelebrationsEnabled =
     "personalisation.sessionCelebrations";
 inline constexpr std::string_view insightsAIPhrasingEnabled = "insights.aiPhrasingEnabled";
 inline constexpr std::string_view insightsAIProviderIdentifier = "insights.aiProviderIdentifier";
+// Whether "Check for Updates…" may contact the update address (off until the
+// user allows it), and an address that replaces the one compiled in.
+inline constexpr std::string_view updatesCheckEnabled = "updates.checkEnabled";
+inline constexpr std::string_view updatesFeedAddress = "updates.feedAddress";
 // Which revision of the derived session totals the stored history carries.
 inline constexpr std::string_view derivedRevision = "metrics.derivedRevision";
 
@@ -93,6 +97,8 @@ enum class PreferenceProperty {
     sessionCelebrationsEnabled,
     insightsAIPhrasingEnabled,
     insightsAIProviderIdentifier,
+    updatesCheckEnabled,
+    updatesFeedAddress,
     derivedRevision
 };
 

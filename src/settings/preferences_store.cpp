@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "foundation/text.hpp"
 #include "settings/preference_rules.hpp"
 
 namespace lumenote::settings {
@@ -91,6 +92,8 @@ std::vector<PreferenceProperty> changedProperties(const PreferenceValues& before
          P::insightsAIPhrasingEnabled);
     note(before.insightsAIProviderIdentifier != after.insightsAIProviderIdentifier,
          P::insightsAIProviderIdentifier);
+    note(before.updatesCheckEnabled != after.updatesCheckEnabled, P::updatesCheckEnabled);
+    note(before.updatesFeedAddress != after.updatesFeedAddress, P::updatesFeedAddress);
     note(before.derivedRevision != after.derivedRevision, P::derivedRevision);
     return changed;
 }
@@ -151,6 +154,10 @@ void PreferencesStore::readAll() {
     values_.insightsAIPhrasingEnabled =
         asBool(d.object(keys::insightsAIPhrasingEnabled)).value_or(false);
     values_.insightsAIProviderIdentifier = std::string(kNoAIProvider);
+    // Permission to use the network: only a stored JSON true grants it.
+    values_.updatesCheckEnabled = asBool(d.object(keys::updatesCheckEnabled)).value_or(false);
+    values_.updatesFeedAddress =
+        text::trimmed(d.stringForKey(keys::updatesFeedAddress).value_or(""));
     values_.derivedRevision = d.integerForKey(keys::derivedRevision);
 }
 
@@ -326,6 +333,16 @@ void PreferencesStore::setInsightsAIProviderIdentifier(std::string_view) {
           P::insightsAIProviderIdentifier);
 }
 
+void PreferencesStore::setUpdatesCheckEnabled(bool value) {
+    writeBool(keys::updatesCheckEnabled, values_.updatesCheckEnabled, value,
+              P::updatesCheckEnabled);
+}
+
+void PreferencesStore::setUpdatesFeedAddress(std::string_view value) {
+    values_.updatesFeedAddress = text::trimmed(value);
+    write(keys::updatesFeedAddress, values_.updatesFeedAddress, P::updatesFeedAddress);
+}
+
 void PreferencesStore::setDerivedRevision(long long value) {
     values_.derivedRevision = value;
     write(keys::derivedRevision, value, P::derivedRevision);
@@ -412,6 +429,8 @@ void PreferencesStore::resetToDefaults() {
                                  keys::sessionCelebrationsEnabled,
                                  keys::insightsAIPhrasingEnabled,
                                  keys::insightsAIProviderIdentifier,
+                                 keys::updatesCheckEnabled,
+                                 keys::updatesFeedAddress,
                                  keys::dailyGoalAcknowledgement,
                                  keys::celebratedSessionIDs,
                                  keys::receiptIncludeGoal,

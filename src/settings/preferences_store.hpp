@@ -8,6 +8,7 @@
 // and the integers "onboarding.*", "personalisation.dailyStudyGoalMinutes" and
 // "metrics.derivedRevision" use the domain's plain typed getters (false or 0
 // when missing); the Booleans that default to true, "insights.aiPhrasingEnabled",
+// "updates.checkEnabled" (only a stored true turns it on),
 // the three seconds thresholds, "tracking.longSleep" and the two shortcut
 // integers are read generically and take their listed default when missing or
 // of another type. Strings and enumerations read as strings take "" or their
@@ -71,6 +72,8 @@ struct PreferenceValues {
     bool sessionCelebrationsEnabled = true;
     bool insightsAIPhrasingEnabled = false;
     std::string insightsAIProviderIdentifier{"none"};
+    bool updatesCheckEnabled = false;
+    std::string updatesFeedAddress;
     long long derivedRevision = 0;
 
     friend bool operator==(const PreferenceValues&, const PreferenceValues&) = default;
@@ -163,6 +166,13 @@ class PreferencesStore {
         return values_.insightsAIProviderIdentifier;
     }
     void setInsightsAIProviderIdentifier(std::string_view value);
+    // Off by default: no update check contacts anything until this is on.
+    bool updatesCheckEnabled() const { return values_.updatesCheckEnabled; }
+    void setUpdatesCheckEnabled(bool value);
+    // Empty: the address compiled into the build. Held and written trimmed;
+    // whether it is https:// is judged when a check runs.
+    const std::string& updatesFeedAddress() const { return values_.updatesFeedAddress; }
+    void setUpdatesFeedAddress(std::string_view value);
     // The revision of the derived session totals the stored history carries.
     long long derivedRevision() const { return values_.derivedRevision; }
     void setDerivedRevision(long long value);

@@ -1,6 +1,7 @@
 #include "ui/settings_about_section.hpp"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QDir>
@@ -21,6 +22,11 @@
 #include "ui/design/qt_text.hpp"
 #include "ui/models/about_settings.hpp"
 #include "ui/settings_section_frame.hpp"
+
+#if LUMENOTE_UPDATE_CHECKS
+#include "updates/feed_address.hpp"
+#include "updates/release_channel.hpp"
+#endif
 
 namespace lumenote::ui {
 
@@ -49,7 +55,29 @@ AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, Q
     version->setObjectName(QStringLiteral("aboutVersion"));
     version->setTextInteractionFlags(Qt::TextSelectableByMouse);
     product->bodyLayout()->addWidget(version);
+#if LUMENOTE_UPDATE_CHECKS
+    product->bodyLayout()->addWidget(paragraph(models::kUpdateChecksText, product));
+    allowUpdateChecks_ = new QCheckBox(qt(models::kAllowUpdateChecksTitle), product);
+    allowUpdateChecks_->setObjectName(QStringLiteral("updatesCheckEnabled"));
+    allowUpdateChecks_->setAccessibleName(qt(models::kAllowUpdateChecksTitle));
+    product->bodyLayout()->addWidget(allowUpdateChecks_);
+    updateAddress_ = paragraph({}, product);
+    updateAddress_->setObjectName(QStringLiteral("updatesFeedAddress"));
+    updateAddress_->setTextFormat(Qt::PlainText);
+    updateAddress_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    product->bodyLayout()->addWidget(updateAddress_);
+    connect(allowUpdateChecks_, &QCheckBox::toggled, this,
+            [this](bool on) { dependencies_.preferences.setUpdatesCheckEnabled(on); });
+    token_ = dependencies_.preferences.addObserver([this](settings::PreferenceProperty property) {
+        if (property == settings::PreferenceProperty::updatesCheckEnabled ||
+            property == settings::PreferenceProperty::updatesFeedAddress) {
+            refreshUpdates();
+        }
+    });
+    refreshUpdates();
+#else
     product->bodyLayout()->addWidget(paragraph(models::kUpdatesText, product));
+#endif
     layout->addWidget(product);
 
     auto* report =
@@ -107,6 +135,22 @@ AboutSettingsSection::AboutSettingsSection(SettingsDependencies& dependencies, Q
         const auto message = portability::buildFeedbackMessage(facts());
         QDesktopServices::openUrl(QUrl(qt(message.mailtoLink())));
     });
+}
+
+AboutSettingsSection::~AboutSettingsSection() {
+    if (token_ != 0) {
+        dependencies_.preferences.removeObserver(token_);
+    }
+}
+
+void AboutSettingsSection::refreshUpdates() {
+#if LUMENOTE_UPDATE_CHECKS
+    const settings::PreferencesStore& preferences = dependencies_.preferences;
+    const QSignalBlocker blocker(allowUpdateChecks_);
+    allowUpdateChecks_->setChecked(preferences.updatesCheckEnabled());
+    updateAddress_->setText(qt(models::updateAddressText(updates::effectiveFeedAddress(
+        preferences.updatesFeedAddress(), updates::compiledFeedAddress()))));
+#endif
 }
 
 portability::DiagnosticReportFacts AboutSettingsSection::facts() {

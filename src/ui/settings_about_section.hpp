@@ -8,6 +8,7 @@
 
 #include "ui/settings_dependencies.hpp"
 
+class QCheckBox;
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
@@ -19,6 +20,7 @@ class AboutSettingsSection final : public QWidget {
 
   public:
     explicit AboutSettingsSection(SettingsDependencies& dependencies, QWidget* parent = nullptr);
+    ~AboutSettingsSection() override;
 
     // Builds the report from the facts of this moment and shows it.
     void showReport();
@@ -27,12 +29,18 @@ class AboutSettingsSection final : public QWidget {
 
   private:
     portability::DiagnosticReportFacts facts();
+    // The update switch and address as the preferences hold them (builds
+    // with the update check only).
+    void refreshUpdates();
 
     SettingsDependencies& dependencies_;
     QLabel* banner_;
     QPlainTextEdit* report_;
     QPushButton* copy_;
     QPushButton* save_;
+    QCheckBox* allowUpdateChecks_ = nullptr;
+    QLabel* updateAddress_ = nullptr;
+    settings::PreferencesStore::Observers::Token token_ = 0;
 };
 
 }  // namespace lumenote::ui

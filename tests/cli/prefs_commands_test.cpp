@@ -186,7 +186,7 @@ TEST_F(PrefsCommandsTest, ListShowsEveryKeyAndMarksDefaults) {
         EXPECT_EQ(line.find("(default)") == std::string::npos, changed) << line;
         ++count;
     }
-    EXPECT_EQ(count, 33U);
+    EXPECT_EQ(count, 35U);
     EXPECT_THAT(list.out, HasSubstr("= 720\n"));
     EXPECT_THAT(list.out, HasSubstr("= \"\"  (default)"));
 }

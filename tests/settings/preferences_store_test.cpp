@@ -61,7 +61,22 @@ TEST_F(PreferencesStoreTest, NothingStoredReadsEveryDefaultAndWritesNothing) {
     EXPECT_EQ(store.dailyStudyGoalMinutes(), 0);
     EXPECT_EQ(store.insightsAIProviderIdentifier(), "none");
     EXPECT_EQ(store.derivedRevision(), 0);
+    EXPECT_FALSE(store.updatesCheckEnabled());
+    EXPECT_EQ(store.updatesFeedAddress(), "");
     EXPECT_FALSE(fs::exists(path()));
+}
+
+TEST_F(PreferencesStoreTest, UpdateChecksStayOffUnlessStoredAsTrueAndTheAddressIsTrimmed) {
+    stored(R"({"updates.checkEnabled": "true", "updates.feedAddress": "  https://a.example/f  "})");
+    PreferencesStore& store = open();
+    EXPECT_FALSE(store.updatesCheckEnabled());
+    EXPECT_EQ(store.updatesFeedAddress(), "https://a.example/f");
+
+    store.setUpdatesCheckEnabled(true);
+    store.setUpdatesFeedAddress("\thttps://b.example/feed\n");
+    EXPECT_EQ(fileContents()["updates.checkEnabled"], true);
+    EXPECT_EQ(fileContents()["updates.feedAddress"], "https://b.example/feed");
+    EXPECT_TRUE(open().updatesCheckEnabled());
 }
 
 struct ThresholdCase {
@@ -455,6 +470,8 @@ TEST_F(PreferencesStoreTest, ResetRemovesThePreferencesButKeepsTheDerivedRevisio
     store.setBrowserTrackingEnabled(false);
     store.setDailyStudyGoalMinutes(60);
     store.setDerivedRevision(7);
+    store.setUpdatesCheckEnabled(true);
+    store.setUpdatesFeedAddress("https://updates.example/feed.json");
     ASSERT_TRUE(store.shouldCelebrate(sessionStartedAt(kNow.addingSeconds(-3600)), kNow));
     ASSERT_TRUE(store.acknowledgeDailyGoalIfNeeded(kNow, LocalCalendar::utc()));
     std::vector<PreferenceProperty> announced;
@@ -464,7 +481,10 @@ TEST_F(PreferencesStoreTest, ResetRemovesThePreferencesButKeepsTheDerivedRevisio
     EXPECT_EQ(store.inactivityThreshold(), 90.0);
     EXPECT_TRUE(store.browserTrackingEnabled());
     EXPECT_EQ(store.derivedRevision(), 7);
-    EXPECT_EQ(announced.size(), 32U);
+    EXPECT_FALSE(store.updatesCheckEnabled());
+    EXPECT_EQ(store.updatesFeedAddress(), "");
+    // Every property before the derived revision, which is last and kept.
+    EXPECT_EQ(announced.size(), static_cast<std::size_t>(PreferenceProperty::derivedRevision));
     EXPECT_EQ(fileContents(), nlohmann::json::parse(
                                   R"({"metrics.derivedRevision": 7, "other.application.key": 3})"));
 }

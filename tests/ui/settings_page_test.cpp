@@ -623,6 +623,21 @@ TEST_F(SettingsPageTest, AboutShowsTheVersionAndAReportWithoutRecordedDetails) {
     EXPECT_TRUE(shown("aboutBanner"));
 }
 
+#if LUMENOTE_UPDATE_CHECKS
+TEST_F(SettingsPageTest, AboutAllowsUpdateChecksOnlyWhenTickedAndShowsTheAddress) {
+    page_->showSection(SettingsPage::Section::about);
+    auto* allow = child<QCheckBox>("updatesCheckEnabled");
+    EXPECT_FALSE(allow->isChecked());
+    allow->click();
+    EXPECT_TRUE(preferences_.updatesCheckEnabled());
+
+    preferences_.setUpdatesFeedAddress("https://fork.example/feed.json");
+    EXPECT_EQ(labelText("updatesFeedAddress"), "Update address: https://fork.example/feed.json");
+    preferences_.setUpdatesCheckEnabled(false);
+    EXPECT_FALSE(allow->isChecked());
+}
+
+#endif
 // Every control of every section can be reached with Tab and says what it is.
 TEST_F(SettingsPageTest, EveryControlIsKeyboardReachableWithAName) {
     int controls = 0;

@@ -13,4 +13,12 @@ std::string versionText(std::string_view appVersion, std::string_view appBuild) 
     return text;
 }
 
+std::string updateAddressText(std::string_view effectiveAddress) {
+    if (effectiveAddress.empty()) {
+        return "This build names no update address; the updates.feedAddress preference can "
+               "name one.";
+    }
+    return "Update address: " + std::string(effectiveAddress);
+}
+
 }  // namespace lumenote::ui::models

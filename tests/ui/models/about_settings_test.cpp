@@ -11,5 +11,11 @@ TEST(AboutSettings, AVersionIsNamedAndNoneIsADevelopmentBuild) {
     EXPECT_EQ(versionText("", "12"), "Development build");
 }
 
+TEST(AboutSettings, TheUpdateAddressIsShownOrItsAbsenceExplained) {
+    EXPECT_EQ(updateAddressText("https://updates.example/feed"),
+              "Update address: https://updates.example/feed");
+    EXPECT_NE(updateAddressText("").find("updates.feedAddress"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace lumenote::ui::models
