@@ -37,12 +37,14 @@ echo "kill campaign: $kills kills, seed $seed"
 
 # check_recovered KILLED_AFTER_SECONDS: the newest session after `recovery end`.
 check_recovered() {
-    "$python" - "$("$cli" sessions --json)" "$("$cli" show "$(newest_id)" --json)" "$1" <<'CHECK'
+    "$cli" sessions --json >"$work/sessions.json"
+    "$cli" show "$(newest_id)" --json >"$work/session.json"
+    "$python" - "$work/sessions.json" "$work/session.json" "$1" <<'CHECK'
 import json, sys
 from datetime import datetime
 stamp = lambda text: datetime.fromisoformat(text.replace("Z", "+00:00"))
-newest = json.loads(sys.argv[1])[0]
-session = json.loads(sys.argv[2])
+newest = json.load(open(sys.argv[1]))[0]
+session = json.load(open(sys.argv[2]))
 limit = float(sys.argv[3])
 assert newest["status"] == "interrupted", newest["status"]
 assert session["timerDuration"] <= limit + 1.0, (session["timerDuration"], limit)
