@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "ui/screenshots.hpp"
+
 #include "offscreen_application.hpp"
 #include "settings/in_memory_defaults_domain.hpp"
 
@@ -75,6 +77,8 @@ TEST_F(UpdateCheckCommandTest, ANewerReleaseShowsItsNotesAsTextAndOpensItsPageOn
     EXPECT_EQ(box->textFormat(), Qt::PlainText);
     EXPECT_EQ(box->text(), "Lumenote 0.2.0 is available. You have 0.1.0.\n\n<b>Bold</b> claims");
     EXPECT_TRUE(opened_.empty());
+    box->adjustSize();
+    lumenote::testing::saveScreenshots(*box, "update-available");
     auto* download = box->findChild<QPushButton*>("updateDownload");
     ASSERT_NE(download, nullptr);
     download->click();
