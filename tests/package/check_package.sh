@@ -3,8 +3,8 @@
 # dependencies, its contents, that it carries no maintainer scripts, lintian
 # (no errors), desktop-file-validate and appstreamcli on the files it ships;
 # then installs it with dpkg into a throw-away root, runs the programs from
-# there (the browser helper's manifest points into that root), and removes it
-# again, leaving nothing behind.
+# there (the browser helper's manifest points into that root; no update check
+# and no network library), and removes it again, leaving nothing behind.
 #
 # Usage: check_package.sh BUILD_DIR (the package preset's folder). Every
 # process runs under timeout.
@@ -94,6 +94,15 @@ CHECK
     fail "the manifest does not point at the installed helper"
 [[ "$(timeout 20 "$root/usr/libexec/lumenote/TallywiseBrowserHost" --version)" == TallywiseBrowserHost* ]] ||
     fail "the installed helper does not run"
+# The package manager updates the package: no update check is built in, and
+# no program links a network library.
+[[ "$(timeout 20 "$cli" update check 2>&1 || true)" == *"updated by your system's package manager"* ]] ||
+    fail "the packaged update check does not name the package manager"
+for program in "$root/usr/bin/lumenote" "$root/usr/bin/lumenote-cli" \
+    "$root/usr/libexec/lumenote/TallywiseBrowserHost"; do
+    ! ldd "$program" | grep -qiE 'libQt6Network|libssl|libcurl' ||
+        fail "$(basename "$program") links a network library: $(ldd "$program" | grep -iE 'network|ssl|curl')"
+done
 dpkg_root --remove lumenote >"$work/dpkg.out" 2>&1 || fail "dpkg --remove: $(cat "$work/dpkg.out")"
 left=$(find "$root/usr" -type f 2>/dev/null || true)
 [[ -z "$left" ]] || fail "files left after removal: $left"
