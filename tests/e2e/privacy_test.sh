@@ -79,7 +79,11 @@ drive "$public_site" desktop-public
 activate "$editor"
 "$cli" end >/dev/null
 poll_until "the desktop session's end" tooltip_is "Lumenote. No session running."
-kill -TERM "$(pgrep -f -x "$bin/lumenote --hidden" | head -n1)"
+# This test's own application: the child of strace, itself the child of
+# the timeout (other tests may run an application beside it).
+tracer=$(pgrep -P "$app_pid" -x strace) || fail "no strace under the application's timeout"
+traced=$(pgrep -P "$tracer" -x lumenote) || fail "no application under strace"
+kill -TERM "$traced"
 poll_until "the desktop application to quit" app_gone
 
 # ---- no socket but Unix ones, in any process of the recorders or the host
