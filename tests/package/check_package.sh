@@ -3,8 +3,9 @@
 # dependencies, its contents, that it carries no maintainer scripts, lintian
 # (no errors), desktop-file-validate and appstreamcli on the files it ships;
 # then installs it with dpkg into a throw-away root, runs the programs from
-# there (the browser helper's manifest points into that root; no update check
-# and no network library), and removes it again, leaving nothing behind.
+# there as installed_programs.sh does for any prefix (the version must be the
+# package's; no update check and no network library), and removes it again,
+# leaving nothing behind.
 #
 # Usage: check_package.sh BUILD_DIR (the package preset's folder). Every
 # process runs under timeout.
@@ -15,8 +16,10 @@ shopt -s nullglob
 packages=("$build"/lumenote_*.deb)
 ((${#packages[@]} == 1)) || { echo "FAIL: expected one package in $build" >&2; exit 1; }
 deb=${packages[0]}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+source "$here/installed_programs.sh"
 fail() {
     echo "FAIL: $*" >&2
     exit 1
@@ -78,22 +81,10 @@ dpkg_root() {
     timeout 120 dpkg --root="$root" --force-depends --force-not-root --log=/dev/null "$@"
 }
 dpkg_root --install "$deb" >"$work/dpkg.out" 2>&1 || fail "dpkg --install: $(cat "$work/dpkg.out")"
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/config" XDG_DATA_HOME="$work/home/data"
-mkdir -p "$HOME"
+check_installed_programs "$root/usr"
+[[ "$version" == "lumenote-cli $(field Version) "* ]] ||
+    fail "the installed version is not the package's: $version"
 cli="$root/usr/bin/lumenote-cli"
-[[ "$(timeout 20 "$cli" --version)" == "lumenote-cli $(field Version) "* ]] ||
-    fail "the installed version is not the package's: $(timeout 20 "$cli" --version)"
-timeout 20 "$cli" browser register firefox >"$work/register.out" 2>&1 ||
-    fail "browser register: $(cat "$work/register.out")"
-manifest="$HOME/.mozilla/native-messaging-hosts/com.tallywise.browser_host.json"
-python3 - "$manifest" "$root/usr/libexec/lumenote/TallywiseBrowserHost" <<'CHECK' ||
-import json, os, sys
-path = json.load(open(sys.argv[1]))["path"]
-assert os.path.realpath(path) == os.path.realpath(sys.argv[2]), path
-CHECK
-    fail "the manifest does not point at the installed helper"
-[[ "$(timeout 20 "$root/usr/libexec/lumenote/TallywiseBrowserHost" --version)" == TallywiseBrowserHost* ]] ||
-    fail "the installed helper does not run"
 # The package manager updates the package: no update check is built in, and
 # no program links a network library.
 [[ "$(timeout 20 "$cli" update check 2>&1 || true)" == *"updated by your system's package manager"* ]] ||
@@ -107,5 +98,6 @@ dpkg_root --remove lumenote >"$work/dpkg.out" 2>&1 || fail "dpkg --remove: $(cat
 left=$(find "$root/usr" -type f 2>/dev/null || true)
 [[ -z "$left" ]] || fail "files left after removal: $left"
 # The user's own registration is theirs to remove.
-[[ -f "$manifest" ]] || fail "removing the package touched the user's manifest"
+[[ -f "$HOME/.mozilla/native-messaging-hosts/com.tallywise.browser_host.json" ]] ||
+    fail "removing the package touched the user's manifest"
 echo "package check passed: $(basename "$deb")"

@@ -11,8 +11,10 @@
 set -euo pipefail
 
 build=${1:?usage: install_test.sh BUILD_DIR}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
+source "$here/installed_programs.sh"
 prefix="$work/prefix"
 fail() {
     echo "FAIL: $*" >&2
@@ -66,49 +68,8 @@ entry="$prefix/share/applications/com.tallywise.Lumenote.desktop"
 grep -qx "Exec=lumenote" "$entry" || fail "the installed entry does not run lumenote: $(grep Exec "$entry")"
 grep -qx "Icon=com.tallywise.Lumenote" "$entry" || fail "the installed entry names another icon"
 
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/config" XDG_DATA_HOME="$work/home/data"
-mkdir -p "$HOME"
-cli="$prefix/bin/lumenote-cli"
-version=$(timeout 20 "$cli" --version)
-[[ "$version" =~ ^lumenote-cli\ [0-9]+\.[0-9]+\.[0-9]+\ \(build\ [0-9]+\)$ ]] ||
-    fail "unexpected version line: $version"
-[[ "$(timeout 20 "$prefix/bin/lumenote" --version)" == "lumenote ${version#lumenote-cli }" ]] ||
-    fail "the two programs disagree on the version"
+check_installed_programs "$prefix"
 
-timeout 20 "$cli" browser register firefox chromium >"$work/register.out" 2>&1 ||
-    fail "browser register failed: $(cat "$work/register.out")"
-host="$prefix/libexec/lumenote/TallywiseBrowserHost"
-for manifest in "$HOME/.mozilla/native-messaging-hosts/com.tallywise.browser_host.json" \
-    "$XDG_CONFIG_HOME/chromium/NativeMessagingHosts/com.tallywise.browser_host.json"; do
-    [[ -f "$manifest" ]] || fail "no manifest at $manifest: $(ls -R "$HOME")"
-    python3 - "$manifest" "$host" <<'CHECK' || fail "the manifest $manifest points elsewhere"
-import json, os, sys
-path = json.load(open(sys.argv[1]))["path"]
-assert os.path.realpath(path) == os.path.realpath(sys.argv[2]), path
-CHECK
-done
-
-extension=$(timeout 20 "$cli" extension path)
-[[ "$extension" == *"$prefix/share/lumenote/extension"* ]] ||
-    fail "extension path does not name the installed packages: $extension"
-
-# The installed helper answers a browser's hello and ends when its input
-# closes, as it does when a browser starts it from the manifest.
-timeout 30 python3 - "$host" <<'CHECK' || fail "the installed helper did not answer"
-import json, select, struct, subprocess, sys
-host = subprocess.Popen([sys.argv[1], "--browser=org.mozilla.firefox"],
-                        stdin=subprocess.PIPE, stdout=subprocess.PIPE)
-hello = json.dumps({"bridgeMessage": "hello", "extensionVersion": "0.1.0",
-                    "protocolVersion": 1}).encode()
-host.stdin.write(struct.pack("=I", len(hello)) + hello)
-host.stdin.flush()
-ready, _, _ = select.select([host.stdout], [], [], 20)
-assert ready, "no answer within 20 s"
-(length,) = struct.unpack("=I", host.stdout.read(4))
-json.loads(host.stdout.read(length))
-host.stdin.close()
-assert host.wait(timeout=10) == 0, host.returncode
-CHECK
 # The installed manual renders from the prefix.
 MANWIDTH=80 timeout 20 man -l "$prefix/share/man/man1/lumenote-cli.1.gz" 2>/dev/null |
     grep -q "lumenote-cli" || fail "the installed manual page does not render"
