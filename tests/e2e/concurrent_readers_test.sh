@@ -11,6 +11,7 @@
 set -euo pipefail
 
 bin=${1:?usage: concurrent_readers_test.sh BIN_DIR}
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 cli="$bin/lumenote-cli"
 work=$(mktemp -d)
 writer=
@@ -67,16 +68,14 @@ CHECK
 }
 
 check_session() {
-    python3 - "$1" <<'CHECK'
-import json, sys
-from datetime import datetime
-session = json.load(open(sys.argv[1]))
-stamp = lambda text: datetime.fromisoformat(text.replace("Z", "+00:00"))
-segments = sorted(session["segments"], key=lambda s: s["startDate"])
+    PYTHONPATH="$here" python3 - "$1" <<'CHECK'
+import sys
+from stored_session import assert_each_begins_where_the_last_ended, load, ordered_segments, stamp
+session = load(sys.argv[1])
+segments = ordered_segments(session)
 assert len(segments) == 10, len(segments)
 assert stamp(segments[0]["startDate"]) == stamp(session["startDate"])
-for before, after in zip(segments, segments[1:]):
-    assert stamp(before["endDate"]) == stamp(after["startDate"]), (before, after)
+assert_each_begins_where_the_last_ended(segments)
 assert stamp(segments[-1]["endDate"]) == stamp(session["endDate"])
 assert sum(s["duration"] for s in segments) == 300.0
 CHECK

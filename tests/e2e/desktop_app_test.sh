@@ -155,7 +155,7 @@ shot "$panel" panel-summary-light
 shot_in_dark "$panel" panel-summary-dark
 sessions=$("$cli" sessions)
 [[ "$sessions" == *Biology* && "$sessions" == *completed* ]] || fail "sessions: $sessions"
-first=$("$cli" sessions --json | "$python" -c 'import json, sys; print(json.load(sys.stdin)[0]["id"])')
+first=$(newest_session_id)
 shown=$("$cli" show "$first")
 grep -q LumenoteAlpha <<<"$shown" || fail "the first window is not recorded: $shown"
 grep -q LumenoteBeta <<<"$shown" || fail "the second window is not recorded: $shown"

@@ -151,6 +151,10 @@ elapsed() {
     echo $((10#${BASH_REMATCH[1]} * 3600 + 10#${BASH_REMATCH[2]} * 60 + 10#${BASH_REMATCH[3]}))
 }
 elapsed_at_least() { (($(elapsed) >= $1)); }
+# The id of the newest stored session.
+newest_session_id() {
+    "$cli" sessions --json | "$python" -c 'import json, sys; print(json.load(sys.stdin)[0]["id"])'
+}
 
 # login1 METHOD [ARGS...]: drives the test logind.
 login1() {

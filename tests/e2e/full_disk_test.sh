@@ -77,22 +77,21 @@ wait "$recorder_job" || fail "the recorder ended with status $?"
 
 integrity=$(timeout 30 sqlite3 "$XDG_DATA_HOME/Lumenote/lumenote.sqlite" "PRAGMA integrity_check;")
 [[ "$integrity" == ok ]] || fail "integrity check after the full disk: $integrity"
-id=$("$cli" sessions --json | "$python" -c 'import json,sys; print(json.load(sys.stdin)[0]["id"])')
-"$python" - "$("$cli" show "$id" --json)" <<'CHECK' || fail "the session lost what was recorded on the full disk"
-import json, sys
-from datetime import datetime
-stamp = lambda text: datetime.fromisoformat(text.replace("Z", "+00:00"))
-session = json.loads(sys.argv[1])
+"$cli" show "$(newest_session_id)" --json >"$work/session.json"
+PYTHONPATH="$here" "$python" - "$work/session.json" <<'CHECK' ||
+import sys
+from stored_session import assert_each_begins_where_the_last_ended, load, ordered_segments
+session = load(sys.argv[1])
 assert session["status"] == "completed", session["status"]
-segments = sorted(session["segments"], key=lambda s: s["startDate"])
+segments = ordered_segments(session)
 order = [s.get("bundleIdentifier") for s in segments if s.get("bundleIdentifier")]
 merged = [name for index, name in enumerate(order) if index == 0 or order[index - 1] != name]
 expected = ["LumenoteAlpha", "LumenoteBeta", "LumenoteAlpha", "LumenoteBeta", "LumenoteAlpha"]
 assert merged == expected, merged
-for before, after in zip(segments, segments[1:]):
-    assert stamp(before["endDate"]) == stamp(after["startDate"]), (before, after)
+assert_each_begins_where_the_last_ended(segments)
 assert abs(sum(s["duration"] for s in segments) - session["timerDuration"]) < 0.01
 CHECK
+    fail "the session lost what was recorded on the full disk"
 # (An empty lumenote.lock is the advisory lock of the one recorder.)
 leftovers=$(find "$HOME" \( -name '*.temporary*' -o -name '*.tmp' -o \( -size 0 -type f ! -name '*.lock' \) \) -print)
 [[ -z "$leftovers" ]] || fail "half-written or temporary files were left behind: $leftovers"

@@ -38,26 +38,20 @@ echo "kill campaign: $kills kills, seed $seed"
 # check_recovered KILLED_AFTER_SECONDS: the newest session after `recovery end`.
 check_recovered() {
     "$cli" sessions --json >"$work/sessions.json"
-    "$cli" show "$(newest_id)" --json >"$work/session.json"
-    "$python" - "$work/sessions.json" "$work/session.json" "$1" <<'CHECK'
-import json, sys
-from datetime import datetime
-stamp = lambda text: datetime.fromisoformat(text.replace("Z", "+00:00"))
-newest = json.load(open(sys.argv[1]))[0]
-session = json.load(open(sys.argv[2]))
+    "$cli" show "$(newest_session_id)" --json >"$work/session.json"
+    PYTHONPATH="$here" "$python" - "$work/sessions.json" "$work/session.json" "$1" <<'CHECK'
+import sys
+from stored_session import assert_inside_and_apart, load, stamp
+newest = load(sys.argv[1])[0]
+session = load(sys.argv[2])
 limit = float(sys.argv[3])
 assert newest["status"] == "interrupted", newest["status"]
 assert session["timerDuration"] <= limit + 1.0, (session["timerDuration"], limit)
 begin, end = stamp(session["startDate"]), stamp(session["endDate"])
 assert (end - begin).total_seconds() <= limit + 1.0, (begin, end, limit)
-segments = sorted(session["segments"], key=lambda s: s["startDate"])
-for segment in segments:
-    assert begin <= stamp(segment["startDate"]) <= stamp(segment["endDate"]) <= end, segment
-for before, after in zip(segments, segments[1:]):
-    assert stamp(before["endDate"]) <= stamp(after["startDate"]), (before, after)
+assert_inside_and_apart(session)
 CHECK
 }
-newest_id() { "$cli" sessions --json | "$python" -c 'import json,sys; print(json.load(sys.stdin)[0]["id"])'; }
 
 survived=0
 for ((round = 1; round <= kills; round++)); do

@@ -99,8 +99,7 @@ for trace in recorder desktop; do
 done
 
 # ---- the private host name is nowhere on disk; the public one only in the store
-grep -q "$public_site" <("$cli" show "$("$cli" sessions --json | "$python" -c \
-    'import json,sys; print(json.load(sys.stdin)[0]["id"])')" --json) ||
+grep -q "$public_site" <("$cli" show "$(newest_session_id)" --json) ||
     fail "the public website was not recorded, so the private one proves nothing"
 if grep -rlaF "$private_site" "$XDG_DATA_HOME" "$XDG_CONFIG_HOME" >"$work/found.txt"; then
     fail "the private window's host name was kept in: $(cat "$work/found.txt")"
