@@ -1,6 +1,7 @@
 #include "bridge/browser_bridge_store.hpp"
 
 #include <dirent.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cinttypes>
@@ -69,6 +70,19 @@ Failure<BrowserBridgeWriteError> writeFailure(BrowserBridgeStoreError error) {
     return fail(BrowserBridgeWriteError(error));
 }
 
+// A document of another format version is not understood here: it is never
+// handed on, and it is left in place for the party that knows its layout.
+template <typename Document>
+bool ofThisVersion(const Document& document) {
+    return document.version == kBridgeDocumentVersion;
+}
+
+// Whether `path` itself has exactly the private file mode, 0600.
+bool isPrivateFile(const fs::path& path) {
+    struct stat info {};
+    return ::lstat(path.c_str(), &info) == 0 && (info.st_mode & 07777) == 0600;
+}
+
 BrowserBridgeStoreError readFailure(PrivateFileError error) {
     return error == PrivateFileError::tooLarge ? BrowserBridgeStoreError::payloadTooLarge
                                                : BrowserBridgeStoreError::malformedEnvelope;
@@ -134,6 +148,12 @@ Result<std::string, BrowserBridgeStoreError> BrowserBridgeStore::prepare() {
     }
     auto existing = private_file::read(tokenPath(), kMaximumTokenFileBytes);
     if (existing && isWellFormedBridgeToken(existing.value())) {
+        // The token is the bridge's secret and is never rewritten otherwise:
+        // one made readable by others is written again, which makes it 0600.
+        if (!isPrivateFile(tokenPath()) &&
+            !private_file::writeAtomically(tokenPath(), existing.value(), operations_)) {
+            return fail(BrowserBridgeStoreError::tokenUnavailable);
+        }
         return std::move(existing).value();
     }
     if (!existing && existing.error() != PrivateFileError::missing &&
@@ -200,8 +220,7 @@ Result<BrowserBridgeQueuedPayload, BrowserBridgeStoreError> BrowserBridgeStore::
         return fail(readFailure(bytes.error()));
     }
     auto envelope = decodeEnvelope(bytes.value());
-    if (!envelope || envelope->version != kBridgeDocumentVersion ||
-        !bridgeTokensMatch(token, envelope->token)) {
+    if (!envelope || !ofThisVersion(*envelope) || !bridgeTokensMatch(token, envelope->token)) {
         return fail(BrowserBridgeStoreError::malformedEnvelope);
     }
     return BrowserBridgeQueuedPayload{std::move(envelope->eventData), envelope->receivedAt,
@@ -241,7 +260,8 @@ std::vector<BrowserBridgeReadiness> BrowserBridgeStore::readReadiness() const {
             continue;
         }
         auto envelope = decodeReadinessEnvelope(bytes.value());
-        if (envelope && bridgeTokensMatch(token.value(), envelope->token)) {
+        if (envelope && ofThisVersion(*envelope) &&
+            bridgeTokensMatch(token.value(), envelope->token)) {
             found.push_back(std::move(envelope->readiness));
         }
     }
@@ -254,7 +274,7 @@ std::optional<BrowserBridgeState> BrowserBridgeStore::readState() const {
         return std::nullopt;
     }
     auto state = decodeState(bytes.value());
-    return state ? std::optional(std::move(state).value()) : std::nullopt;
+    return state && ofThisVersion(*state) ? std::optional(std::move(state).value()) : std::nullopt;
 }
 
 std::optional<BrowserBridgePreferencesEnvelope> BrowserBridgeStore::readPreferences() const {
@@ -264,7 +284,8 @@ std::optional<BrowserBridgePreferencesEnvelope> BrowserBridgeStore::readPreferen
         return std::nullopt;
     }
     auto preferences = decodePreferences(bytes.value());
-    if (!preferences || !bridgeTokensMatch(token.value(), preferences->token)) {
+    if (!preferences || !ofThisVersion(*preferences) ||
+        !bridgeTokensMatch(token.value(), preferences->token)) {
         return std::nullopt;
     }
     return std::move(preferences).value();
@@ -314,7 +335,8 @@ Result<BrowserBridgeCommand, BrowserBridgeStoreError> BrowserBridgeStore::readCo
         return fail(readFailure(bytes.error()));
     }
     auto envelope = decodeCommandEnvelope(bytes.value());
-    if (!envelope || !bridgeTokensMatch(token.value(), envelope->token)) {
+    if (!envelope || !ofThisVersion(*envelope) ||
+        !bridgeTokensMatch(token.value(), envelope->token)) {
         return fail(BrowserBridgeStoreError::malformedEnvelope);
     }
     return std::move(envelope->command);

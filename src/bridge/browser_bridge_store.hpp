@@ -10,7 +10,9 @@
 //
 // Folders are mode 0700, files 0600, every file is written through a
 // ".temporary" sibling renamed over it, and names ending in ".temporary"
-// are never read. Inbox and readiness files, written by the host for every
+// are never read. A document of another format version than
+// kBridgeDocumentVersion is never handed on (nor rewritten by a reader): it
+// reads as absent or malformed. Inbox and readiness files, written by the host for every
 // event and heartbeat and worthless after a restart, are not forced to disk;
 // the others are. Both sides use this class: the recorder prepares the
 // directory; the host only ever reads the token and never creates it.
@@ -81,7 +83,8 @@ class BrowserBridgeStore {
     // Creates the directory and its three folders (0700) and creates or reads
     // the token. A token file that is not a well-formed token is moved aside
     // and a new token made; one that cannot be read (a symbolic link, not a
-    // regular file) or created is tokenUnavailable.
+    // regular file) or created is tokenUnavailable. A well-formed token whose
+    // file is not 0600 is written again so that it is private.
     Result<std::string, BrowserBridgeStoreError> prepare();
     Result<void, BrowserBridgeWriteError> writeState(const BrowserBridgeState& state);
     Result<void, BrowserBridgeWriteError> writePreferences(bool filenameLabelsEnabled);
