@@ -16,7 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t kMaximumManifestBytes = 64 * 1024;
 constexpr std::string_view kHostExecutableName = "TallywiseBrowserHost";
 
 bool isExecutableFile(const fs::path& path) {

@@ -23,6 +23,7 @@
 // helper at "path" exists and runs, are the snapshot's other fields.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -37,6 +38,8 @@ namespace lumenote::bridge {
 
 inline constexpr std::string_view kNativeHostName = "com.tallywise.browser_host";
 inline constexpr std::string_view kNativeHostManifestFileName = "com.tallywise.browser_host.json";
+// The largest manifest read, in bytes: a larger file is never opened for reading.
+inline constexpr std::size_t kMaximumManifestBytes = 64 * 1024;
 inline constexpr std::string_view kNativeHostDescription =
     "Lumenote privacy-first browser activity bridge";
 

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "bridge/browser_bridge_store.hpp"
+#include "bridge/native_host_registration.hpp"
 #include "hostile_shapes.hpp"
 #include "insights/file_insight_dismissal_repository.hpp"
 #include "portability/backup_test_support.hpp"
@@ -55,7 +56,16 @@ struct Observed {
 };
 
 // How a reader treats what it cannot use; each is one row of kExpected.
-enum class Policy { versioned, checkpoint, defaults, token, bridgeDocument, inbox, backup };
+enum class Policy {
+    versioned,
+    checkpoint,
+    defaults,
+    token,
+    bridgeDocument,
+    inbox,
+    manifest,
+    backup
+};
 
 constexpr Outcome L = Outcome::loaded, R = Outcome::refused, Q = Outcome::quarantined,
                   N = Outcome::newerReadOnly, X = Outcome::notApplicable;
@@ -72,16 +82,18 @@ constexpr Outcome L = Outcome::loaded, R = Outcome::refused, Q = Outcome::quaran
 // - token: a token that is not well-formed (the cap cannot be reached by a
 //   well-formed one) is moved aside and a new one made; links, non-regular
 //   and unreadable token files make the bridge unavailable.
-// - bridge documents, inbox entries and backups are never moved: what cannot
-//   be used is not handed on (a backup is the user's file, a bridge document
-//   is rewritten by its writer).
-constexpr std::array<std::array<Outcome, kShapeCount>, 7> kExpected{{
+// - bridge documents, inbox entries, native-host manifests and backups are
+//   never moved: what cannot be used is not handed on (a backup is the user's
+//   file, a bridge document is rewritten by its writer, a manifest is one the
+//   user repairs, and it has no format version).
+constexpr std::array<std::array<Outcome, kShapeCount>, 8> kExpected{{
     {L, R, R, R, R, Q, L, R, N, Q, Q, L, L, L, R},  // versioned
     {L, R, R, R, R, Q, L, R, Q, Q, Q, L, L, L, R},  // checkpoint
     {L, Q, Q, Q, Q, Q, L, Q, X, Q, Q, L, L, L, Q},  // defaults
     {L, R, R, R, R, Q, Q, Q, X, Q, Q, L, L, L, R},  // token
     {L, R, R, R, R, R, L, R, R, R, R, L, L, L, R},  // bridge documents
     {L, R, R, R, R, R, L, R, R, R, R, L, L, L, R},  // inbox
+    {L, R, R, R, R, R, L, R, X, R, R, L, L, L, R},  // native-host manifest
     {L, R, R, R, R, R, L, R, R, R, R, L, L, L, R},  // backup
 }};
 
@@ -214,6 +226,17 @@ Observed inboxRead(const fs::path& root) {
         return {R, bridge::message(drain.rejected.front().error)};
     }
     return {Outcome::missing, {}};
+}
+
+bridge::NativeHostRegistrationChecker manifestChecker(const fs::path& root) {
+    return bridge::NativeHostRegistrationChecker({root, root / "config",
+                                                  root / "libexec" / "TallywiseBrowserHost",
+                                                  "abcdefghijklmnop", "bridge@lumenote.example"});
+}
+
+Observed manifestRead(const fs::path& root) {
+    return {manifestChecker(root).check(bridge::SupportedBrowser::chromium).manifestValid ? L : R,
+            {}};
 }
 
 // Validates the backup and merges it into an empty history: the restore path.
@@ -403,6 +426,18 @@ std::vector<ProductFile> productFiles() {
              auto name = store.writeInboxEnvelope(sampleEnvelope());
              return name ? std::optional(store.inboxFolder() / name.value()) : std::nullopt;
          }},
+        {"native-host manifest",
+         fs::path("config/chromium/NativeMessagingHosts") / bridge::kNativeHostManifestFileName,
+         Policy::manifest,
+         {manifestChecker("/opt/lumenote").manifestText(bridge::SupportedBrowser::chromium),
+          bridge::kMaximumManifestBytes, std::nullopt},
+         false,
+         manifestRead,
+         [](const fs::path& root) {
+             const auto checker = manifestChecker(root);
+             return wroteTo(checker.repair(bridge::SupportedBrowser::chromium),
+                            *checker.manifestPath(bridge::SupportedBrowser::chromium));
+         }},
         {"history backup (restore)",
          "Backups/history.tallywisebackup",
          Policy::backup,
@@ -414,10 +449,16 @@ std::vector<ProductFile> productFiles() {
     };
 }
 
-// The bridge files other than the token are read against the token.
+// The bridge files other than the token are read against the token; a
+// manifest is repaired only while the helper it names exists.
 void arrange(const ProductFile& file, const fs::path& root) {
     if (*file.relative.begin() == kBridge && file.policy != Policy::token) {
         ASSERT_TRUE(private_file::writeAtomically(root / kBridge / "bridge-token", kToken));
+    }
+    if (file.policy == Policy::manifest) {
+        const fs::path helper = root / "libexec" / "TallywiseBrowserHost";
+        testing::writeFile(helper, "#!/bin/sh\n");
+        fs::permissions(helper, fs::perms::owner_all);
     }
 }
 
