@@ -97,6 +97,8 @@ constexpr std::array<std::array<Outcome, kShapeCount>, 8> kExpected{{
     {L, R, R, R, R, R, L, R, R, R, R, L, L, L, R},  // backup
 }};
 
+static_assert(kExpected.size() == static_cast<std::size_t>(Policy::backup) + 1);
+
 Outcome expected(Policy policy, Shape shape) {
     return kExpected[static_cast<std::size_t>(policy)][static_cast<std::size_t>(shape)];
 }

@@ -40,6 +40,7 @@ enum class Shape {
     unreadableFile,       // the file 0000
 };
 inline constexpr std::size_t kShapeCount = 15;
+static_assert(static_cast<std::size_t>(Shape::unreadableFile) + 1 == kShapeCount);
 
 inline constexpr std::array<std::string_view, kShapeCount> kShapeNames{
     "valid document",  "link to a valid file",
