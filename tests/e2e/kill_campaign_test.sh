@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# The kill -9 campaign: the real terminal recorder records over a real store
-# on a real X server while windows switch, and is killed with SIGKILL at
-# random moments, half of them right after a switch, while the recorder
-# saves the closed stretch. After every kill:
+# The kill -9 campaign: the real recorders, the terminal one and the desktop
+# application by turns of two rounds, record over a real store on a real
+# X server while windows switch, and are killed with SIGKILL at random
+# moments, half of them right after a switch, while the recorder saves the
+# closed stretch. After every kill:
 #   - SQLite's integrity check of the store is "ok";
 #   - `recovery status` offers the unfinished session;
 #   - `recovery end` leaves an interrupted session whose time never passes
@@ -24,8 +25,12 @@ deadline_seconds=30
 work=$(mktemp -d)
 background=()
 source "$here/desktop_session.sh"
+source "$here/desktop_app.sh"
 trap cleanup EXIT
 start_desktop_session
+app="$bin/lumenote"
+"$cli" prefs set onboarding.completedVersion 1 >/dev/null
+start_tray_host
 start_client LumenoteAlpha
 alpha=$window
 start_client LumenoteBeta
@@ -53,14 +58,31 @@ assert_inside_and_apart(session)
 CHECK
 }
 
+# start_recorder ROUND: a session named for the round, in the terminal
+# recorder or the desktop application; the process to kill is then a child
+# of $job (its timeout), named $recorder_name.
+start_recorder() {
+    if (($1 % 4 < 2)); then
+        timeout 120 "$cli" record --subject "Kill $1" --open-ended \
+            >"$work/recorder.out" 2>"$work/recorder.err" &
+        job=$!
+        recorder_name=lumenote-cli
+    else
+        start_app --hidden
+        job=$app_pid
+        recorder_name=lumenote
+        # Rounds only count up, so no earlier subject starts with this one's
+        # and the form's completion has nothing to offer at Return.
+        start_from_panel "Kill $1"
+    fi
+    poll_until "recorder $1" status_matches "Kill $1"
+}
+
 survived=0
 for ((round = 1; round <= kills; round++)); do
     activate "$alpha"
     started=$(date +%s.%N)
-    timeout 120 "$cli" record --subject "Kill $round" --open-ended \
-        >"$work/recorder.out" 2>"$work/recorder.err" &
-    job=$!
-    poll_until "recorder $round" status_matches "Kill $round"
+    start_recorder "$round"
     # Up to three seconds of recording with a switch or two, then the kill:
     # on odd rounds right after a switch, when the stretch is being saved.
     for ((switch = RANDOM % 3; switch > 0; switch--)); do
@@ -73,7 +95,7 @@ for ((round = 1; round <= kills; round++)); do
     else
         sleep "0.$((RANDOM % 10))"
     fi
-    recorder=$(pgrep -P "$job" -x lumenote-cli || true)
+    recorder=$(pgrep -P "$job" -x "$recorder_name" || true)
     [[ -n "$recorder" ]] || fail "round $round: no recorder under its timeout"
     kill -9 "$recorder"
     killed_after=$("$python" -c 'import sys,time; print(time.time() - float(sys.argv[1]))' "$started")
