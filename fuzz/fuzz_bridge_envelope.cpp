@@ -2,12 +2,15 @@
 // envelopes, commands and readiness files the host and the recorder read
 // from a folder any process of the user can write to, and the state and
 // preferences. Each input goes through every decoder; whatever one accepts
-// must be written back into a document that decodes to the same value.
+// must be written back into a document that decodes to the same value. The
+// token file's reader takes the same bytes: a well-formed token is 64
+// lower-case hexadecimal digits and matches exactly itself.
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "bridge/bridge_documents.hpp"
+#include "bridge/bridge_token.hpp"
 #include "round_trip.hpp"
 
 namespace lumenote::fuzz {
@@ -24,7 +27,20 @@ void fuzzDecoder(std::string_view kind, std::string_view bytes,
     }
 }
 
+void fuzzToken(std::string_view bytes) {
+    const bool hex = bytes.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+    check(bridge::isWellFormedBridgeToken(bytes) == (bytes.size() == 64 && hex), "token",
+          "the token reader disagrees with the token's form", bytes);
+    const std::string_view half = bytes.substr(0, bytes.size() / 2);
+    const std::string_view other = bytes.substr(bytes.size() / 2);
+    check(bridge::bridgeTokensMatch(half, other) == (!half.empty() && half == other), "token",
+          "tokens match when they differ, or differ when they match", bytes);
+    check(bridge::bridgeTokensMatch(bytes, bytes) == !bytes.empty(), "token",
+          "a token does not match itself", bytes);
+}
+
 void fuzzDocuments(std::string_view bytes) {
+    fuzzToken(bytes);
     fuzzDecoder<BrowserBridgeEnvelope>(
         "inbox envelope", bytes, decodeEnvelope, encodeEnvelope,
         [](BrowserBridgeEnvelope& envelope) { return &envelope.receivedAt; });

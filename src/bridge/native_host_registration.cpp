@@ -108,30 +108,48 @@ NativeHostSetupSnapshot NativeHostRegistrationChecker::check(SupportedBrowser br
     if (!bytes) {
         return snapshot;
     }
-    auto parsed = parseJsonObject(bytes.value());
-    if (!parsed) {
+    const auto manifest = readNativeHostManifest(bytes.value(), browser);
+    if (!manifest) {
         return snapshot;
     }
+    snapshot.manifestValid = manifest->valid;
+    if (manifest->helperPath) {
+        snapshot.helperPresent = fs::exists(*manifest->helperPath, error);
+        snapshot.helperExecutable = isExecutableFile(*manifest->helperPath);
+    }
+    snapshot.exactConfiguredOriginAuthorised =
+        manifest->valid && manifest->authorised.size() == 1 &&
+        manifest->authorised.front() == configuredOrigin(browser);
+    return snapshot;
+}
+
+std::optional<NativeHostManifestReading> readNativeHostManifest(std::string_view text,
+                                                                SupportedBrowser browser) {
+    auto parsed = parseJsonObject(text);
+    if (!parsed) {
+        return std::nullopt;
+    }
     const nlohmann::json& manifest = parsed.value();
-    const auto text = [&](const char* key) -> std::optional<std::string> {
+    const auto string = [&](const char* key) -> std::optional<std::string> {
         const auto found = manifest.find(key);
         return found != manifest.end() && found->is_string()
                    ? std::optional(found->get<std::string>())
                    : std::nullopt;
     };
-    const auto helper = text("path");
-    const auto allowed = manifest.find(allowedListKey(browser));
-    snapshot.manifestValid = text("name") == kNativeHostName && text("description") && helper &&
-                             fs::path(*helper).is_absolute() && text("type") == "stdio" &&
-                             allowed != manifest.end() && isStringArray(*allowed);
-    if (helper && fs::path(*helper).is_absolute()) {
-        snapshot.helperPresent = fs::exists(*helper, error);
-        snapshot.helperExecutable = isExecutableFile(*helper);
+    NativeHostManifestReading reading;
+    if (const auto helper = string("path"); helper && fs::path(*helper).is_absolute()) {
+        reading.helperPath = fs::path(*helper);
     }
-    snapshot.exactConfiguredOriginAuthorised =
-        snapshot.manifestValid && allowed->size() == 1 &&
-        (*allowed)[0].get<std::string>() == configuredOrigin(browser);
-    return snapshot;
+    const auto allowed = manifest.find(allowedListKey(browser));
+    reading.valid = string("name") == kNativeHostName && string("description") &&
+                    reading.helperPath && string("type") == "stdio" && allowed != manifest.end() &&
+                    isStringArray(*allowed);
+    if (reading.valid) {
+        for (const auto& entry : *allowed) {
+            reading.authorised.push_back(entry.get<std::string>());
+        }
+    }
+    return reading;
 }
 
 Result<void, NativeHostRegistrationError> NativeHostRegistrationChecker::repair(

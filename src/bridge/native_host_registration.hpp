@@ -128,6 +128,20 @@ class NativeHostRegistrationChecker {
     NativeHostConfiguration configuration_;
 };
 
+// What the text of a manifest says, before the file system is asked about the
+// helper it names.
+struct NativeHostManifestReading {
+    bool valid = false;  // the form this checker writes (see the top of this file)
+    // "path" when it is a string holding an absolute path.
+    std::optional<std::filesystem::path> helperPath;
+    // The browser's authorisation list, in order; empty unless `valid`.
+    std::vector<std::string> authorised;
+};
+
+// Reads a manifest's text for `browser`; nullopt when it is not a JSON object.
+std::optional<NativeHostManifestReading> readNativeHostManifest(std::string_view text,
+                                                                SupportedBrowser browser);
+
 // Whether Firefox-style manifests ("allowed_extensions") apply to `browser`.
 bool usesAddonIdentifiers(SupportedBrowser browser);
 

@@ -127,27 +127,6 @@ int renameWithoutReplacing(const std::filesystem::path& from, const std::filesys
     return ::rename(from.c_str(), to.c_str());
 }
 
-// The format version of `text`, when it is a JSON object whose `versionKey`
-// member is an integer that fits a long long.
-std::optional<long long> readFormatVersion(const std::string& text, std::string_view versionKey) {
-    const nlohmann::json document = nlohmann::json::parse(text, nullptr, false);
-    if (!document.is_object()) {
-        return std::nullopt;
-    }
-    const auto member = document.find(std::string(versionKey));
-    if (member == document.end() || !member->is_number_integer()) {
-        return std::nullopt;
-    }
-    if (member->is_number_unsigned()) {
-        const auto value = member->get<std::uint64_t>();
-        if (value > static_cast<std::uint64_t>(std::numeric_limits<long long>::max())) {
-            return std::nullopt;
-        }
-        return static_cast<long long>(value);
-    }
-    return member->get<long long>();
-}
-
 }  // namespace
 
 std::string_view describe(PrivateFileError error) {
@@ -315,6 +294,25 @@ Result<std::filesystem::path, PrivateFileError> quarantine(const std::filesystem
 
 }  // namespace private_file
 
+std::optional<long long> formatVersionOf(std::string_view text, std::string_view versionKey) {
+    const nlohmann::json document = nlohmann::json::parse(text, nullptr, false);
+    if (!document.is_object()) {
+        return std::nullopt;
+    }
+    const auto member = document.find(std::string(versionKey));
+    if (member == document.end() || !member->is_number_integer()) {
+        return std::nullopt;
+    }
+    if (member->is_number_unsigned()) {
+        const auto value = member->get<std::uint64_t>();
+        if (value > static_cast<std::uint64_t>(std::numeric_limits<long long>::max())) {
+            return std::nullopt;
+        }
+        return static_cast<long long>(value);
+    }
+    return member->get<long long>();
+}
+
 VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size_t maximumBytes,
                                     long long supportedVersion, std::string_view versionKey,
                                     Date now) {
@@ -330,7 +328,7 @@ VersionedJsonLoad loadVersionedJson(const std::filesystem::path& path, std::size
         return load;
     }
 
-    load.formatVersion = readFormatVersion(*contents, versionKey);
+    load.formatVersion = formatVersionOf(*contents, versionKey);
     if (!load.formatVersion || *load.formatVersion < 1) {
         auto moved = private_file::quarantine(path, now);
         if (!moved) {

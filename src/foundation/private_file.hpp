@@ -117,6 +117,12 @@ struct VersionedJsonLoad {
     std::optional<PrivateFileError> error;         // why the file was `refused`
 };
 
+// The format version of `text`: the integer member `versionKey` of a JSON
+// object at its root, when it fits a long long; nullopt for text that is not
+// well-formed JSON, another root, a missing member or one that is not an
+// integer (1.0 is not one).
+std::optional<long long> formatVersionOf(std::string_view text, std::string_view versionKey);
+
 // Reads a small JSON document whose root object carries an integer member
 // named `versionKey`. The member is read first on its own, so that a newer
 // layout is recognised without decoding the rest: a version above

@@ -19,8 +19,15 @@ constexpr double kSlackMilliseconds = kCheckpointDateSlackSeconds * 1000.0;
 // as JSON integers, anything larger as a plain number.
 constexpr double kLargestExactInteger = 9007199254740992.0;
 
-bool isFiniteDate(Date date) {
-    return std::isfinite(date.millisecondsSince1970());
+// The first and last millisecond of the years 0000 to 9999 (UTC), the dates
+// the recovery prompts can write.
+constexpr double kFirstWritableMillisecond = -62167219200000.0;
+constexpr double kLastWritableMillisecond = 253402300799999.0;
+
+bool isWritableDate(Date date) {
+    const double milliseconds = date.millisecondsSince1970();
+    return std::isfinite(milliseconds) && milliseconds >= kFirstWritableMillisecond &&
+           milliseconds <= kLastWritableMillisecond;
 }
 
 bool isValidDuration(double seconds) {
@@ -130,7 +137,7 @@ std::optional<ActiveSessionCheckpointProblem> checkpointProblem(
     }
     for (const Date date : {c.startedAt, c.expectedEndAt, c.lastConfirmedActivityAt,
                             c.lastPersistedSegmentBoundaryAt, c.savedAt}) {
-        if (!isFiniteDate(date)) {
+        if (!isWritableDate(date)) {
             return ActiveSessionCheckpointProblem::datesNotFinite;
         }
     }

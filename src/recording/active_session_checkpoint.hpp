@@ -68,7 +68,7 @@ enum class ActiveSessionCheckpointProblem {
     formatVersion,       // not 1
     calculationVersion,  // not 1, 2 or 3
     durations,           // a duration negative, NaN or infinite
-    datesNotFinite,      // a date NaN or infinite
+    datesNotFinite,      // a date NaN, infinite or outside the years 0000 to 9999 (UTC)
     datesOutOfOrder      // see checkpointProblem
 };
 

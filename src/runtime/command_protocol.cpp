@@ -1,9 +1,12 @@
 #include "runtime/command_protocol.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 #include <nlohmann/json.hpp>
+
+#include "foundation/numeric.hpp"
 
 namespace lumenote::runtime {
 
@@ -22,9 +25,14 @@ constexpr std::array<std::pair<RecorderCommand, std::string_view>, 8> kMethods{{
 
 constexpr std::string_view kIdleState = "idle";
 
-// Whole seconds, never negative; a value that is not a number counts as zero.
+// Whole seconds from 0 to a century (kMaximumDurationSeconds); a value that is
+// not a number counts as zero. The bound keeps the conversion defined for any
+// double, such as one read from another process's answer.
 long long wholeSeconds(double seconds, double (*round)(double)) {
-    return std::isfinite(seconds) && seconds > 0.0 ? static_cast<long long>(round(seconds)) : 0;
+    if (!std::isfinite(seconds) || seconds <= 0.0) {
+        return 0;
+    }
+    return static_cast<long long>(round(std::min(seconds, kMaximumDurationSeconds)));
 }
 
 // A raw-valued field that must name a known case; nullopt when it does not.
@@ -134,6 +142,20 @@ Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string
         status.browserWarning = warning->get<std::string>();
     }
     return status;
+}
+
+std::optional<std::map<std::string, std::string>> parseBrowserStatusTexts(std::string_view json) {
+    const nlohmann::json parsed = nlohmann::json::parse(json, nullptr, false);
+    if (!parsed.is_object()) {
+        return std::nullopt;
+    }
+    std::map<std::string, std::string> texts;
+    for (const auto& [browser, text] : parsed.items()) {
+        if (text.is_string()) {
+            texts[browser] = text.get<std::string>();
+        }
+    }
+    return texts;
 }
 
 }  // namespace lumenote::runtime

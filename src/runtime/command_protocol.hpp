@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -57,7 +58,8 @@ struct RecorderStatus {
 };
 
 // One JSON object. Without a session it is {"state":"idle"}. Times are whole
-// seconds: elapsed rounded down and remaining rounded up (never below zero),
+// seconds: elapsed rounded down and remaining rounded up (never below zero,
+// never above a century, kMaximumDurationSeconds),
 // so that a display of both never shows more than the planned duration.
 // Text that is not valid UTF-8 is replaced, never refused.
 std::string recorderStatusJson(const RecorderStatus& status);
@@ -67,5 +69,10 @@ std::string recorderStatusParseErrorMessage(RecorderStatusParseError error);
 // Reads what recorderStatusJson() wrote; unknown fields are ignored so that a
 // newer recorder can add some.
 Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string_view json);
+
+// The recorder's answer to BrowserStatus: a JSON object from browser to its
+// status sentence. Members whose value is not a string are skipped (a newer
+// recorder may add others); nullopt when the text is not a JSON object.
+std::optional<std::map<std::string, std::string>> parseBrowserStatusTexts(std::string_view json);
 
 }  // namespace lumenote::runtime

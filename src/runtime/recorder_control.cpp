@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <nlohmann/json.hpp>
-
 #include "bridge/browser_event_log.hpp"
 #include "recording/no_input_prompt.hpp"
 #include "recording/session_figures.hpp"
@@ -123,17 +121,11 @@ Result<std::map<std::string, std::string>, std::string> recorderBrowserStatus() 
     if (!answer.ok()) {
         return fail(commandClientErrorMessage(answer.error()));
     }
-    const nlohmann::json parsed = nlohmann::json::parse(*answer, nullptr, false);
-    if (!parsed.is_object()) {
+    auto texts = parseBrowserStatusTexts(*answer);
+    if (!texts) {
         return fail(std::string("The recorder's answer about the browsers could not be read."));
     }
-    std::map<std::string, std::string> texts;
-    for (const auto& [browser, text] : parsed.items()) {
-        if (text.is_string()) {
-            texts[browser] = text.get<std::string>();
-        }
-    }
-    return texts;
+    return std::move(*texts);
 }
 
 Result<void, std::string> presentRecorder() {

@@ -4,60 +4,9 @@
 
 #include <sys/stat.h>
 
-#include <climits>
-#include <nlohmann/json.hpp>
-
 namespace lumenote::settings {
 
 namespace {
-
-using Json = nlohmann::json;
-
-DefaultsValue fromJson(const Json& json) {
-    switch (json.type()) {
-        case Json::value_t::boolean:
-            return json.get<bool>();
-        case Json::value_t::number_integer:
-            return json.get<long long>();
-        case Json::value_t::number_unsigned:
-            if (json.get<unsigned long long>() <= static_cast<unsigned long long>(LLONG_MAX)) {
-                return json.get<long long>();
-            }
-            break;
-        case Json::value_t::number_float:
-            return json.get<double>();
-        case Json::value_t::string:
-            return json.get<std::string>();
-        case Json::value_t::array: {
-            std::vector<std::string> list;
-            for (const auto& element : json) {
-                if (!element.is_string()) {
-                    return UnrecognisedDefaultsValue{json.dump()};
-                }
-                list.push_back(element.get<std::string>());
-            }
-            return list;
-        }
-        default:
-            break;
-    }
-    return UnrecognisedDefaultsValue{json.dump()};
-}
-
-// JSON has no infinities or NaN: such a double is written as null and so reads
-// back as a value of another type, which every preference treats as unusable.
-Json toJson(const DefaultsValue& value) {
-    return std::visit(
-        [](const auto& held) -> Json {
-            using T = std::decay_t<decltype(held)>;
-            if constexpr (std::is_same_v<T, UnrecognisedDefaultsValue>) {
-                return Json::parse(held.json, nullptr, false);
-            } else {
-                return Json(held);
-            }
-        },
-        value);
-}
 
 bool sameTime(const std::timespec& a, const std::timespec& b) {
     return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
@@ -115,13 +64,10 @@ void JsonFileDefaultsDomain::reload() {
         seen_ = currentSignature();
         return;
     }
-    const Json document = Json::parse(bytes.value(), nullptr, false);
-    if (document.is_discarded() || !document.is_object()) {
-        quarantineDamagedFile();
+    if (auto decoded = decodeDefaultsDocument(bytes.value())) {
+        values_ = std::move(*decoded);
     } else {
-        for (const auto& [key, value] : document.items()) {
-            values_.emplace(key, fromJson(value));
-        }
+        quarantineDamagedFile();
     }
     seen_ = currentSignature();
 }
@@ -135,12 +81,8 @@ void JsonFileDefaultsDomain::quarantineDamagedFile() {
 }
 
 void JsonFileDefaultsDomain::writeBack() {
-    Json document = Json::object();
-    for (const auto& [key, value] : values_) {
-        document[key] = toJson(value);
-    }
-    const std::string text = document.dump(4, ' ', false, Json::error_handler_t::replace) + "\n";
-    const auto written = private_file::writeAtomically(path_, text, operations_);
+    const auto written =
+        private_file::writeAtomically(path_, encodeDefaultsDocument(values_), operations_);
     lastWriteError_ = written ? std::nullopt : std::optional(written.error());
     seen_ = currentSignature();
 }

@@ -16,12 +16,11 @@
 // never writes back keys read before someone else changed them. Two changes
 // racing in the same instant still end with the last writer's document.
 //
-// A document that cannot be used (not JSON, not an object at its root, larger
-// than kMaximumDefaultsBytes, a symbolic link or not a regular file, or
-// unreadable) is moved aside under a "corrupt" name and the domain starts
-// empty, so every setting takes its default. Nothing here fails the program:
-// a change that cannot be written stays in effect for this process and is
-// reported by lastWriteError().
+// A document that cannot be used (not JSON, not an object at its root, nested
+// deeper than kMaximumDefaultsNesting, larger than kMaximumDefaultsBytes, a symbolic link or not a
+// regular file, or unreadable) is moved aside under a "corrupt" name and the domain starts empty,
+// so every setting takes its default. Nothing here fails the program: a change that cannot be
+// written stays in effect for this process and is reported by lastWriteError().
 #pragma once
 
 #include <sys/types.h>
@@ -34,6 +33,7 @@
 #include "foundation/dates.hpp"
 #include "foundation/private_file.hpp"
 #include "foundation/user_paths.hpp"
+#include "settings/defaults_document.hpp"
 #include "settings/defaults_domain.hpp"
 
 namespace lumenote::settings {
@@ -91,7 +91,7 @@ class JsonFileDefaultsDomain final : public DefaultsDomain {
     std::filesystem::path path_;
     Clock now_;
     FileWriteOperations& operations_;
-    std::map<std::string, DefaultsValue, std::less<>> values_;
+    DefaultsValues values_;
     std::optional<FileSignature> seen_;  // nullopt until the file was first looked at
     // Another process's version was read since refreshFromStorage() last
     // reported one.

@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <climits>
+#include <cstdint>
 #include <set>
 
 namespace lumenote::settings {
@@ -9,6 +11,19 @@ namespace lumenote::settings {
 namespace {
 
 using Json = nlohmann::json;
+
+// The value of an integer member that fits a long long; nullopt for any other
+// value, including an integer beyond 2^63 - 1, which would otherwise wrap.
+std::optional<long long> longLong(const Json& json) {
+    if (!json.is_number_integer()) {
+        return std::nullopt;
+    }
+    if (json.is_number_unsigned() &&
+        json.get<std::uint64_t>() > static_cast<std::uint64_t>(LLONG_MAX)) {
+        return std::nullopt;
+    }
+    return json.get<long long>();
+}
 
 std::string dateText(Date date) {
     return formatIso8601(date, {.fractionalSeconds = true});
@@ -87,11 +102,9 @@ struct MemberReader {
     }
     long long integer(const char* name) {
         const Json* member = find(name, true);
-        if (member == nullptr || !member->is_number_integer()) {
-            ok = false;
-            return 0;
-        }
-        return member->get<long long>();
+        const auto value = member == nullptr ? std::nullopt : longLong(*member);
+        ok = ok && value.has_value();
+        return value.value_or(0);
     }
     bool flag(const char* name) {
         const Json* member = find(name, true);
@@ -179,12 +192,12 @@ std::optional<SessionTemplateDocument> decodeSessionTemplateDocument(std::string
     }
     const auto version = json.find("formatVersion");
     const auto templates = json.find("templates");
-    if (version == json.end() || !version->is_number_integer() || templates == json.end() ||
-        !templates->is_array()) {
+    const auto formatVersion = version == json.end() ? std::nullopt : longLong(*version);
+    if (!formatVersion || templates == json.end() || !templates->is_array()) {
         return std::nullopt;
     }
     SessionTemplateDocument document;
-    document.formatVersion = version->get<long long>();
+    document.formatVersion = *formatVersion;
     std::set<Uuid> ids;
     for (const Json& element : *templates) {
         auto decoded = decodeTemplate(element);

@@ -64,8 +64,9 @@ struct SessionTemplateDocument {
 std::string encodeSessionTemplateDocument(const SessionTemplateDocument& document);
 
 // Decodes a whole document; nullopt when it is not valid JSON, a required
-// field is missing or of the wrong type, an id or date cannot be read, or two
-// templates share an id. Unknown members are ignored.
+// field is missing or of the wrong type (an integer must fit a long long), an
+// id or date cannot be read, or two templates share an id. Unknown members are
+// ignored.
 std::optional<SessionTemplateDocument> decodeSessionTemplateDocument(std::string_view text);
 
 }  // namespace lumenote::settings

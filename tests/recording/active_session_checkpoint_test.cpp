@@ -77,6 +77,27 @@ TEST(ActiveSessionCheckpointTest, ValidationAppliesEachRuleAtItsBoundary) {
          Problem::datesNotFinite},
         // Finite, but its millisecond form overflows and could not be written.
         {"huge save time", [](C& c) { c.savedAt = Date{1e307}; }, Problem::datesNotFinite},
+        // Finite and in order, but after the year 9999: the recovery prompt
+        // could not write the dates.
+        {"every date in the year 10000",
+         [](C& c) {
+             for (Date* date : {&c.startedAt, &c.expectedEndAt, &c.lastConfirmedActivityAt,
+                                &c.lastPersistedSegmentBoundaryAt, &c.savedAt}) {
+                 *date = Date::fromMillisecondsSince1970(253402300800000.0);
+             }
+         },
+         Problem::datesNotFinite},
+        {"every date at the last millisecond of 9999",
+         [](C& c) {
+             for (Date* date : {&c.startedAt, &c.expectedEndAt, &c.lastConfirmedActivityAt,
+                                &c.lastPersistedSegmentBoundaryAt, &c.savedAt}) {
+                 *date = Date::fromMillisecondsSince1970(253402300799999.0);
+             }
+         },
+         std::nullopt},
+        {"start one millisecond before the year 0000",
+         [](C& c) { c.startedAt = Date::fromMillisecondsSince1970(-62167219200001.0); },
+         Problem::datesNotFinite},
 
         {"confirmed activity 5 s before start",
          at(&C::lastConfirmedActivityAt, &C::startedAt, -5.0), std::nullopt},

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -104,6 +105,10 @@ TEST(RecorderStatusJson, ElapsedRoundsDownAndRemainingUpSoTheyNeverExceedThePlan
         {-0.5, 3.0, 0, 3},
         {nan, nan, 0, 0},
         {7200.9, std::nullopt, 7200, std::nullopt},
+        // Read from another process's answer: capped at a century, never
+        // converted out of range.
+        {1e300, 1e300, 3155760000, 3155760000},
+        {9.3e18, std::nullopt, 3155760000, std::nullopt},
     };
     for (const Case& test : cases) {
         RecorderStatus status = runningStatus();
@@ -170,6 +175,17 @@ TEST(RecorderStatusJson, MalformedDocumentsAreRefused) {
         const auto parsed = parseRecorderStatus(text);
         ASSERT_FALSE(parsed.ok()) << label;
         EXPECT_EQ(parsed.error(), RecorderStatusParseError::malformed) << label;
+    }
+}
+
+TEST(BrowserStatusTexts, KeepsTheSentencesAndSkipsOtherValues) {
+    const auto texts = parseBrowserStatusTexts(
+        R"({"org.chromium.Chromium":"Connected","org.mozilla.firefox":null,"x":3,"":"Empty"})");
+    ASSERT_TRUE(texts.has_value());
+    EXPECT_EQ(*texts, (std::map<std::string, std::string>{{"org.chromium.Chromium", "Connected"},
+                                                          {"", "Empty"}}));
+    for (const char* refused : {"", "[]", "\"Connected\"", "{\"a\":"}) {
+        EXPECT_FALSE(parseBrowserStatusTexts(refused).has_value()) << refused;
     }
 }
 

@@ -83,6 +83,12 @@ TEST_F(JsonFileDefaultsDomainTest, UnusableDocumentsAreQuarantinedAndTheDomainSt
         {"string at the root", "\"hello\""},
         {"empty file", ""},
         {"one byte over the cap", std::string(kMaximumDefaultsBytes + 1, ' ')},
+        // Writing such a value back would recurse once a level and overflow the stack.
+        {"a value nested half a million levels deep",
+         "{\"later\": " + std::string(500000, '[') + std::string(500000, ']') + "}"},
+        {"a value nested one level too deep",
+         "{\"later\": " + std::string(kMaximumDefaultsNesting, '[') +
+             std::string(kMaximumDefaultsNesting, ']') + "}"},
     };
     for (const auto& [label, bytes] : cases) {
         SCOPED_TRACE(label);
@@ -96,6 +102,15 @@ TEST_F(JsonFileDefaultsDomainTest, UnusableDocumentsAreQuarantinedAndTheDomainSt
         domain.set("general.startHidden", true);
         EXPECT_EQ(makeDomain().object("general.startHidden"), DefaultsValue(true));
     }
+}
+
+TEST_F(JsonFileDefaultsDomainTest, AValueAtTheDeepestNestingIsKept) {
+    const std::string deepest = std::string(kMaximumDefaultsNesting - 1, '[') +
+                                std::string(kMaximumDefaultsNesting - 1, ']');
+    writeFile(path(), "{\"later\": " + deepest + "}");
+    auto domain = makeDomain();
+    EXPECT_EQ(domain.object("later"), DefaultsValue(UnrecognisedDefaultsValue{deepest}));
+    EXPECT_FALSE(domain.lastQuarantinedPath().has_value());
 }
 
 TEST_F(JsonFileDefaultsDomainTest, ADocumentOfExactlyTheCapIsRead) {
