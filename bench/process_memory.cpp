@@ -30,6 +30,18 @@ std::optional<double> residentBytes() {
     return statusField("VmRSS");
 }
 
+double bytesWrittenByProcess() {
+    std::ifstream io("/proc/self/io");
+    std::string key;
+    double value = 0;
+    while (io >> key >> value) {
+        if (key == "wchar:") {
+            return value;
+        }
+    }
+    return 0;
+}
+
 bool resetPeakResident() {
     std::ofstream clear("/proc/self/clear_refs");
     clear << "5";

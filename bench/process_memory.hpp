@@ -19,6 +19,10 @@ std::optional<double> residentBytes();
 // the peak then stays the process's.
 bool resetPeakResident();
 
+// Bytes this process has handed to write(2) and its kin so far (wchar of
+// /proc/self/io); 0 when it cannot be read.
+double bytesWrittenByProcess();
+
 // Bytes as MiB, the unit the benchmarks report memory in.
 inline double mebibytes(double bytes) {
     return bytes / (1024.0 * 1024.0);

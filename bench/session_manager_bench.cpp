@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/fake/fake_platform.hpp"
+#include "process_memory.hpp"
 #include "recording/session_manager.hpp"
 #include "settings/in_memory_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
@@ -15,19 +16,6 @@
 
 namespace lumenote::bench {
 namespace {
-
-// Bytes this process has passed to write(2) and friends so far.
-long long bytesWrittenByProcess() {
-    std::ifstream io("/proc/self/io");
-    std::string key;
-    long long value = 0;
-    while (io >> key >> value) {
-        if (key == "wchar:") {
-            return value;
-        }
-    }
-    return 0;
-}
 
 // A recorder over a fresh store in a temporary folder.
 class BenchRecorder {
@@ -104,14 +92,14 @@ void BM_BytesWrittenPerHourOfRecording(benchmark::State& state) {
     double bytes = 0.0;
     for (auto _ : state) {
         BenchRecorder recorder;
-        const long long before = bytesWrittenByProcess();
+        const double before = bytesWrittenByProcess();
         for (int second = 1; second <= 3600; ++second) {
             if (second % 120 == 0) {
                 recorder.switchTo(second % 240 == 0 ? "org.example.Editor" : "org.example.Browser");
             }
             recorder.tick();
         }
-        bytes = static_cast<double>(bytesWrittenByProcess() - before);
+        bytes = bytesWrittenByProcess() - before;
     }
     state.counters["bytes_per_hour"] = bytes;
 }

@@ -9,6 +9,7 @@
 #include <benchmark/benchmark.h>
 
 #include "bench_history.hpp"
+#include "process_memory.hpp"
 #include "store/sqlite_recording_store.hpp"
 
 namespace lumenote::bench {
@@ -95,19 +96,6 @@ void BM_LoadSessionWithSegments(benchmark::State& state) {
     }
 }
 BENCHMARK(BM_LoadSessionWithSegments)->Unit(benchmark::kMicrosecond);
-
-// Bytes this process has handed to write(2) and its kin so far.
-double bytesWrittenByProcess() {
-    std::ifstream io("/proc/self/io");
-    std::string key;
-    double value = 0;
-    while (io >> key >> value) {
-        if (key == "wchar:") {
-            return value;
-        }
-    }
-    return 0;
-}
 
 // One save as the recorder makes it while a session runs: the session's own
 // columns with either the segment that is still growing or a new one (an

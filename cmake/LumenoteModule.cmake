@@ -80,3 +80,13 @@ function(lumenote_tests name)
     DISCOVERY_MODE PRE_TEST
     PROPERTIES LABELS ${ARG_LABEL} ENVIRONMENT "LUMENOTE_BIN_DIR=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 endfunction()
+
+# lumenote_standalone_sources(file...) compiles the named .cpp files of the
+# current folder on their own instead of in the folder's unity batches: test
+# files whose file-local helpers share names with a neighbour's (each test
+# keeps its own fixed instant `kNow`, its own `at(...)`), which one batch
+# could not hold together.
+function(lumenote_standalone_sources)
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()

@@ -11,12 +11,12 @@ namespace {
 
 using P = HostnameProblem;
 
-struct Sentence {
+struct HostnameSentence {
     P problem;
     std::string_view reason;
 };
 
-constexpr std::array<Sentence, 10> kSentences{{
+constexpr std::array<HostnameSentence, 10> kHostnameSentences{{
     {P::empty, "it names no website."},
     {P::hasScheme, "leave out the scheme, such as https://."},
     {P::hasUserInfo, "leave out the user name and the @ before the name."},
@@ -108,7 +108,7 @@ Result<std::string, HostnameProblem> validatedHostname(std::string_view text) {
 }
 
 std::string hostnameProblemMessage(HostnameProblem problem, std::string_view text) {
-    for (const Sentence& sentence : kSentences) {
+    for (const HostnameSentence& sentence : kHostnameSentences) {
         if (sentence.problem == problem) {
             return "\"" + std::string(text) +
                    "\" is not a hostname: " + std::string(sentence.reason);

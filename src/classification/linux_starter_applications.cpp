@@ -5,9 +5,7 @@
 namespace lumenote::classification {
 namespace {
 
-constexpr auto kFocused = ActivityClassification::focused;
-constexpr auto kNeutral = ActivityClassification::neutral;
-constexpr auto kDistracting = ActivityClassification::distracting;
+using namespace starter_tables;
 
 constexpr std::array kLinuxApplicationRules{
     // Documents, spreadsheets and slides: distribution packages, then Flatpak.

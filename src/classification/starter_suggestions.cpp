@@ -10,9 +10,7 @@
 namespace lumenote::classification {
 namespace {
 
-constexpr auto kFocused = ActivityClassification::focused;
-constexpr auto kNeutral = ActivityClassification::neutral;
-constexpr auto kDistracting = ActivityClassification::distracting;
+using namespace starter_tables;
 
 constexpr std::array<StarterRule, 26> kWebsiteRules{{
     {"docs.google.com", "Google Docs", kFocused},

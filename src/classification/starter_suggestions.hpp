@@ -25,6 +25,13 @@ struct StarterRule {
     ActivityClassification classification;
 };
 
+// Short names for the classification column of the starter tables.
+namespace starter_tables {
+inline constexpr auto kFocused = ActivityClassification::focused;
+inline constexpr auto kNeutral = ActivityClassification::neutral;
+inline constexpr auto kDistracting = ActivityClassification::distracting;
+}  // namespace starter_tables
+
 // The 26 website rows in the order they are consulted.
 std::span<const StarterRule> starterWebsiteRules();
 // The 27 application rows, keyed by bundle identifier, in the order the

@@ -77,7 +77,7 @@ void installStarter(CLI::App& rules, CliContext& context) {
     });
 }
 
-void installList(CLI::App& rules, CliContext& context) {
+void installRulesList(CLI::App& rules, CliContext& context) {
     auto* command = rules.add_subcommand("list", "List your application and website rules");
     command->callback([&context] {
         auto environment = openHistoryEnvironment(context);
@@ -374,7 +374,7 @@ void installClear(CLI::App& rules, CliContext& context, const char* name, const 
 void installRulesCommands(CLI::App& app, CliContext& context) {
     auto* rules = app.add_subcommand("rules", "Classification rules and starter suggestions");
     rules->require_subcommand(1);
-    installList(*rules, context);
+    installRulesList(*rules, context);
     installStarter(*rules, context);
     installSetApp(*rules, context);
     installSetWebsite(*rules, context);

@@ -15,6 +15,7 @@
 
 #include "cli/commands.hpp"
 #include "cli/history_environment.hpp"
+#include "cli/json_output.hpp"
 #include "foundation/numeric.hpp"
 #include "insights/first_weekday.hpp"
 #include "insights/insight_dismissal_store.hpp"
@@ -34,10 +35,6 @@ namespace {
 
 using insights::SessionSnapshot;
 using insights::WeekPeriod;
-
-void printJson(CliContext& context, const nlohmann::json& value) {
-    context.out << value.dump(2, ' ', false, nlohmann::json::error_handler_t::replace) << '\n';
-}
 
 // The start of the local day `text` names, or today's; refuses a bad day.
 std::optional<Date> chosenDay(CliContext& context, HistoryEnvironment& environment,

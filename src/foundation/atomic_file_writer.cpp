@@ -1,5 +1,7 @@
 #include "foundation/atomic_file_writer.hpp"
 
+#include "foundation/private_file.hpp"
+
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,8 +14,6 @@ namespace lumenote {
 inline namespace foundation {
 
 namespace {
-
-constexpr mode_t kPrivateFileMode = 0600;
 
 // Ends the name of the temporary sibling, so that anything listing the
 // folder can skip a half-written file by its name.
@@ -96,7 +96,7 @@ Result<AtomicFileWriter, PrivateFileError> AtomicFileWriter::create(
     if (descriptor < 0) {
         return fail(PrivateFileError::writeFailed);
     }
-    if (::fchmod(descriptor, kPrivateFileMode) != 0) {
+    if (::fchmod(descriptor, private_file::kPrivateFileMode) != 0) {
         ::close(descriptor);
         ::unlink(temporary.c_str());
         return fail(PrivateFileError::writeFailed);

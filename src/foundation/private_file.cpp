@@ -24,7 +24,6 @@ inline namespace foundation {
 namespace {
 
 constexpr mode_t kPrivateFolderMode = 0700;
-constexpr mode_t kPrivateFileMode = 0600;
 constexpr mode_t kPermissionBits = 07777;
 
 // A quarantine name is taken again only when another process creates it
@@ -276,8 +275,8 @@ Result<std::filesystem::path, PrivateFileError> quarantine(const std::filesystem
     if (::lstat(path.c_str(), &info) != 0) {
         return fail(PrivateFileError::quarantineFailed);
     }
-    if (S_ISREG(info.st_mode) &&
-        ::fchmodat(AT_FDCWD, path.c_str(), kPrivateFileMode, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (S_ISREG(info.st_mode) && ::fchmodat(AT_FDCWD, path.c_str(), private_file::kPrivateFileMode,
+                                            AT_SYMLINK_NOFOLLOW) != 0) {
         return fail(PrivateFileError::quarantineFailed);
     }
     for (int attempt = 0; attempt < kQuarantineAttempts; ++attempt) {

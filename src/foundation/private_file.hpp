@@ -47,6 +47,9 @@ FileWriteOperations& systemFileWriteOperations();
 
 namespace private_file {
 
+// The mode of every private file: read and write for its owner only.
+inline constexpr unsigned kPrivateFileMode = 0600;
+
 // Creates `folder` and any missing parents with mode 0700 (whatever the
 // umask), and narrows an existing `folder` to 0700; parents that already exist
 // are left as they are. Folders may be reached through symbolic links (a user

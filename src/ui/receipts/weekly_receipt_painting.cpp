@@ -11,9 +11,9 @@ namespace lumenote::ui::receipts {
 namespace {
 
 constexpr double kDatesText = 48.0;
-constexpr double kDetailText = 28.0;
-constexpr double kNoteText = 26.0;
-constexpr double kSectionGap = 34.0;
+constexpr double kWeekDetailText = 28.0;
+constexpr double kWeekNoteText = 26.0;
+constexpr double kWeekSectionGap = 34.0;
 constexpr double kChartBars = 150.0;
 constexpr double kChartValueText = 20.0;
 constexpr double kChartLabelText = 24.0;
@@ -23,7 +23,7 @@ void paintHeader(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
     paintKindLine(canvas, "STUDY WEEK");
     canvas.line(receipt.datesText, kDatesText, TextWeight::bold, kInkColor);
     if (receipt.streakText) {
-        canvas.line(*receipt.streakText, kDetailText, TextWeight::regular, kMutedInkColor);
+        canvas.line(*receipt.streakText, kWeekDetailText, TextWeight::regular, kMutedInkColor);
     }
 }
 
@@ -38,7 +38,7 @@ void paintFigures(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
     paintMetrics(canvas, metricsOf(receipt));
     if (!receipt.focusScoreAbsence.empty()) {
         canvas.advance(6.0);
-        canvas.line(receipt.focusScoreAbsence, kNoteText, TextWeight::regular, kMutedInkColor);
+        canvas.line(receipt.focusScoreAbsence, kWeekNoteText, TextWeight::regular, kMutedInkColor);
     }
 }
 
@@ -81,9 +81,9 @@ void paintDays(ReceiptCanvas& canvas, const std::vector<models::WeeklyReceiptDay
 // it has a line, then the subjects.
 void paintLists(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
     if (!receipt.topFocused.empty() || !receipt.topDistracting.empty()) {
-        canvas.advance(kSectionGap);
+        canvas.advance(kWeekSectionGap);
     }
-    const double half = (canvas.width() - canvas.scaled(kSectionGap)) / 2.0;
+    const double half = (canvas.width() - canvas.scaled(kWeekSectionGap)) / 2.0;
     double x = canvas.left();
     double used = 0.0;
     for (const auto& [heading, lines] : {std::pair{"Top focused", &receipt.topFocused},
@@ -92,11 +92,11 @@ void paintLists(ReceiptCanvas& canvas, const models::WeeklyReceipt& receipt) {
             continue;
         }
         used = std::max(used, paintListAt(canvas, x, half, heading, *lines));
-        x += half + canvas.scaled(kSectionGap);
+        x += half + canvas.scaled(kWeekSectionGap);
     }
     canvas.advance(used);
     if (!receipt.subjects.empty()) {
-        canvas.advance(kSectionGap);
+        canvas.advance(kWeekSectionGap);
         canvas.advance(
             paintListAt(canvas, canvas.left(), canvas.width(), "Subjects", receipt.subjects));
     }
@@ -113,15 +113,15 @@ void paintWeeklyReceipt(QPainter& painter, const QRectF& page,
     // empty bar and a missing score each explaining the same absence.
     if (receipt.emptyText) {
         paintMetrics(canvas, metricsOf(receipt));
-        canvas.advance(kSectionGap);
-        canvas.line(*receipt.emptyText, kDetailText, TextWeight::regular, kMutedInkColor);
+        canvas.advance(kWeekSectionGap);
+        canvas.line(*receipt.emptyText, kWeekDetailText, TextWeight::regular, kMutedInkColor);
         paintBranding(canvas, receipt.branding);
         return;
     }
     paintFigures(canvas, receipt);
-    canvas.advance(kSectionGap);
+    canvas.advance(kWeekSectionGap);
     paintDays(canvas, receipt.days);
-    canvas.advance(kSectionGap);
+    canvas.advance(kWeekSectionGap);
     paintHeading(canvas, "Computer study by class");
     paintClassSplit(canvas, receipt.split);
     paintLists(canvas, receipt);
