@@ -89,6 +89,38 @@ IdleBackend waylandIdle(const SessionFacts& facts, Desktop desktop,
 
 }  // namespace
 
+std::string_view backendName(FrontmostBackend backend) {
+    switch (backend) {
+        case FrontmostBackend::x11:
+            return "x11";
+        case FrontmostBackend::wlrootsForeignToplevel:
+            return "wlrootsForeignToplevel";
+        case FrontmostBackend::gnomeShellExtension:
+            return "gnomeShellExtension";
+        case FrontmostBackend::kwinScript:
+            return "kwinScript";
+        case FrontmostBackend::none:
+            return "none";
+    }
+    return "";
+}
+
+std::string_view backendName(IdleBackend backend) {
+    switch (backend) {
+        case IdleBackend::x11ScreenSaver:
+            return "x11ScreenSaver";
+        case IdleBackend::extIdleNotify:
+            return "extIdleNotify";
+        case IdleBackend::kdeIdle:
+            return "kdeIdle";
+        case IdleBackend::gnomeIdleMonitor:
+            return "gnomeIdleMonitor";
+        case IdleBackend::none:
+            return "none";
+    }
+    return "";
+}
+
 std::string_view describe(MissingPiece piece) {
     switch (piece) {
         case MissingPiece::noDisplay:

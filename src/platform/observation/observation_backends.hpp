@@ -46,6 +46,10 @@ enum class FrontmostBackend { x11, wlrootsForeignToplevel, gnomeShellExtension, 
 
 enum class IdleBackend { x11ScreenSaver, extIdleNotify, kdeIdle, gnomeIdleMonitor, none };
 
+// The enumeration case's name, for diagnostics ("wlrootsForeignToplevel").
+std::string_view backendName(FrontmostBackend backend);
+std::string_view backendName(IdleBackend backend);
+
 // What keeps a backend from being used. Each case has one fixed sentence for
 // the user (describe()).
 enum class MissingPiece {
