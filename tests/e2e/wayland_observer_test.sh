@@ -6,9 +6,10 @@
 # announced at once and sampled with the right identity and display name (a
 # desktop entry with a non-ASCII name in a subfolder, a bare app id, a
 # browser's app id), that window titles never reach the output, that idle
-# time grows without input, that a closed active window is harmless, that
-# connection failures are explained, and that a compositor that goes away is
-# reported instead of ending the process.
+# time grows without input and resets on a key press (wtype), that a closed
+# active window is harmless, that connection failures are explained, and
+# that a compositor that goes away is reported instead of ending the
+# process.
 #
 # sway refuses to run as root: as root, the compositor and its clients run as
 # the unprivileged user "nobody" and the probe connects to their socket.
@@ -59,6 +60,7 @@ wait_until() {
 
 [ -x "$PROBE" ] || fail "no probe at $PROBE"
 command -v foot >/dev/null || fail "foot is not installed"
+command -v wtype >/dev/null || fail "wtype is not installed"
 
 # The compositor's user, its private runtime folder and home.
 AS_USER=()
@@ -183,6 +185,19 @@ first="$(idle_of "$(last_tick)")"
 wait_until 30 "idle time grows by two seconds" tick_idle_at_least "$(awk -v f="$first" 'BEGIN { print f + 2 }')"
 grep -qE '"idleProtocol":"(ext_idle_notifier_v1|org_kde_kwin_idle)"' <<<"$(last_tick)" ||
     fail "no idle protocol named: $(last_tick)"
+
+# Input resets it: a key pressed through the virtual-keyboard protocol is
+# input on the seat. The first tick after it reads 0, and the idle time
+# grows again past the threshold.
+grown="$(idle_of "$(last_tick)")"
+before="$(wc -l <"$WORK/watch.log")"
+"${AS_USER[@]}" "${USER_ENV[@]}" "WAYLAND_DISPLAY=$SOCKET_NAME" timeout 10 wtype -k Shift_L ||
+    fail "wtype could not press a key"
+reset_seen() {
+    tail -n +"$((before + 1))" "$WORK/watch.log" | grep -F '"event":"tick"' | grep -qF '"idleSeconds":0.0'
+}
+wait_until 10 "idle time resets after a key press (was $grown)" reset_seen
+wait_until 30 "idle time grows again after the key press" tick_idle_at_least 1.5
 
 # The active window closes: the observer carries on with whatever sway
 # focuses next.
