@@ -7,25 +7,35 @@
 // ignoring case ("ubuntu:GNOME" is GNOME, "KDE" is KDE Plasma 5 and 6).
 // Empty variables count as unset. The rules, first match wins:
 //
-// | session                                  | frontmost application                       | idle
-// time                                        |
-// |------------------------------------------|---------------------------------------------|--------------------------------------------------|
-// | Wayland, any desktop                     | wlrootsForeignToplevel if the compositor    |
-// extIdleNotify if it advertises                   | |                                          |
-// advertises zwlr_foreign_toplevel_manager_v1 | ext_idle_notifier_v1 and wl_seat, else kdeIdle   |
-// |                                          |                                             | if
-// org_kde_kwin_idle and wl_seat                 | | Wayland, GNOME                           |
-// gnomeShellExtension if the session bus has  | gnomeIdleMonitor if the session bus has          |
-// |                                          | kGnomeShellExtensionBusName                 |
-// org.gnome.Mutter.IdleMonitor                     | | Wayland, KDE                             |
-// kwinScript if the session bus has           | (the Wayland globals above)                      |
-// |                                          | org.kde.KWin                                | | |
-// Wayland, anything else                   | none (foreignToplevelUnavailable)           | none
-// (idleProtocolUnavailable)                   | | XDG_SESSION_TYPE=wayland, only DISPLAY   | none
-// (waylandDisplayUnset)                  | none (waylandDisplayUnset)                       | |
-// DISPLAY set, not a Wayland session       | x11                                         |
-// x11ScreenSaver                                   | | neither display                          |
-// none (noDisplay)                            | none (noDisplay)                                 |
+// Frontmost application:
+// | session                  | condition                                 | backend, else missing |
+// |--------------------------|-------------------------------------------|-----------------------|
+// | Wayland, any desktop     | zwlr_foreign_toplevel_manager_v1 global   | wlrootsForeignToplevel|
+// | Wayland, GNOME           | kGnomeShellExtensionBusName on the bus    | gnomeShellExtension   |
+// | Wayland, GNOME           | otherwise                                 | gnomeShellExtension-  |
+// |                          |                                           |   NotRunning          |
+// | Wayland, KDE             | org.kde.KWin on the bus                   | kwinScript            |
+// | Wayland, KDE             | otherwise                                 | kwinNotOnSessionBus   |
+// | Wayland, other desktop   | otherwise                                 | foreignToplevel-      |
+// |                          |                                           |   Unavailable         |
+// | XDG_SESSION_TYPE=wayland | DISPLAY only (seen through Xwayland)      | waylandDisplayUnset   |
+// | not Wayland              | DISPLAY set                               | x11                   |
+// | no display               |                                           | noDisplay             |
+//
+// Idle time:
+// | session                  | condition                                 | backend, else missing |
+// |--------------------------|-------------------------------------------|-----------------------|
+// | Wayland, any desktop     | ext_idle_notifier_v1 and wl_seat globals  | extIdleNotify         |
+// | Wayland, any desktop     | org_kde_kwin_idle and wl_seat globals     | kdeIdle               |
+// | Wayland, GNOME           | org.gnome.Mutter.IdleMonitor on the bus   | gnomeIdleMonitor      |
+// | Wayland, any desktop     | otherwise                                 | idleProtocol-         |
+// |                          |                                           |   Unavailable         |
+// | XDG_SESSION_TYPE=wayland | DISPLAY only (seen through Xwayland)      | waylandDisplayUnset   |
+// | not Wayland              | DISPLAY set                               | x11ScreenSaver        |
+// | no display               |                                           | noDisplay             |
+//
+// A missing piece is reported once: in a Wayland session seen only through
+// Xwayland, or with no display, both backends are none for the same reason.
 //
 // The X11 observers are never used in a Wayland session even when Xwayland
 // provides DISPLAY: they would see only the windows of X11 programs and take
