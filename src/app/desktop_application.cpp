@@ -227,7 +227,7 @@ void DesktopApplication::openOnboarding() {
     if (!onboarding_) {
         runtime::RecorderServices& services = *dependencies_.services;
         ui::OnboardingServices reach;
-        reach.checkSetup = [] { return runtime::checkSetup(); };
+        reach.checkSetup = [&services] { return runtime::checkSetup(services.desktop().health()); };
         reach.browserStatus = [&services] { return services.browserStatusRows(); };
         reach.registerBrowser = [&services](bridge::SupportedBrowser browser) {
             return services.registration().repair(browser);
@@ -304,6 +304,9 @@ ui::SettingsDependencies DesktopApplication::settingsDependencies() {
         return services.browserStatusRows(&checker);
     };
     settings.extensionPackages = bridge::extensionPackagesFolder(bridge::runningExecutableFolder());
+    settings.observedOnThisDesktop = [&services] {
+        return runtime::checkSetup(services.desktop().health()).report;
+    };
     return settings;
 }
 

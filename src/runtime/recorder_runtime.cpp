@@ -30,6 +30,7 @@ RecorderRuntime::RecorderRuntime(RecorderServices& services, RecorderFrontEnd& f
         connect(activationNotifier_.get(), &QSocketNotifier::activated, this,
                 &RecorderRuntime::onActivation);
     }
+    services_.desktop().setActivationHandler([this] { onActivation(); });
     problemsObservation_ =
         manager().problems().add([this](const recording::SessionError& problem) { show(problem); });
     browserDrain_.setSingleShot(true);
@@ -44,6 +45,7 @@ RecorderRuntime::RecorderRuntime(RecorderServices& services, RecorderFrontEnd& f
 }
 
 RecorderRuntime::~RecorderRuntime() {
+    services_.desktop().setActivationHandler({});
     if (commandService_) {
         commandService_->stop();
     }

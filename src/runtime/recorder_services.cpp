@@ -12,8 +12,6 @@
 #include "bridge/browser_status_report.hpp"
 #include "insights/history_personal_bests.hpp"
 #include "platform/linux/notifications.hpp"
-#include "platform/linux/x11_frontmost_application.hpp"
-#include "platform/linux/x11_idle_time.hpp"
 #include "platform/system/headless_platform.hpp"
 #include "recording/unclassified_review_service.hpp"
 #include "settings/json_file_defaults_domain.hpp"
@@ -57,9 +55,7 @@ struct RecorderServices::Parts {
     bridge::BridgeTrackingCoordinator browser;
     bridge::NativeHostRegistrationChecker registration;
     platform::linux_desktop::FreedesktopNotificationService notifications;
-    platform::system::HeadlessPlatform headless;
-    std::unique_ptr<platform::linux_desktop::X11FrontmostApplicationSource> x11;
-    std::unique_ptr<platform::linux_desktop::XScreenSaverIdleTimeProvider> x11Idle;
+    std::unique_ptr<DesktopObservation> desktop;
     std::optional<classification::ClassificationRules> rules;
     std::optional<recording::SessionHistory> history;
     std::optional<recording::SessionManager> manager;
@@ -83,22 +79,14 @@ Result<std::unique_ptr<RecorderServices>, ServicesOpenError> RecorderServices::o
     }
     auto parts = std::make_unique<Parts>(paths, std::move(store).value(), std::move(lock).value());
 
-    // The frontmost application and idle time come from X11; without an X
-    // display the session still records its time, with nothing observed.
-    recording::FrontmostApplicationSource* frontmost = &parts->headless.frontmostApplication;
-    recording::IdleTimeProvider* idle = &parts->headless.idleTime;
-    if (auto opened =
-            platform::linux_desktop::X11FrontmostApplicationSource::open(processEnvironmentValue);
-        opened.ok()) {
-        parts->x11 = std::move(opened).value();
-        parts->x11Idle = std::make_unique<platform::linux_desktop::XScreenSaverIdleTimeProvider>(
-            parts->x11->connection());
-        frontmost = parts->x11.get();
-        idle = parts->x11Idle.get();
-    } else {
-        warnings.push_back(std::string(describe(opened.error())) +
-                           " Recording goes on, but Lumenote cannot see which application is in "
-                           "front or when you last gave input.");
+    // The frontmost application and idle time come from the backends this
+    // desktop offers; without them the session still records its time, with
+    // nothing observed.
+    parts->desktop =
+        DesktopObservation::open({processEnvironmentValue, QDBusConnection::sessionBus(),
+                                  parts->monotonicClock, parts->wallClock});
+    for (std::string& warning : platform::observation::startWarnings(parts->desktop->health())) {
+        warnings.push_back(std::move(warning));
     }
 
     // Without a bridge directory browsers are recorded as plain applications.
@@ -114,10 +102,10 @@ Result<std::unique_ptr<RecorderServices>, ServicesOpenError> RecorderServices::o
         *p.store, *p.rules, p.recordingPreferences, p.monotonicClock, p.wallClock, {}});
     p.manager.emplace(recording::SessionManagerDependencies{*p.store,
                                                             p.recordingPreferences,
-                                                            *idle,
+                                                            p.desktop->idle(),
                                                             p.monotonicClock,
                                                             p.wallClock,
-                                                            *frontmost,
+                                                            p.desktop->frontmost(),
                                                             p.notifications,
                                                             p.browser,
                                                             p.checkpoints,
@@ -239,16 +227,20 @@ std::string RecorderServices::browserWarning() {
                                           parts_->browser.extensionStatus().status(*silent).state);
 }
 
+DesktopObservation& RecorderServices::desktop() {
+    return *parts_->desktop;
+}
+
 int RecorderServices::activationDescriptor() const {
-    return parts_->x11 ? parts_->x11->fileDescriptor() : -1;
+    return parts_->desktop->activationDescriptor();
 }
 
 bool RecorderServices::takeActivation() {
-    return parts_->x11 && parts_->x11->processEvents();
+    return parts_->desktop->takeActivation();
 }
 
 bool RecorderServices::displayLost() const {
-    return parts_->x11 && parts_->x11->connection()->lost();
+    return parts_->desktop->displayLost();
 }
 
 }  // namespace lumenote::runtime

@@ -1,6 +1,6 @@
 // RecorderServices: everything a recording process needs, wired once at
 // start-up and kept for the process's life: the store and the recorder lock,
-// the preferences, the desktop's services (X11 when there is a display), the
+// the preferences, the desktop's services (the observers this desktop offers), the
 // browser bridge, the classification rules, the history and the session
 // manager. Every front end
 // (the terminal, the desktop application) opens one and hands it to the
@@ -22,6 +22,7 @@
 #include "recording/session_history.hpp"
 #include "recording/session_history_reader.hpp"
 #include "recording/session_manager.hpp"
+#include "runtime/desktop_observation.hpp"
 #include "settings/preferences_store.hpp"
 
 namespace lumenote::recording {
@@ -89,13 +90,16 @@ class RecorderServices {
     // The native-host manifests of this user and this installation.
     const bridge::NativeHostRegistrationChecker& registration() const;
 
+    // The observers of the application in front and of idle time, and
+    // what they can see now.
+    DesktopObservation& desktop();
     // The descriptor that becomes readable when the frontmost window may
-    // have changed; -1 without an X display.
+    // have changed; -1 when the backend reports over D-Bus or is missing.
     int activationDescriptor() const;
     // Drains the desktop's activation events; true when the frontmost
     // window changed since the last call.
     bool takeActivation();
-    // True once the X display went away: its descriptor stays readable at
+    // True once the display connection went away: its descriptor stays readable at
     // end of file, and nothing can be observed any more.
     bool displayLost() const;
 

@@ -1,5 +1,6 @@
-// What the desktop lets the recorder observe: the X display and its idle
-// extension, logind and the screen saver, and the notification server.
+// What the desktop lets the recorder observe: the application in front and
+// idle time through the backends this desktop offers, logind and the screen
+// saver, and the notification server.
 #include "runtime/setup_check.hpp"
 
 #include <fmt/format.h>
@@ -11,8 +12,8 @@
 
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/system_event_source.hpp"
-#include "platform/linux/x11_frontmost_application.hpp"
-#include "platform/linux/x11_idle_time.hpp"
+#include "platform/system/system_clocks.hpp"
+#include "runtime/desktop_observation.hpp"
 
 namespace lumenote::runtime {
 
@@ -22,9 +23,17 @@ std::string line(bool ok, std::string_view text) {
     return fmt::format("{} {}\n", ok ? "ok  " : "gap ", text);
 }
 
+platform::observation::ObservationHealth observeOnce() {
+    platform::system::SystemMonotonicTimeProvider monotonicClock;
+    platform::system::SystemWallClock wallClock;
+    const auto desktop = DesktopObservation::open(
+        {processEnvironmentValue, QDBusConnection::sessionBus(), monotonicClock, wallClock});
+    return desktop->health();
+}
+
 }  // namespace
 
-SetupCheck checkSetup() {
+SetupCheck checkSetup(const std::optional<platform::observation::ObservationHealth>& observing) {
     // The buses need an application object: the command line has none of
     // its own, the desktop application checks inside its own.
     int argc = 1;
@@ -36,22 +45,11 @@ SetupCheck checkSetup() {
     }
     SetupCheck check;
 
-    auto x11 =
-        platform::linux_desktop::X11FrontmostApplicationSource::open(processEnvironmentValue);
-    if (x11.ok()) {
-        platform::linux_desktop::XScreenSaverIdleTimeProvider idle((*x11)->connection());
-        check.report +=
-            line(true, "The X display answers: Lumenote sees the application in front.");
-        check.report += line(idle.extensionAvailable(),
-                             idle.extensionAvailable()
-                                 ? "The X screen saver extension reports the time since your "
-                                   "last input."
-                                 : "The X server has no screen saver extension, so time without "
-                                   "input cannot be noticed.");
-        check.complete = idle.extensionAvailable();
-    } else {
-        check.report += line(false, describe(x11.error()));
-        check.complete = false;
+    const auto health = observing ? *observing : observeOnce();
+    for (const auto& [ok, text] :
+         platform::observation::healthLines(health, LocalCalendar::current())) {
+        check.report += line(ok, text);
+        check.complete = check.complete && ok;
     }
 
     platform::linux_desktop::LinuxSystemEventSource events(

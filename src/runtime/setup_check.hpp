@@ -1,7 +1,10 @@
 // What the desktop lets the recorder observe, checked without recording.
 #pragma once
 
+#include <optional>
 #include <string>
+
+#include "platform/observation/observation_health.hpp"
 
 namespace lumenote::runtime {
 
@@ -12,7 +15,11 @@ struct SetupCheck {
     bool complete = true;  // no gap
 };
 // Runs inside the process's application object when there is one, else in
-// one of its own for the duration of the check.
-SetupCheck checkSetup();
+// one of its own for the duration of the check. A process that records
+// passes what its own observers see (`observing`): a second set of observers
+// would compete with them for the desktop's helpers. Without it the check
+// opens the observers itself for its duration.
+SetupCheck checkSetup(
+    const std::optional<platform::observation::ObservationHealth>& observing = std::nullopt);
 
 }  // namespace lumenote::runtime

@@ -76,7 +76,7 @@ TEST_F(RecorderRuntimeTest, OpeningWithoutADisplayWarnsAndStillRecords) {
     auto services = open(warnings);
     ASSERT_TRUE(services);
     ASSERT_FALSE(warnings.empty());
-    EXPECT_NE(warnings.front().find("Recording goes on"), std::string::npos) << warnings.front();
+    EXPECT_NE(warnings.front().find("Unknown application"), std::string::npos) << warnings.front();
     EXPECT_EQ(services->activationDescriptor(), -1);
     EXPECT_FALSE(services->takeActivation());
 

@@ -1,0 +1,227 @@
+#include "runtime/desktop_observation.hpp"
+
+#include <QDBusConnectionInterface>
+#include <string>
+#include <utility>
+
+#include "platform/linux/desktop_entries.hpp"
+#include "platform/linux/x11_frontmost_application.hpp"
+#include "platform/linux/x11_idle_time.hpp"
+#include "platform/system/headless_platform.hpp"
+#include "platform/wayland/wayland_connection.hpp"
+#include "platform/wayland/wayland_idle_time.hpp"
+#include "platform/wayland/wlr_frontmost_application.hpp"
+
+namespace lumenote::runtime {
+
+namespace observation = platform::observation;
+namespace linux_desktop = platform::linux_desktop;
+namespace wayland = platform::wayland;
+
+struct DesktopObservation::Parts {
+    explicit Parts(recording::WallClock& clock) : wallClock(clock) {}
+
+    recording::WallClock& wallClock;
+    observation::ObservationChoice choice;
+    std::vector<std::string> openFailures;
+    platform::system::NoFrontmostApplication noFrontmost;
+    platform::system::NoIdleTime noIdle;
+    std::unique_ptr<linux_desktop::X11FrontmostApplicationSource> x11;
+    std::unique_ptr<linux_desktop::XScreenSaverIdleTimeProvider> x11Idle;
+    std::shared_ptr<wayland::WaylandConnection> waylandConnection;
+    std::unique_ptr<wayland::WlrFrontmostApplicationSource> wlroots;
+    std::unique_ptr<wayland::WaylandIdleTimeProvider> waylandIdle;
+    observation::FrontmostBackend frontmostBackend = observation::FrontmostBackend::none;
+    observation::IdleBackend idleBackend = observation::IdleBackend::none;
+    recording::FrontmostApplicationSource* frontmost = &noFrontmost;
+    recording::IdleTimeProvider* idle = &noIdle;
+    std::function<void()> activationHandler;
+    bool activationPending = false;
+    std::optional<Date> lastActivation;
+
+    void openFrontmost(const Dependencies& dependencies);
+    void openIdle(const Dependencies& dependencies);
+    bool processBackendEvents();
+};
+
+namespace {
+
+std::vector<std::string> sessionBusNames(const QDBusConnection& bus) {
+    std::vector<std::string> names;
+    if (!bus.isConnected() || bus.interface() == nullptr) {
+        return names;
+    }
+    const auto reply = bus.interface()->registeredServiceNames();
+    if (!reply.isValid()) {
+        return names;
+    }
+    for (const QString& name : reply.value()) {
+        names.push_back(name.toStdString());
+    }
+    return names;
+}
+
+std::string openFailure(std::string_view reason) {
+    return std::string(reason) + " Recording goes on, with the application in front unknown.";
+}
+
+}  // namespace
+
+void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) {
+    switch (choice.frontmost) {
+        case observation::FrontmostBackend::x11: {
+            auto opened =
+                linux_desktop::X11FrontmostApplicationSource::open(dependencies.environment);
+            if (!opened) {
+                openFailures.push_back(openFailure(describe(opened.error())));
+                return;
+            }
+            x11 = std::move(opened).value();
+            frontmost = x11.get();
+            break;
+        }
+        case observation::FrontmostBackend::wlrootsForeignToplevel: {
+            auto opened = wayland::WlrFrontmostApplicationSource::open(
+                waylandConnection,
+                linux_desktop::DesktopEntryIndex::load(
+                    linux_desktop::applicationFolders(dependencies.environment)));
+            if (!opened) {
+                openFailures.push_back(openFailure(describe(opened.error())));
+                return;
+            }
+            wlroots = std::move(opened).value();
+            frontmost = wlroots.get();
+            break;
+        }
+        case observation::FrontmostBackend::gnomeShellExtension:
+        case observation::FrontmostBackend::kwinScript:
+        case observation::FrontmostBackend::none:
+            return;
+    }
+    frontmostBackend = choice.frontmost;
+}
+
+void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
+    switch (choice.idle) {
+        case observation::IdleBackend::x11ScreenSaver:
+            if (!x11) {
+                return;
+            }
+            x11Idle =
+                std::make_unique<linux_desktop::XScreenSaverIdleTimeProvider>(x11->connection());
+            if (!x11Idle->extensionAvailable()) {
+                openFailures.push_back(
+                    "The X server has no screen saver extension, so time without input cannot be "
+                    "noticed.");
+                return;
+            }
+            idle = x11Idle.get();
+            break;
+        case observation::IdleBackend::extIdleNotify:
+        case observation::IdleBackend::kdeIdle: {
+            auto opened = wayland::WaylandIdleTimeProvider::open(waylandConnection,
+                                                                 dependencies.monotonicClock);
+            if (!opened) {
+                openFailures.push_back(std::string(describe(opened.error())));
+                return;
+            }
+            waylandIdle = std::move(opened).value();
+            idle = waylandIdle.get();
+            break;
+        }
+        case observation::IdleBackend::gnomeIdleMonitor:
+        case observation::IdleBackend::none:
+            return;
+    }
+    idleBackend = choice.idle;
+}
+
+bool DesktopObservation::Parts::processBackendEvents() {
+    if (x11) {
+        return x11->processEvents();
+    }
+    if (wlroots) {
+        return wlroots->processEvents();
+    }
+    if (waylandConnection) {
+        // Only the idle protocol listens: its events still need handling.
+        waylandConnection->dispatchPending();
+    }
+    return false;
+}
+
+std::unique_ptr<DesktopObservation> DesktopObservation::open(const Dependencies& dependencies) {
+    auto parts = std::make_unique<Parts>(dependencies.wallClock);
+    observation::SessionFacts facts{
+        observation::SessionEnvironment::fromEnvironment(dependencies.environment), {}, {}};
+    if (facts.environment.waylandDisplay && !facts.environment.waylandDisplay->empty()) {
+        auto connection = wayland::WaylandConnection::open(dependencies.environment);
+        if (connection) {
+            parts->waylandConnection = std::move(connection).value();
+            facts.waylandGlobals = parts->waylandConnection->globalInterfaces();
+        } else {
+            parts->openFailures.push_back(openFailure(describe(connection.error())));
+        }
+    }
+    facts.sessionBusNames = sessionBusNames(dependencies.sessionBus);
+    parts->choice = observation::chooseObservationBackends(facts);
+    parts->openFrontmost(dependencies);
+    parts->openIdle(dependencies);
+    return std::unique_ptr<DesktopObservation>(new DesktopObservation(std::move(parts)));
+}
+
+DesktopObservation::DesktopObservation(std::unique_ptr<Parts> parts) : parts_(std::move(parts)) {}
+
+DesktopObservation::~DesktopObservation() = default;
+
+recording::FrontmostApplicationSource& DesktopObservation::frontmost() {
+    return *parts_->frontmost;
+}
+
+recording::IdleTimeProvider& DesktopObservation::idle() {
+    return *parts_->idle;
+}
+
+int DesktopObservation::activationDescriptor() const {
+    if (parts_->x11) {
+        return parts_->x11->fileDescriptor();
+    }
+    if (parts_->waylandConnection) {
+        return parts_->waylandConnection->fileDescriptor();
+    }
+    return -1;
+}
+
+void DesktopObservation::setActivationHandler(std::function<void()> handler) {
+    parts_->activationHandler = std::move(handler);
+}
+
+bool DesktopObservation::takeActivation() {
+    const bool changed =
+        parts_->processBackendEvents() || std::exchange(parts_->activationPending, false);
+    if (changed) {
+        parts_->lastActivation = parts_->wallClock.now();
+    }
+    return changed;
+}
+
+bool DesktopObservation::displayLost() const {
+    if (parts_->x11) {
+        return parts_->x11->connection()->lost();
+    }
+    return parts_->waylandConnection && parts_->waylandConnection->lost();
+}
+
+observation::ObservationHealth DesktopObservation::health() const {
+    observation::ObservationHealth health;
+    health.choice = parts_->choice;
+    health.frontmost = parts_->frontmostBackend;
+    health.idle = parts_->idleBackend;
+    health.openFailures = parts_->openFailures;
+    health.frontmostReporting =
+        parts_->frontmostBackend != observation::FrontmostBackend::none && !displayLost();
+    health.lastActivation = parts_->lastActivation;
+    return health;
+}
+
+}  // namespace lumenote::runtime
