@@ -86,6 +86,9 @@ std::string recorderStatusJson(const RecorderStatus& status) {
     if (!status.browserWarning.empty()) {
         object["browserWarning"] = status.browserWarning;
     }
+    if (!status.observationWarning.empty()) {
+        object["observationWarning"] = status.observationWarning;
+    }
     return object.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
 }
 
@@ -140,6 +143,10 @@ Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string
     if (const auto warning = object.find("browserWarning");
         warning != object.end() && warning->is_string()) {
         status.browserWarning = warning->get<std::string>();
+    }
+    if (const auto warning = object.find("observationWarning");
+        warning != object.end() && warning->is_string()) {
+        status.observationWarning = warning->get<std::string>();
     }
     return status;
 }

@@ -53,6 +53,9 @@ struct RecorderStatus {
     // Why the browser in front has its websites unrecorded, in one sentence;
     // empty when nothing is amiss.
     std::string browserWarning;
+    // Why the application in front cannot be seen (its time is recorded as
+    // "Unknown application"), in one sentence; empty while it can.
+    std::string observationWarning;
 
     friend bool operator==(const RecorderStatus&, const RecorderStatus&) = default;
 };

@@ -36,6 +36,9 @@ std::string statusText(const RecorderStatus& status) {
     if (!status.browserWarning.empty()) {
         text += "\n" + status.browserWarning;
     }
+    if (!status.observationWarning.empty()) {
+        text += "\n" + status.observationWarning;
+    }
     return text;
 }
 

@@ -222,7 +222,28 @@ RecorderStatus RecorderRuntime::status() {
     status.studyState = recorder.liveStudyState();
     status.asleep = recorder.isSleeping();
     status.browserWarning = services_.browserWarning();
+    status.observationWarning =
+        platform::observation::frontmostWarning(services_.desktop().health());
     return status;
+}
+
+void RecorderRuntime::noteObservationGap() {
+    const auto& session = manager().activeSession();
+    if (!session) {
+        return;
+    }
+    if (observedSession_ != session->id) {
+        observedSession_ = session->id;
+        observationGap_.clear();
+    }
+    if (std::string warning = platform::observation::frontmostWarning(services_.desktop().health());
+        !warning.empty()) {
+        observationGap_ = std::move(warning);
+    }
+}
+
+std::string RecorderRuntime::observationWarningFor(const Uuid& session) const {
+    return observedSession_ == session ? observationGap_ : std::string();
 }
 
 void RecorderRuntime::terminate(const std::string& reason) {
@@ -307,6 +328,7 @@ void RecorderRuntime::show(const recording::SessionError& error) {
 }
 
 void RecorderRuntime::followSession() {
+    noteObservationGap();
     if (stopped_) {
         return;
     }

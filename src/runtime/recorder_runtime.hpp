@@ -63,6 +63,10 @@ class RecorderRuntime final : public QObject {
     Result<void, recording::SessionError> startPassiveStudy();
     Result<void, recording::SessionError> returnToComputerStudy();
     RecorderStatus status();
+    // The sentence saying that the application in front could not be seen
+    // during the session `session`, as last noticed while it ran; empty when
+    // it was seen throughout (or the session is not the latest one).
+    std::string observationWarningFor(const Uuid& session) const;
 
     // A termination signal or the system shutting down: the final checkpoint
     // is written and the session left for recovery, then the loop stops.
@@ -76,6 +80,10 @@ class RecorderRuntime final : public QObject {
     void clearLastError() { lastError_.reset(); }
 
   private:
+    // Remembers, once a tick, whether the active session's application in
+    // front can be seen.
+    void noteObservationGap();
+
     // Answers the command service: the runtime's commands with their
     // failures as the sentences the caller shows.
     class CommandAnswers final : public RecorderCommandHandler {
@@ -118,6 +126,8 @@ class RecorderRuntime final : public QObject {
     CommandAnswers commandAnswers_{*this};
     std::unique_ptr<RecorderCommandService> commandService_;
     std::optional<std::string> lastError_;
+    std::optional<Uuid> observedSession_;
+    std::string observationGap_;
     std::optional<Uuid> questionTold_;
     // The active session as last seen, so that its end is told once.
     std::optional<Uuid> followedSession_;

@@ -49,6 +49,18 @@ QLabel* label(QWidget* parent, qreal scale = 1.0, bool bold = false) {
     return made;
 }
 
+// A line that says what Lumenote cannot observe: framed in the palette's
+// highlight so that it reads as a warning in light and dark alike.
+QLabel* observationWarning(QWidget* parent, const char* objectName) {
+    QLabel* made = label(parent);
+    made->setObjectName(QString::fromLatin1(objectName));
+    made->setAccessibleName(QStringLiteral("Observation warning"));
+    made->setVisible(false);
+    made->setStyleSheet(QStringLiteral(
+        "QLabel { border: 1px solid palette(highlight); border-radius: 6px; padding: 6px 8px; }"));
+    return made;
+}
+
 // A secondary line: drawn in the palette's placeholder colour, so that it
 // follows a change of appearance.
 QLabel* muted(QLabel* made) {
@@ -148,6 +160,7 @@ QWidget* TrayPanel::buildSessionPage() {
     activity_->setAccessibleName(QStringLiteral("Current activity"));
     chip_ = new design::Chip(page);
     split_ = muted(label(page));
+    observation_ = observationWarning(page, "observationWarning");
 
     auto* activityRow = new QHBoxLayout;
     activityRow->addWidget(activity_, 1);
@@ -207,6 +220,7 @@ QWidget* TrayPanel::buildSessionPage() {
     layout->addLayout(activityRow);
     layout->addWidget(classify_, 0, Qt::AlignLeft);
     layout->addWidget(split_);
+    layout->addWidget(observation_);
     layout->addSpacing(6);
     layout->addLayout(controls);
     return page;
@@ -223,6 +237,7 @@ QWidget* TrayPanel::buildSummaryPage() {
     summaryCoverage_ = muted(label(page));
     summaryBests_ = label(page);
     celebration_ = label(page, 1.0, true);
+    summaryObservation_ = observationWarning(page, "summaryObservationWarning");
     done_ = new QPushButton(QStringLiteral("Done"), page);
     done_->setObjectName(QStringLiteral("done"));
     summaryHeading_->setObjectName(QStringLiteral("summaryHeading"));
@@ -263,6 +278,7 @@ QWidget* TrayPanel::buildSummaryPage() {
     layout->addWidget(summaryCoverage_);
     layout->addWidget(summaryBests_);
     layout->addWidget(celebration_);
+    layout->addWidget(summaryObservation_);
     layout->addWidget(receiptSaved_);
     layout->addLayout(buttons);
     return page;
@@ -445,6 +461,9 @@ void TrayPanel::refreshSessionPage() {
     pause_->setText(qt(panel.pauseTitle));
     away_->setText(qt(panel.awayTitle));
     away_->setEnabled(!panel.paused);
+    const std::string warning = runtime_.status().observationWarning;
+    observation_->setText(qt(warning));
+    observation_->setVisible(!warning.empty());
 }
 
 void TrayPanel::refreshSummaryPage() {
@@ -478,6 +497,10 @@ void TrayPanel::refreshSummaryPage() {
     summaryBests_->setVisible(!bests.isEmpty());
     celebration_->setText(qt(panel.celebration.value_or(std::string())));
     celebration_->setVisible(panel.celebration.has_value());
+    const auto& ended = runtime_.manager().pendingPostSession();
+    const std::string warning = ended ? runtime_.observationWarningFor(ended->id) : std::string();
+    summaryObservation_->setText(qt(warning));
+    summaryObservation_->setVisible(!warning.empty());
 }
 
 void TrayPanel::showError(const QString& message) {

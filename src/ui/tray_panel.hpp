@@ -115,6 +115,8 @@ class TrayPanel final : public QFrame {
     std::optional<SeenActivity> seen_;
     Page page_ = Page::start;
     QLabel* banner_;
+    QLabel* observation_;
+    QLabel* summaryObservation_;
     QStackedWidget* pages_;
     // start
     GoalRing* ring_;

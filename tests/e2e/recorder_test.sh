@@ -50,7 +50,7 @@ viewer=$window
 
 # The setup check sees the display, its idle time, logind and notifications.
 check=$("$cli" check || true)
-for part in "The X display answers" "screen saver extension reports" \
+for part in "seen through the X display" "comes from the X screen saver extension" \
     "A notification server shows"; do
     grep -F "$part" <<<"$check" | grep -q "^ok" ||
         fail "the setup check misses \"$part\": $check"
