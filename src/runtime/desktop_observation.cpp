@@ -165,6 +165,14 @@ std::unique_ptr<DesktopObservation> DesktopObservation::open(const Dependencies&
     }
     facts.sessionBusNames = sessionBusNames(dependencies.sessionBus);
     parts->choice = observation::chooseObservationBackends(facts);
+    if (facts.environment.waylandDisplay && !parts->waylandConnection) {
+        // The connection's failure is the reason; the protocols it would
+        // have offered are not missing for a reason of their own.
+        std::erase_if(parts->choice.missing, [](observation::MissingPiece piece) {
+            return piece == observation::MissingPiece::foreignToplevelUnavailable ||
+                   piece == observation::MissingPiece::idleProtocolUnavailable;
+        });
+    }
     parts->openFrontmost(dependencies);
     parts->openIdle(dependencies);
     return std::unique_ptr<DesktopObservation>(new DesktopObservation(std::move(parts)));

@@ -112,16 +112,18 @@ std::string frontmostWarning(const ObservationHealth& health) {
     if (frontmostObservable(health)) {
         return {};
     }
-    std::string warning =
-        "Lumenote cannot see which application is in front, so this time is recorded as "
-        "\"Unknown application\".";
+    // Each reason already says that the application in front cannot be seen.
+    const std::string recorded = "This time is recorded as \"Unknown application\". ";
     if (const auto sentences = reasons(health); !sentences.empty()) {
-        warning += " " + sentences.front();
-    } else if (reliesOnDesktopHelper(health.frontmost)) {
-        warning += " " + std::string(displayName(health.frontmost)) +
-                   " stopped reporting; run \"lumenote-cli check\" to see why.";
+        return recorded + sentences.front();
     }
-    return warning;
+    if (reliesOnDesktopHelper(health.frontmost)) {
+        return recorded + std::string(displayName(health.frontmost)) +
+               " stopped reporting, so Lumenote cannot see which application is in front; run "
+               "\"lumenote-cli check\" to see why.";
+    }
+    return recorded + "The connection to the display was lost, so Lumenote cannot see which "
+                      "application is in front.";
 }
 
 std::vector<std::string> startWarnings(const ObservationHealth& health) {
