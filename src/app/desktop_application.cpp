@@ -19,6 +19,7 @@
 #include "recording/session_notices.hpp"
 #include "recording/unclassified_review_service.hpp"
 #include "runtime/setup_check.hpp"
+#include "runtime/setup_test_input.hpp"
 #include "shell/global_hotkey_coordinator.hpp"
 #include "shell/launch_at_login.hpp"
 #include "ui/design/qt_text.hpp"
@@ -304,6 +305,10 @@ ui::SettingsDependencies DesktopApplication::settingsDependencies() {
         return services.browserStatusRows(&checker);
     };
     settings.extensionPackages = bridge::extensionPackagesFolder(bridge::runningExecutableFolder());
+    settings.setupTestInput = [&services] {
+        return runtime::gatherSetupTestInput({services.paths(), LUMENOTE_VERSION,
+                                              LUMENOTE_BUILD_NUMBER, services.desktop().health()});
+    };
     settings.observedOnThisDesktop = [&services] {
         return runtime::checkSetup(services.desktop().health()).report;
     };

@@ -67,6 +67,9 @@ std::optional<RecorderCommand> recorderCommandFromMethod(std::string_view method
 
 std::string recorderStatusJson(const RecorderStatus& status) {
     nlohmann::json object;
+    if (status.lastActivation) {
+        object["lastActivation"] = status.lastActivation->unixSeconds();
+    }
     if (!status.sessionActive) {
         object["state"] = kIdleState;
         return object.dump();
@@ -100,6 +103,14 @@ std::string recorderStatusParseErrorMessage(RecorderStatusParseError error) {
     return {};
 }
 
+namespace {
+
+// The end of the year 9999: a later activation time cannot be shown as a
+// date, and comes only from a damaged answer.
+constexpr double kLatestActivationUnixSeconds = 253402300799.0;
+
+}  // namespace
+
 Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string_view json) {
     const nlohmann::json object = nlohmann::json::parse(json, nullptr, false);
     if (object.is_discarded() || !object.is_object()) {
@@ -110,6 +121,11 @@ Result<RecorderStatus, RecorderStatusParseError> parseRecorderStatus(std::string
         return fail(RecorderStatusParseError::malformed);
     }
     RecorderStatus status;
+    if (const auto seen = object.find("lastActivation");
+        seen != object.end() && seen->is_number() && seen->get<double>() >= 0.0 &&
+        seen->get<double>() <= kLatestActivationUnixSeconds) {
+        status.lastActivation = Date::fromUnixSeconds(seen->get<double>());
+    }
     if (state->get_ref<const std::string&>() == kIdleState) {
         return status;
     }

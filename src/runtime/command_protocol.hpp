@@ -8,6 +8,7 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/dates.hpp"
 #include "foundation/result.hpp"
 #include "recording/enumerations.hpp"
 
@@ -39,6 +40,9 @@ std::optional<RecorderCommand> recorderCommandFromMethod(std::string_view method
 // What the recorder is doing, as the Status method reports it.
 struct RecorderStatus {
     bool sessionActive = false;
+    // When the recorder's observer last announced a change of the
+    // application in front (UTC); reported with or without a session.
+    std::optional<Date> lastActivation;
     // The fields below describe the active session; ignored without one.
     std::string subject;
     recording::StudySessionStatus state =
@@ -60,7 +64,8 @@ struct RecorderStatus {
     friend bool operator==(const RecorderStatus&, const RecorderStatus&) = default;
 };
 
-// One JSON object. Without a session it is {"state":"idle"}. Times are whole
+// One JSON object. Without a session it is {"state":"idle"} (with
+// "lastActivation", Unix seconds, once one was seen). Times are whole
 // seconds: elapsed rounded down and remaining rounded up (never below zero,
 // never above a century, kMaximumDurationSeconds),
 // so that a display of both never shows more than the planned duration.

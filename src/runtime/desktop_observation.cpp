@@ -1,5 +1,6 @@
 #include "runtime/desktop_observation.hpp"
 
+#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <string>
 #include <utility>
@@ -8,6 +9,7 @@
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
 #include "platform/system/headless_platform.hpp"
+#include "platform/system/system_clocks.hpp"
 #include "platform/wayland/wayland_connection.hpp"
 #include "platform/wayland/wayland_idle_time.hpp"
 #include "platform/wayland/wlr_frontmost_application.hpp"
@@ -218,6 +220,21 @@ bool DesktopObservation::displayLost() const {
         return parts_->x11->connection()->lost();
     }
     return parts_->waylandConnection && parts_->waylandConnection->lost();
+}
+
+observation::ObservationHealth observeDesktopNow() {
+    int argc = 1;
+    char name[] = "lumenote-cli";
+    char* argv[] = {name, nullptr};
+    std::optional<QCoreApplication> application;
+    if (QCoreApplication::instance() == nullptr) {
+        application.emplace(argc, argv);
+    }
+    platform::system::SystemMonotonicTimeProvider monotonicClock;
+    platform::system::SystemWallClock wallClock;
+    const auto desktop = DesktopObservation::open(
+        {processEnvironmentValue, QDBusConnection::sessionBus(), monotonicClock, wallClock});
+    return desktop->health();
 }
 
 observation::ObservationHealth DesktopObservation::health() const {

@@ -58,4 +58,9 @@ class DesktopObservation {
     std::unique_ptr<Parts> parts_;
 };
 
+// What a fresh set of observers sees on this desktop now, for a process that
+// does not record (the command line's checks). Opens its own application
+// object for the session bus when the process has none.
+platform::observation::ObservationHealth observeDesktopNow();
+
 }  // namespace lumenote::runtime

@@ -56,6 +56,10 @@ Result<RecorderStatus, std::string> currentStatus() {
 
 }  // namespace
 
+Result<RecorderStatus, std::string> recorderStatus() {
+    return currentStatus();
+}
+
 Result<std::string, std::string> controlRecorder(RecorderControl control) {
     auto status = currentStatus();
     if (!status.ok()) {

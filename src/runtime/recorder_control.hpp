@@ -8,6 +8,7 @@
 
 #include "bridge/browser_event_receiver.hpp"
 #include "foundation/result.hpp"
+#include "runtime/command_protocol.hpp"
 
 namespace lumenote::runtime {
 
@@ -19,6 +20,10 @@ enum class RecorderControl { pause, resume, end, away, back, status };
 // confirmation otherwise. Fails with the sentence to show, including when
 // nothing is recording.
 Result<std::string, std::string> controlRecorder(RecorderControl control);
+
+// The running recorder's status. Fails with the sentence to show, including
+// when nothing is recording.
+Result<RecorderStatus, std::string> recorderStatus();
 
 // The browser events the running recorder handled lately, oldest first.
 // Fails with the sentence to show, including when nothing is recording.

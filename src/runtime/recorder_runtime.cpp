@@ -206,6 +206,7 @@ std::string RecorderRuntime::CommandAnswers::browserStatus() {
 RecorderStatus RecorderRuntime::status() {
     recording::SessionManager& recorder = manager();
     RecorderStatus status;
+    status.lastActivation = services_.desktop().health().lastActivation;
     const auto& session = recorder.activeSession();
     if (!session) {
         return status;

@@ -12,8 +12,8 @@
 
 #include "platform/linux/notifications.hpp"
 #include "platform/linux/system_event_source.hpp"
-#include "platform/system/system_clocks.hpp"
 #include "runtime/desktop_observation.hpp"
+#include "runtime/recorder_control.hpp"
 
 namespace lumenote::runtime {
 
@@ -21,14 +21,6 @@ namespace {
 
 std::string line(bool ok, std::string_view text) {
     return fmt::format("{} {}\n", ok ? "ok  " : "gap ", text);
-}
-
-platform::observation::ObservationHealth observeOnce() {
-    platform::system::SystemMonotonicTimeProvider monotonicClock;
-    platform::system::SystemWallClock wallClock;
-    const auto desktop = DesktopObservation::open(
-        {processEnvironmentValue, QDBusConnection::sessionBus(), monotonicClock, wallClock});
-    return desktop->health();
 }
 
 }  // namespace
@@ -45,7 +37,13 @@ SetupCheck checkSetup(const std::optional<platform::observation::ObservationHeal
     }
     SetupCheck check;
 
-    const auto health = observing ? *observing : observeOnce();
+    auto health = observing ? *observing : observeDesktopNow();
+    if (!observing) {
+        // A recorder that runs has seen the activations; this check has not.
+        if (const auto running = recorderStatus(); running.ok()) {
+            health.lastActivation = running->lastActivation;
+        }
+    }
     for (const auto& [ok, text] :
          platform::observation::healthLines(health, LocalCalendar::current())) {
         check.report += line(ok, text);

@@ -9,8 +9,8 @@
 #include "bridge/browser_extension_status.hpp"
 #include "bridge/browser_installation.hpp"
 #include "bridge/extension_identity.hpp"
-#include "platform/linux/x11_frontmost_application.hpp"
 #include "recording/sampling_self_test.hpp"
+#include "runtime/desktop_observation.hpp"
 #include "runtime/system_facts.hpp"
 #include "settings/json_file_defaults_domain.hpp"
 #include "settings/preferences_store.hpp"
@@ -23,8 +23,8 @@ bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroun
     bridge::SetupTestInput input;
     const Date now = systemNow();
 
-    input.applicationObservationAvailable =
-        platform::linux_desktop::X11FrontmostApplicationSource::open(processEnvironmentValue).ok();
+    input.applicationObservationAvailable = platform::observation::frontmostObservable(
+        surroundings.observing ? *surroundings.observing : observeDesktopNow());
     input.samplingPipelinePassed = recording::samplingPipelineSelfTest();
     input.persistenceReadable = store::storeIsReadable(store::storePath(surroundings.paths));
 

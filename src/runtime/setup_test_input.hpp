@@ -5,10 +5,12 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 
 #include "bridge/setup_test.hpp"
 #include "foundation/user_paths.hpp"
+#include "platform/observation/observation_health.hpp"
 
 namespace lumenote::runtime {
 
@@ -16,6 +18,9 @@ struct SetupTestSurroundings {
     UserPaths paths;
     std::string appVersion;
     std::string appBuild;
+    // What the recording process's own observers see; without it the
+    // desktop is observed afresh for the test.
+    std::optional<platform::observation::ObservationHealth> observing;
 };
 
 bridge::SetupTestInput gatherSetupTestInput(const SetupTestSurroundings& surroundings);

@@ -5,7 +5,8 @@
 # recorder must choose the foreign-toplevel observer, record both windows
 # with their identities (one named by a desktop entry), never an "Unknown
 # application" stretch, and never a window title. `lumenote-cli check`
-# names the backends that observe.
+# names the backends that observe and, while the recorder runs, when it last
+# saw the application in front change.
 #
 # Usage: wayland_recorder_test.sh BIN_DIR. Exit 77 (skipped) only when sway
 # is not installed.
@@ -63,6 +64,9 @@ poll_until "6 seconds of recording" elapsed_at_least 6
 focus_window LumenoteBeta
 poll_until "the switch back to beta" status_matches "LumenoteBeta (distracting)"
 poll_until "8 seconds of recording" elapsed_at_least 8
+# The running recorder tells the check when it last saw a focus change.
+[[ "$("$cli" check || true)" == *"ok   The application in front last changed at "* ]] ||
+    fail "check did not show the recorder's last activation"
 "$cli" end >/dev/null
 wait "$recorder_job" || fail "the recorder ended with status $?"
 grep -q "Unknown application" "$work/recorder.out" "$work/recorder.err" &&

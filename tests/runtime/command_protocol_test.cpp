@@ -72,6 +72,12 @@ TEST(RecorderStatusJson, SessionsRoundTripInWholeSeconds) {
         "Websites in Chromium are not recorded: the Lumenote extension is disconnected.";
     cases.push_back(warned);
 
+    RecorderStatus unobserved = runningStatus();
+    unobserved.observationWarning =
+        "This time is recorded as \"Unknown application\". KWin does not answer.";
+    unobserved.lastActivation = Date::fromUnixSeconds(1795687452.25);
+    cases.push_back(unobserved);
+
     for (const RecorderStatus& status : cases) {
         const std::string json = recorderStatusJson(status);
         const auto parsed = parseRecorderStatus(json);
@@ -87,6 +93,25 @@ TEST(RecorderStatusJson, IdleIsOnlyTheState) {
     const auto parsed = parseRecorderStatus(R"({"state":"idle","subject":"ignored"})");
     ASSERT_TRUE(parsed.ok());
     EXPECT_EQ(*parsed, RecorderStatus{});
+}
+
+// The last activation travels without a session too, and only as a number
+// of seconds between 1970 and the end of the year 9999: anything else reads
+// as never seen.
+TEST(RecorderStatusJson, TheLastActivationTravelsWhenIdleAndIsReadOnlyAsANumber) {
+    RecorderStatus idle;
+    idle.lastActivation = Date::fromUnixSeconds(1795687452.5);
+    const auto parsed = parseRecorderStatus(recorderStatusJson(idle));
+    ASSERT_TRUE(parsed.ok());
+    EXPECT_EQ(*parsed, idle);
+    for (const char* json :
+         {R"({"state":"idle","lastActivation":"yesterday"})",
+          R"({"state":"idle","lastActivation":null})", R"({"state":"idle","lastActivation":-1})",
+          R"({"state":"idle","lastActivation":1e300})"}) {
+        const auto read = parseRecorderStatus(json);
+        ASSERT_TRUE(read.ok()) << json;
+        EXPECT_FALSE(read->lastActivation) << json;
+    }
 }
 
 TEST(RecorderStatusJson, ElapsedRoundsDownAndRemainingUpSoTheyNeverExceedThePlan) {

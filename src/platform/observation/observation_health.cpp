@@ -122,8 +122,9 @@ std::string frontmostWarning(const ObservationHealth& health) {
                " stopped reporting, so Lumenote cannot see which application is in front; run "
                "\"lumenote-cli check\" to see why.";
     }
-    return recorded + "The connection to the display was lost, so Lumenote cannot see which "
-                      "application is in front.";
+    return recorded +
+           "The connection to the display was lost, so Lumenote cannot see which "
+           "application is in front.";
 }
 
 std::vector<std::string> startWarnings(const ObservationHealth& health) {
