@@ -45,10 +45,4 @@ measure_while_switching "$pid" "$seconds" "$switch_seconds" LumenoteAlpha Lumeno
 "$cli" end >/dev/null
 wait "$job"
 
-awk -v ticks="$cpu_ticks_used" -v hz="$ticks_per_second" -v elapsed="$elapsed" \
-    -v peak="$peak_kb" -v rss="$rss_kb" -v every="$switch_seconds" 'BEGIN {
-    cpu = ticks / hz
-    printf "Wayland recorder over %d s with a focus change every %d s:\n", elapsed, every
-    printf "  resident memory: %.1f MB now, %.1f MB peak\n", rss / 1024, peak / 1024
-    printf "  CPU: %.2f s measured, %.2f s per hour extrapolated (target: no more than on X11, under 2 s)\n", cpu, cpu / elapsed * 3600
-}'
+report_resources "Wayland recorder" "no more than on X11, under 2 s"

@@ -1,6 +1,5 @@
 #include "runtime/desktop_observation.hpp"
 
-#include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <string>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "platform/wayland/wayland_connection.hpp"
 #include "platform/wayland/wayland_idle_time.hpp"
 #include "platform/wayland/wlr_frontmost_application.hpp"
+#include "runtime/scoped_application.hpp"
 
 namespace lumenote::runtime {
 
@@ -223,13 +223,7 @@ bool DesktopObservation::displayLost() const {
 }
 
 observation::ObservationHealth observeDesktopNow() {
-    int argc = 1;
-    char name[] = "lumenote-cli";
-    char* argv[] = {name, nullptr};
-    std::optional<QCoreApplication> application;
-    if (QCoreApplication::instance() == nullptr) {
-        application.emplace(argc, argv);
-    }
+    const ScopedApplication application;
     platform::system::SystemMonotonicTimeProvider monotonicClock;
     platform::system::SystemWallClock wallClock;
     const auto desktop = DesktopObservation::open(

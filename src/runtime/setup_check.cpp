@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <QCoreApplication>
 #include <QDBusConnection>
 #include <cstdlib>
 #include <optional>
@@ -14,6 +13,7 @@
 #include "platform/linux/system_event_source.hpp"
 #include "runtime/desktop_observation.hpp"
 #include "runtime/recorder_control.hpp"
+#include "runtime/scoped_application.hpp"
 
 namespace lumenote::runtime {
 
@@ -26,15 +26,7 @@ std::string line(bool ok, std::string_view text) {
 }  // namespace
 
 SetupCheck checkSetup(const std::optional<platform::observation::ObservationHealth>& observing) {
-    // The buses need an application object: the command line has none of
-    // its own, the desktop application checks inside its own.
-    int argc = 1;
-    char name[] = "lumenote-cli";
-    char* argv[] = {name, nullptr};
-    std::optional<QCoreApplication> application;
-    if (QCoreApplication::instance() == nullptr) {
-        application.emplace(argc, argv);
-    }
+    const ScopedApplication application;
     SetupCheck check;
 
     auto health = observing ? *observing : observeDesktopNow();
