@@ -6,7 +6,8 @@
 # with their identities (one named by a desktop entry), never an "Unknown
 # application" stretch, and never a window title. `lumenote-cli check`
 # names the backends that observe and, while the recorder runs, when it last
-# saw the application in front change.
+# saw the application in front change. A compositor that goes away ends the
+# recorder as a lost X display does: what it saw waits for recovery.
 #
 # Usage: wayland_recorder_test.sh BIN_DIR. Exit 77 (skipped) only when sway
 # is not installed.
@@ -83,3 +84,18 @@ assert order == wanted, order
 assert all(g["duration"] >= 1 for g in segments), segments
 CHECK
 ! grep -rqa "private title" "$HOME" || fail "a window title was stored"
+
+# ---- the compositor goes away: the recorder saves what it saw and exits ----
+timeout 150 "$cli" record --subject "Compositor lost" --open-ended \
+    >"$work/lost.out" 2>"$work/lost.err" &
+lost_job=$!
+background+=("$lost_job")
+poll_until "the second recorder" status_matches "Compositor lost"
+poll_until "2 seconds of the second recording" elapsed_at_least 2
+kill "$sway_job"
+recorder_gone() { ! kill -0 "$lost_job" 2>/dev/null; }
+poll_until "the recorder to leave after its compositor" recorder_gone
+grep -q "The connection to the display was lost" "$work/lost.err" "$work/lost.out" ||
+    fail "the recorder did not say that the compositor went away"
+[[ "$("$cli" recovery status)" == *"Lumenote found an unfinished session."* ]] ||
+    fail "the session without a compositor is not offered for recovery"

@@ -7,7 +7,8 @@
 # their socket by its absolute path.
 
 # start_sway: exports WAYLAND_DISPLAY (absolute), SWAYSOCK,
-# XDG_SESSION_TYPE=wayland and XDG_CURRENT_DESKTOP=sway, and unsets DISPLAY.
+# XDG_SESSION_TYPE=wayland and XDG_CURRENT_DESKTOP=sway, and unsets DISPLAY;
+# the compositor's job (its timeout) in $sway_job.
 start_sway() {
     as_compositor_user=()
     if [ "$(id -u)" -eq 0 ]; then
@@ -25,6 +26,7 @@ start_sway() {
     "${as_compositor_user[@]}" "${compositor_env[@]}" WLR_BACKENDS=headless \
         WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman timeout 600 sway -c "$work/sway.conf" \
         >"$work/sway.log" 2>&1 &
+    sway_job=$!
     background+=($!)
     poll_until "sway's sockets" sway_sockets_exist
     export SWAYSOCK WAYLAND_DISPLAY XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=sway
