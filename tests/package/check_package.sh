@@ -44,6 +44,7 @@ done
 # ---- contents
 dpkg-deb --contents "$deb" | awk '{print $6}' >"$work/contents"
 for file in ./usr/bin/lumenote ./usr/bin/lumenote-cli ./usr/libexec/lumenote/TallywiseBrowserHost \
+    ./usr/lib/lumenote/private/liblumenote-kde-idle.so.1 \
     ./usr/share/applications/com.tallywise.Lumenote.desktop \
     ./usr/share/metainfo/com.tallywise.Lumenote.metainfo.xml \
     ./usr/share/icons/hicolor/scalable/apps/com.tallywise.Lumenote.svg \
