@@ -15,6 +15,7 @@
 #include "ui/design/page_title.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/row.hpp"
+#include "ui/observation_report.hpp"
 
 namespace lumenote::ui {
 
@@ -293,13 +294,7 @@ void OnboardingDialog::showStep(OnboardingStep step) {
     // Space when the keyboard is on them.
     next_->setFocus();
     if (step == OnboardingStep::observation && services_.checkSetup) {
-        QString lines;
-        for (const models::ObservationLine& line :
-             models::observationLines(services_.checkSetup().report)) {
-            lines += (line.ok ? QStringLiteral("✓ ") : QStringLiteral("⚠ ")) +
-                     qt(line.text).toHtmlEscaped() + QStringLiteral("<br>");
-        }
-        observation_->setText(lines);
+        observation_->setText(observationReportHtml(services_.checkSetup().report));
     } else if (step == OnboardingStep::browsers) {
         refreshBrowsers();
     }

@@ -2,7 +2,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFontDatabase>
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -15,6 +14,7 @@
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
+#include "ui/observation_report.hpp"
 #include "ui/settings_number_field.hpp"
 #include "ui/settings_section_frame.hpp"
 
@@ -101,7 +101,7 @@ TrackingSettingsSection::TrackingSettingsSection(SettingsDependencies& dependenc
                          QStringLiteral("What this desktop lets Lumenote observe."), this);
     observed_ = new QLabel(desktop);
     observed_->setObjectName(QStringLiteral("observedReport"));
-    observed_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    observed_->setTextFormat(Qt::RichText);
     observed_->setWordWrap(true);
     observed_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     desktop->bodyLayout()->addWidget(observed_);
@@ -186,9 +186,9 @@ void TrackingSettingsSection::refresh() {
 }
 
 void TrackingSettingsSection::checkDesktop() {
-    observed_->setText(qt(dependencies_.observedOnThisDesktop
-                              ? dependencies_.observedOnThisDesktop()
-                              : runtime::checkSetup().report));
+    observed_->setText(observationReportHtml(dependencies_.observedOnThisDesktop
+                                                 ? dependencies_.observedOnThisDesktop()
+                                                 : runtime::checkSetup().report));
 }
 
 }  // namespace lumenote::ui

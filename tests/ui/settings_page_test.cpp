@@ -97,8 +97,12 @@ class SettingsPageTest : public ::testing::Test {
             .observedOnThisDesktop =
                 [] {
                     return std::string(
-                        "ok   frontmost application\n"
-                        "gap  idle time: no XScreenSaver");
+                        "gap  Lumenote cannot see which application is in front.\n"
+                        "ok   The time since your last input comes from GNOME's idle monitor.\n"
+                        "gap  On GNOME, Lumenote sees the application in front through its "
+                        "GNOME Shell extension, which is not running. Run \"lumenote-cli setup "
+                        "wayland\" to install and enable it, then log out and back in.\n"
+                        "ok   logind and the screen saver report sleep, locking and shutdown.");
                 },
             .nativeHost = nativeHost,
             .browserStatus =
@@ -460,8 +464,13 @@ TEST_F(SettingsPageTest, SwitchesAndChoicesWriteTheirPreferences) {
     QTest::keyClicks(subject, "  Organic chemistry ");
     QTest::keyClick(subject, Qt::Key_Return);
     EXPECT_EQ(preferences_.defaultSubject(), "Organic chemistry");
-    EXPECT_EQ(labelText("observedReport"),
-              "ok   frontmost application\ngap  idle time: no XScreenSaver");
+    // Each line of the desktop's check is marked: a gap with a warning sign.
+    const QString observed = labelText("observedReport");
+    EXPECT_TRUE(observed.contains(
+        QStringLiteral("⚠ Lumenote cannot see which application is in front.<br>")))
+        << observed.toStdString();
+    EXPECT_TRUE(observed.contains(QStringLiteral("✓ The time since your last input")))
+        << observed.toStdString();
 }
 
 TEST_F(SettingsPageTest, TemplatesAreAddedEditedAndDeletedThroughTheStore) {
