@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusServiceWatcher>
 #include <QDBusVirtualObject>
+#include <QTimer>
 
 #include <string_view>
 #include <utility>
@@ -145,6 +146,9 @@ Result<void, KWinScriptError> KWinScriptFrontmostApplicationSource::registerObse
 }
 
 void KWinScriptFrontmostApplicationSource::followKWin() {
+    reloadTimer_ = new QTimer(&context_);
+    reloadTimer_->setSingleShot(true);
+    QObject::connect(reloadTimer_, &QTimer::timeout, &context_, [this] { reload(); });
     watcher_ = new QDBusServiceWatcher(kKWinService, bus_, QDBusServiceWatcher::WatchForOwnerChange,
                                        &context_);
     QObject::connect(watcher_, &QDBusServiceWatcher::serviceOwnerChanged, &context_,
@@ -160,11 +164,21 @@ void KWinScriptFrontmostApplicationSource::followKWin() {
 
 void KWinScriptFrontmostApplicationSource::kwinAppeared(const QString& owner) {
     kwinOwner_ = owner;
+    reloadAttempts_ = 0;
+    reload();
+}
+
+void KWinScriptFrontmostApplicationSource::reload() {
     auto loaded = scripting_.loadAndRun(scriptPath_, QLatin1String(kScriptPluginName));
     reloadFailure_ = loaded ? std::nullopt : std::optional(loaded.error());
+    if (loaded || ++reloadAttempts_ >= kReloadAttempts) {
+        return;
+    }
+    reloadTimer_->start(std::chrono::milliseconds(250) * (1 << (reloadAttempts_ - 1)));
 }
 
 void KWinScriptFrontmostApplicationSource::kwinVanished() {
+    reloadTimer_->stop();
     kwinOwner_.clear();
     observing_ = false;
     frontmost_.reset();

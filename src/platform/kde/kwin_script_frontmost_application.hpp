@@ -22,6 +22,7 @@
 #include "recording/platform_services.hpp"
 
 class QDBusServiceWatcher;
+class QTimer;
 
 namespace lumenote::platform::kde {
 
@@ -37,7 +38,10 @@ class KWinObserverObject;
 //
 // org.kde.KWin is followed: when KWin goes away the source stops observing
 // and reports nothing in front; when it comes back (a KWin restart) the
-// script is loaded and run again. Samples read the latest report, with no
+// script is loaded and run again. A starting KWin takes its bus name before
+// it exports /Scripting, so a refused reload is tried again after 0.25 s,
+// then after twice the previous wait each time, up to kReloadAttempts tries
+// (about a minute in all). Samples read the latest report, with no
 // D-Bus call. Must live on a thread with a running Qt event loop (the main
 // thread); not thread-safe.
 class KWinScriptFrontmostApplicationSource final : public recording::FrontmostApplicationSource {
@@ -47,6 +51,7 @@ class KWinScriptFrontmostApplicationSource final : public recording::FrontmostAp
 
     // Bound on each blocking call to KWin, at most 250 ms by default.
     static constexpr std::chrono::milliseconds kDefaultCallTimeout{250};
+    static constexpr int kReloadAttempts = 9;
 
     // `scriptPath` is the file KWin loads (stageKWinScript()'s copy). Fails
     // with noSessionBus, observerNameTaken, observerNotExported,
@@ -77,8 +82,8 @@ class KWinScriptFrontmostApplicationSource final : public recording::FrontmostAp
     // (re)loaded.
     bool observing() const { return observing_; }
 
-    // Why the latest reload after a KWin restart failed; nullopt when it
-    // succeeded or none happened.
+    // Why the latest reload after a KWin restart failed (it may still be
+    // tried again); nullopt when it succeeded or none happened.
     std::optional<KWinScriptError> reloadFailure() const { return reloadFailure_; }
 
   private:
@@ -91,6 +96,7 @@ class KWinScriptFrontmostApplicationSource final : public recording::FrontmostAp
     void followKWin();
     void kwinAppeared(const QString& owner);
     void kwinVanished();
+    void reload();
     // Handles one call of the script; false when it was not taken.
     bool handle(const QString& sender, const QString& member, const QList<QVariant>& arguments);
     std::optional<recording::FrontmostApplication> resolve(const KWinWindow& window) const;
@@ -108,11 +114,13 @@ class KWinScriptFrontmostApplicationSource final : public recording::FrontmostAp
     bool nameOwned_ = false;
     bool objectRegistered_ = false;
     std::optional<KWinScriptError> reloadFailure_;
+    int reloadAttempts_ = 0;
     std::optional<recording::FrontmostApplication> frontmost_;
     std::function<void()> activationHandler_;
     std::unique_ptr<KWinObserverObject> object_;
     QObject context_;
     QDBusServiceWatcher* watcher_ = nullptr;  // owned by context_
+    QTimer* reloadTimer_ = nullptr;           // owned by context_
 };
 
 }  // namespace lumenote::platform::kde

@@ -139,6 +139,9 @@ def main():
     parser.add_argument("--idle-ms", type=int, default=None,
                         help="own org.freedesktop.ScreenSaver; negative: answer NotSupported")
     parser.add_argument("--no-kwin", action="store_true", help="only the screen saver")
+    parser.add_argument("--scripting-after-ms", type=int, default=0,
+                        help="own org.kde.KWin at once but export /Scripting this much later,"
+                             " as a starting KWin does")
     options = parser.parse_args()
 
     dbus.mainloop.glib.DBusGMainLoop(set_as_default=True)
@@ -148,11 +151,18 @@ def main():
         keep.append(ScreenSaver(bus, options.idle_ms))
         keep.append(dbus.service.BusName("org.freedesktop.ScreenSaver", bus, do_not_queue=True))
     if not options.no_kwin:
-        scripting = Scripting(bus, options)
-        # The control object shares the scripting object's state.
-        scripting.add_to_connection(bus, "/Control")
-        keep.append(scripting)
+        def export():
+            scripting = Scripting(bus, options)
+            # The control object shares the scripting object's state.
+            scripting.add_to_connection(bus, "/Control")
+            keep.append(scripting)
+            return False
+
         keep.append(dbus.service.BusName("org.kde.KWin", bus, do_not_queue=True))
+        if options.scripting_after_ms > 0:
+            GLib.timeout_add(options.scripting_after_ms, export)
+        else:
+            export()
     GLib.MainLoop().run()
     del keep
 

@@ -214,6 +214,18 @@ TEST_F(KWinScriptObserver, FollowsKWinAwayAndBackAndRunsTheScriptAgain) {
     }));
 }
 
+TEST_F(KWinScriptObserver, AKWinThatExportsItsScriptingLateIsTriedAgain) {
+    auto* kwin = startKWin();
+    auto source = openObserving();
+    ASSERT_NE(source, nullptr);
+    bus_.stop(kwin);
+    ASSERT_TRUE(waitUntil([&] { return !source->observing(); }));
+    startKWin({QStringLiteral("--scripting-after-ms"), QStringLiteral("400")});
+    ASSERT_TRUE(waitUntil([&] { return source->observing(); }));
+    EXPECT_EQ(source->reloadFailure(), std::nullopt);
+    EXPECT_EQ(bus_.calls(), expectedLoad(QStringLiteral("/Scripting/Script0")));
+}
+
 TEST_F(KWinScriptObserver, AKWinThatComesBackRefusingTheScriptIsReported) {
     auto* kwin = startKWin();
     auto source = openObserving();
