@@ -6,8 +6,7 @@ import { readFileSync } from "node:fs";
 import { test } from "node:test";
 import vm from "node:vm";
 
-const scriptPath = process.env.LUMENOTE_KWIN_SCRIPT ??
-  new URL("../../../data/kwin/lumenote-activation.js", import.meta.url).pathname;
+const scriptPath = new URL("../../../data/kwin/lumenote-activation.js", import.meta.url).pathname;
 const source = readFileSync(scriptPath, "utf8");
 
 const OBSERVER = [
