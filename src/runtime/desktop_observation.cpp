@@ -4,6 +4,10 @@
 #include <string>
 #include <utility>
 
+#include "bridge/native_host_registration.hpp"
+#include "platform/kde/kde_screensaver_idle_time.hpp"
+#include "platform/kde/kwin_script_file.hpp"
+#include "platform/kde/kwin_script_frontmost_application.hpp"
 #include "platform/linux/desktop_entries.hpp"
 #include "platform/linux/x11_frontmost_application.hpp"
 #include "platform/linux/x11_idle_time.hpp"
@@ -19,6 +23,7 @@ namespace lumenote::runtime {
 namespace observation = platform::observation;
 namespace linux_desktop = platform::linux_desktop;
 namespace wayland = platform::wayland;
+namespace kde = platform::kde;
 
 struct DesktopObservation::Parts {
     explicit Parts(recording::WallClock& clock) : wallClock(clock) {}
@@ -33,6 +38,8 @@ struct DesktopObservation::Parts {
     std::shared_ptr<wayland::WaylandConnection> waylandConnection;
     std::unique_ptr<wayland::WlrFrontmostApplicationSource> wlroots;
     std::unique_ptr<wayland::WaylandIdleTimeProvider> waylandIdle;
+    std::unique_ptr<kde::KWinScriptFrontmostApplicationSource> kwin;
+    std::unique_ptr<kde::KdeScreenSaverIdleTimeProvider> kdeScreenSaver;
     observation::FrontmostBackend frontmostBackend = observation::FrontmostBackend::none;
     observation::IdleBackend idleBackend = observation::IdleBackend::none;
     recording::FrontmostApplicationSource* frontmost = &noFrontmost;
@@ -44,6 +51,10 @@ struct DesktopObservation::Parts {
     void openFrontmost(const Dependencies& dependencies);
     void openIdle(const Dependencies& dependencies);
     bool processBackendEvents();
+    // What a backend that reports over D-Bus calls on each change.
+    void announceActivation();
+    Result<std::unique_ptr<kde::KWinScriptFrontmostApplicationSource>, kde::KWinScriptError>
+    openKWinScript(const Dependencies& dependencies);
 };
 
 namespace {
@@ -95,8 +106,18 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
             frontmost = wlroots.get();
             break;
         }
+        case observation::FrontmostBackend::kwinScript: {
+            auto opened = openKWinScript(dependencies);
+            if (!opened) {
+                openFailures.push_back(openFailure(describe(opened.error())));
+                return;
+            }
+            kwin = std::move(opened).value();
+            kwin->setActivationHandler([this] { announceActivation(); });
+            frontmost = kwin.get();
+            break;
+        }
         case observation::FrontmostBackend::gnomeShellExtension:
-        case observation::FrontmostBackend::kwinScript:
         case observation::FrontmostBackend::none:
             return;
     }
@@ -131,11 +152,49 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
             idle = waylandIdle.get();
             break;
         }
+        case observation::IdleBackend::kdeScreenSaver:
+            kdeScreenSaver =
+                std::make_unique<kde::KdeScreenSaverIdleTimeProvider>(dependencies.sessionBus);
+            if (!kdeScreenSaver->available()) {
+                openFailures.push_back(
+                    "KDE's screen locker does not report the time since your last input, so "
+                    "Lumenote cannot tell when you step away.");
+                return;
+            }
+            idle = kdeScreenSaver.get();
+            break;
         case observation::IdleBackend::gnomeIdleMonitor:
         case observation::IdleBackend::none:
             return;
     }
     idleBackend = choice.idle;
+}
+
+Result<std::unique_ptr<kde::KWinScriptFrontmostApplicationSource>, kde::KWinScriptError>
+DesktopObservation::Parts::openKWinScript(const Dependencies& dependencies) {
+    // KWin reads the script from a file of its choosing: a private copy in
+    // the runtime folder, so that an upgrade never swaps it mid-session.
+    const auto shipped = kde::shippedKWinScript(bridge::runningExecutableFolder());
+    const char* runtimeFolder = dependencies.environment("XDG_RUNTIME_DIR");
+    if (!shipped || runtimeFolder == nullptr || *runtimeFolder == '\0') {
+        return fail(kde::KWinScriptError::scriptNotFound);
+    }
+    auto staged = kde::stageKWinScript(*shipped, runtimeFolder);
+    if (!staged) {
+        return fail(staged.error());
+    }
+    return kde::KWinScriptFrontmostApplicationSource::open(
+        dependencies.sessionBus,
+        linux_desktop::DesktopEntryIndex::load(
+            linux_desktop::applicationFolders(dependencies.environment)),
+        QString::fromStdString(staged->string()));
+}
+
+void DesktopObservation::Parts::announceActivation() {
+    activationPending = true;
+    if (activationHandler) {
+        activationHandler();
+    }
 }
 
 bool DesktopObservation::Parts::processBackendEvents() {
@@ -237,8 +296,13 @@ observation::ObservationHealth DesktopObservation::health() const {
     health.frontmost = parts_->frontmostBackend;
     health.idle = parts_->idleBackend;
     health.openFailures = parts_->openFailures;
-    health.frontmostReporting =
-        parts_->frontmostBackend != observation::FrontmostBackend::none && !displayLost();
+    if (parts_->kwin) {
+        if (const auto failure = parts_->kwin->reloadFailure()) {
+            health.openFailures.emplace_back(describe(*failure));
+        }
+    }
+    health.frontmostReporting = parts_->frontmostBackend != observation::FrontmostBackend::none &&
+                                !displayLost() && (!parts_->kwin || parts_->kwin->observing());
     health.lastActivation = parts_->lastActivation;
     return health;
 }

@@ -83,6 +83,11 @@ IdleBackend waylandIdle(const SessionFacts& facts, Desktop desktop,
         contains(facts.sessionBusNames, "org.gnome.Mutter.IdleMonitor")) {
         return IdleBackend::gnomeIdleMonitor;
     }
+    // The screen locker's count: the older way, which a Plasma session
+    // without either idle protocol may still answer.
+    if (desktop == Desktop::kde && contains(facts.sessionBusNames, "org.freedesktop.ScreenSaver")) {
+        return IdleBackend::kdeScreenSaver;
+    }
     missing.push_back(MissingPiece::idleProtocolUnavailable);
     return IdleBackend::none;
 }
@@ -115,6 +120,8 @@ std::string_view backendName(IdleBackend backend) {
             return "kdeIdle";
         case IdleBackend::gnomeIdleMonitor:
             return "gnomeIdleMonitor";
+        case IdleBackend::kdeScreenSaver:
+            return "kdeScreenSaver";
         case IdleBackend::none:
             return "none";
     }

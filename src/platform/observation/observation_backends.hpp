@@ -28,6 +28,7 @@
 // | Wayland, any desktop     | ext_idle_notifier_v1 and wl_seat globals  | extIdleNotify         |
 // | Wayland, any desktop     | org_kde_kwin_idle and wl_seat globals     | kdeIdle               |
 // | Wayland, GNOME           | org.gnome.Mutter.IdleMonitor on the bus   | gnomeIdleMonitor      |
+// | Wayland, KDE             | org.freedesktop.ScreenSaver on the bus    | kdeScreenSaver        |
 // | Wayland, any desktop     | otherwise                                 | idleProtocol-         |
 // |                          |                                           |   Unavailable         |
 // | XDG_SESSION_TYPE=wayland | DISPLAY only (seen through Xwayland)      | waylandDisplayUnset   |
@@ -54,7 +55,14 @@ namespace lumenote::platform::observation {
 
 enum class FrontmostBackend { x11, wlrootsForeignToplevel, gnomeShellExtension, kwinScript, none };
 
-enum class IdleBackend { x11ScreenSaver, extIdleNotify, kdeIdle, gnomeIdleMonitor, none };
+enum class IdleBackend {
+    x11ScreenSaver,
+    extIdleNotify,
+    kdeIdle,
+    gnomeIdleMonitor,
+    kdeScreenSaver,
+    none
+};
 
 // The enumeration case's name, for diagnostics ("wlrootsForeignToplevel").
 std::string_view backendName(FrontmostBackend backend);

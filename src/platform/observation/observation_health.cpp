@@ -66,6 +66,8 @@ std::string_view displayName(IdleBackend backend) {
             return "KDE's idle protocol";
         case IdleBackend::gnomeIdleMonitor:
             return "GNOME's idle monitor";
+        case IdleBackend::kdeScreenSaver:
+            return "KDE's screen locker";
         case IdleBackend::none:
             return "nothing";
     }
