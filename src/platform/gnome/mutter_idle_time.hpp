@@ -17,10 +17,11 @@ inline constexpr std::chrono::milliseconds kIdleMonitorCallTimeout{250};
 // /org/gnome/Mutter/IdleMonitor/Core for GetIdletime, which counts the
 // milliseconds since the last input of any device: readings have millisecond
 // resolution and are exact at the moment of the call. One call per reading
-// costs one round trip (about a tenth of a millisecond) and keeps no state;
-// a cache fed by idle and user-active watches would need a clock to
-// extrapolate between its events and lose resolution to the watch interval,
-// for a saving of one small call a second.
+// keeps no state and costs one round trip through the shell (about 0.25 ms
+// of wall time and 0.07 ms of CPU time in the end-to-end test); a cache fed
+// by idle and user-active watches would need a clock to extrapolate between
+// their events and would lose resolution to the watch interval, to save one
+// small call a second.
 //
 // When the monitor does not answer (absent, too slow, a reply of another
 // type) a reading is 0: a missing idle source must never turn study into time
