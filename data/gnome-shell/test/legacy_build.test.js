@@ -1,4 +1,5 @@
 import assert from "node:assert/strict";
+import { spawnSync } from "node:child_process";
 import { readFileSync } from "node:fs";
 import path from "node:path";
 import { test } from "node:test";
@@ -56,5 +57,16 @@ test("each format's metadata names the shell versions that load it", { skip: !bu
     const entry = readFileSync(path.join(built, format, uuid, "extension.js"), "utf8");
     assert.equal(/^export default class/m.test(entry), format === "modules", format);
     assert.equal(/^function init\(\)/m.test(entry), format === "legacy", format);
+  }
+});
+
+test("each format's files parse as what their shell loads them as", { skip: !built }, () => {
+  // GNOME Shell 45 and later import ES modules; 43 and 44 run scripts.
+  for (const file of ["extension.js", "focus_report.js", "focus_service.js"]) {
+    const source = readFileSync(path.join(built, "modules", uuid, file), "utf8");
+    const check = spawnSync(process.execPath, ["--input-type=module", "--check"], { input: source });
+    assert.equal(check.status, 0, `modules/${file}: ${check.stderr}`);
+    assert.doesNotThrow(() => new vm.Script(readFileSync(path.join(built, "legacy", uuid, file), "utf8")),
+      `legacy/${file}`);
   }
 });
