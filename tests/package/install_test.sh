@@ -31,6 +31,10 @@ expected=(
     share/lumenote/extension/chromium/manifest.json
     share/lumenote/extension/lumenote-chromium.zip
     share/lumenote/extension/lumenote-firefox.xpi
+    share/lumenote/gnome-shell/legacy/lumenote@tallywise.com/metadata.json
+    share/lumenote/gnome-shell/legacy/lumenote@tallywise.com/extension.js
+    share/lumenote/gnome-shell/modules/lumenote@tallywise.com/metadata.json
+    share/lumenote/gnome-shell/modules/lumenote@tallywise.com/extension.js
     share/applications/com.tallywise.Lumenote.desktop
     share/metainfo/com.tallywise.Lumenote.metainfo.xml
     share/icons/hicolor/scalable/apps/com.tallywise.Lumenote.svg
