@@ -40,6 +40,9 @@ void installBrowserCommands(CLI::App& app, CliContext& context);
 // `setup-test [--report]`: every setup check, the recommended action, the report.
 void installSetupTestCommand(CLI::App& app, CliContext& context);
 
+// `setup wayland`: the GNOME Shell extension, or what else this desktop needs.
+void installSetupCommands(CLI::App& app, CliContext& context);
+
 // `extension path`: where the built extension packages are.
 void installExtensionCommands(CLI::App& app, CliContext& context);
 

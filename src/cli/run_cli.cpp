@@ -16,12 +16,13 @@ void buildCommandLine(CLI::App& app, CliContext& context) {
     app.set_version_flag("--version", versionLine());
     app.require_subcommand(0, 1);
     app.fallthrough(false);
-    for (auto install : {installRecordCommands, installPathsCommand, installPrefsCommands,
-                         installTemplatesCommands, installSessionCommands, installExportCommand,
-                         installReceiptCommand, installBackupCommands, installRulesCommands,
-                         installReviewCommands, installRecoveryCommands, installWeekCommands,
-                         installBrowserCommands, installExtensionCommands, installSetupTestCommand,
-                         installReportCommand, installUpdateCommands, installHelpCommand}) {
+    for (auto install :
+         {installRecordCommands, installPathsCommand, installPrefsCommands,
+          installTemplatesCommands, installSessionCommands, installExportCommand,
+          installReceiptCommand, installBackupCommands, installRulesCommands, installReviewCommands,
+          installRecoveryCommands, installWeekCommands, installBrowserCommands,
+          installExtensionCommands, installSetupTestCommand, installSetupCommands,
+          installReportCommand, installUpdateCommands, installHelpCommand}) {
         install(app, context);
     }
 }

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "bridge/native_host_registration.hpp"
+#include "platform/gnome/gnome_shell_frontmost_application.hpp"
+#include "platform/gnome/mutter_idle_time.hpp"
 #include "platform/kde/kde_screensaver_idle_time.hpp"
 #include "platform/kde/kwin_script_file.hpp"
 #include "platform/kde/kwin_script_frontmost_application.hpp"
@@ -24,6 +26,7 @@ namespace observation = platform::observation;
 namespace linux_desktop = platform::linux_desktop;
 namespace wayland = platform::wayland;
 namespace kde = platform::kde;
+namespace gnome = platform::gnome;
 
 struct DesktopObservation::Parts {
     explicit Parts(recording::WallClock& clock) : wallClock(clock) {}
@@ -40,6 +43,8 @@ struct DesktopObservation::Parts {
     std::unique_ptr<wayland::WaylandIdleTimeProvider> waylandIdle;
     std::unique_ptr<kde::KWinScriptFrontmostApplicationSource> kwin;
     std::unique_ptr<kde::KdeScreenSaverIdleTimeProvider> kdeScreenSaver;
+    std::unique_ptr<gnome::GnomeShellFrontmostApplicationSource> gnomeShell;
+    std::unique_ptr<gnome::MutterIdleTimeProvider> mutterIdle;
     observation::FrontmostBackend frontmostBackend = observation::FrontmostBackend::none;
     observation::IdleBackend idleBackend = observation::IdleBackend::none;
     recording::FrontmostApplicationSource* frontmost = &noFrontmost;
@@ -117,7 +122,23 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
             frontmost = kwin.get();
             break;
         }
-        case observation::FrontmostBackend::gnomeShellExtension:
+        case observation::FrontmostBackend::gnomeShellExtension: {
+            auto opened = gnome::GnomeShellFrontmostApplicationSource::open(
+                dependencies.sessionBus,
+                linux_desktop::DesktopEntryIndex::load(
+                    linux_desktop::applicationFolders(dependencies.environment)),
+                [](std::uint32_t processID) {
+                    return linux_desktop::readProcessName(static_cast<long>(processID));
+                });
+            if (!opened) {
+                openFailures.push_back(openFailure(describe(opened.error())));
+                return;
+            }
+            gnomeShell = std::move(opened).value();
+            gnomeShell->setActivationHandler([this] { announceActivation(); });
+            frontmost = gnomeShell.get();
+            break;
+        }
         case observation::FrontmostBackend::none:
             return;
     }
@@ -164,6 +185,15 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
             idle = kdeScreenSaver.get();
             break;
         case observation::IdleBackend::gnomeIdleMonitor:
+            mutterIdle = std::make_unique<gnome::MutterIdleTimeProvider>(dependencies.sessionBus);
+            if (!mutterIdle->available()) {
+                openFailures.push_back(
+                    "GNOME's idle monitor does not answer, so Lumenote cannot tell when you step "
+                    "away.");
+                return;
+            }
+            idle = mutterIdle.get();
+            break;
         case observation::IdleBackend::none:
             return;
     }
@@ -302,7 +332,8 @@ observation::ObservationHealth DesktopObservation::health() const {
         }
     }
     health.frontmostReporting = parts_->frontmostBackend != observation::FrontmostBackend::none &&
-                                !displayLost() && (!parts_->kwin || parts_->kwin->observing());
+                                !displayLost() && (!parts_->kwin || parts_->kwin->observing()) &&
+                                (!parts_->gnomeShell || parts_->gnomeShell->observing());
     health.lastActivation = parts_->lastActivation;
     return health;
 }

@@ -143,8 +143,8 @@ std::string_view describe(MissingPiece piece) {
                    "front.";
         case MissingPiece::gnomeShellExtensionNotRunning:
             return "On GNOME, Lumenote sees the application in front through its GNOME Shell "
-                   "extension, which is not running. Install and enable the extension, then log "
-                   "out and back in.";
+                   "extension, which is not running. Run \"lumenote-cli setup wayland\" (or the "
+                   "setup assistant) to install and enable it, then log out and back in.";
         case MissingPiece::kwinNotOnSessionBus:
             return "KWin does not answer on the session bus, so Lumenote cannot load its KWin "
                    "script to see the application in front.";
