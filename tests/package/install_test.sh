@@ -35,6 +35,8 @@ expected=(
     share/lumenote/gnome-shell/legacy/lumenote@tallywise.com/extension.js
     share/lumenote/gnome-shell/modules/lumenote@tallywise.com/metadata.json
     share/lumenote/gnome-shell/modules/lumenote@tallywise.com/extension.js
+    share/lumenote/kwin/lumenote-activation.js
+    lib/lumenote/private/liblumenote-kde-idle.so.1
     share/applications/com.tallywise.Lumenote.desktop
     share/metainfo/com.tallywise.Lumenote.metainfo.xml
     share/icons/hicolor/scalable/apps/com.tallywise.Lumenote.svg
@@ -54,6 +56,9 @@ done
 for program in bin/lumenote bin/lumenote-cli libexec/lumenote/TallywiseBrowserHost; do
     [[ -x "$prefix/$program" ]] || fail "not executable: $program"
 done
+# The installed programs find Lumenote's private library through their RUNPATH.
+env -u LD_LIBRARY_PATH ldd "$prefix/bin/lumenote-cli" | grep -qF "$prefix/bin/../lib/lumenote/private/liblumenote-kde-idle.so.1" ||
+    fail "lumenote-cli does not find its private library: $(ldd "$prefix/bin/lumenote-cli" | grep lumenote)"
 
 # Each PNG is the size its folder names.
 python3 - "$prefix/share/icons/hicolor" <<'CHECK' || fail "an icon has the wrong size"
