@@ -79,6 +79,9 @@ USER_ENV=(env -i PATH=/usr/bin:/bin "HOME=$WORK/home" "XDG_RUNTIME_DIR=$RUNTIME"
 cat >"$WORK/sway.conf" <<'EOF'
 # The test's compositor: no bar, no Xwayland, no background program.
 xwayland disable
+# A small output: each buffer of the compositor and its clients lives in
+# /dev/shm, which is only 64 MiB in a container.
+output * mode --custom 640x480@60Hz
 EOF
 
 "${AS_USER[@]}" "${USER_ENV[@]}" WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 \
