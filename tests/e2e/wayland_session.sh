@@ -22,8 +22,7 @@ start_sway() {
     fi
     compositor_env=(env -i PATH=/usr/bin:/bin "HOME=$work/sway-home"
         "XDG_RUNTIME_DIR=$sway_runtime")
-    # A small output: each buffer of the compositor and its clients lives in
-    # /dev/shm, which is only 64 MiB in a container.
+    # A small output: the compositor's and its clients' buffers stay small.
     printf '%s\n' 'xwayland disable' 'output * mode --custom 640x480@60Hz' >"$work/sway.conf"
     "${as_compositor_user[@]}" "${compositor_env[@]}" WLR_BACKENDS=headless \
         WLR_LIBINPUT_NO_DEVICES=1 WLR_RENDERER=pixman timeout 600 sway -c "$work/sway.conf" \
