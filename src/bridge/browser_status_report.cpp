@@ -79,13 +79,6 @@ std::string extensionText(const BrowserExtensionStatus& status) {
     return text;
 }
 
-// "2026-11-25 10:04:12" in the calendar's zone.
-std::string localTime(Date date, const LocalCalendar& calendar) {
-    std::string text = calendar.formatIso8601(date).substr(0, 19);
-    text[10] = ' ';
-    return text;
-}
-
 }  // namespace
 
 std::vector<BrowserStatusRow> browserStatusRows(const BrowserStatusSources& sources) {
@@ -127,11 +120,11 @@ std::string browserStatusText(const BrowserStatusRow& row, const LocalCalendar& 
     text += "  Native host:  " + registrationText(row.registration) + "\n";
     text += "  Extension:    " + extensionText(row.extension) + "\n";
     if (row.extension.lastResponseReceived) {
-        text +=
-            "  Last heard:   " + localTime(*row.extension.lastResponseReceived, calendar) + "\n";
+        text += "  Last heard:   " + calendar.formatDateTime(*row.extension.lastResponseReceived) +
+                "\n";
     }
     if (status.lastEvent) {
-        text += "  Last event:   " + localTime(*status.lastEvent, calendar) + " (" +
+        text += "  Last event:   " + calendar.formatDateTime(*status.lastEvent) + " (" +
                 std::string(displayText(status.lastResource)) + ")\n";
     }
     text += "  Connection:   " +

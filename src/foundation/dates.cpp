@@ -347,5 +347,11 @@ std::string LocalCalendar::formatIso8601(Date date, bool fractionalSeconds) cons
     return lumenote::formatIso8601(date, {fractionalSeconds, utcOffsetSeconds(date)});
 }
 
+std::string LocalCalendar::formatDateTime(Date date) const {
+    std::string text = formatIso8601(date).substr(0, 19);
+    text[10] = ' ';
+    return text;
+}
+
 }  // namespace foundation
 }  // namespace lumenote

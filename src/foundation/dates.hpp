@@ -98,6 +98,8 @@ class LocalCalendar {
     unsigned weekday(Date date) const;
     // ISO 8601 with the local offset, e.g. "2026-11-16T09:00:00+01:00".
     std::string formatIso8601(Date date, bool fractionalSeconds = false) const;
+    // Local "2026-11-25 10:04:12", as reports and checks show a moment.
+    std::string formatDateTime(Date date) const;
 
   private:
     explicit LocalCalendar(const date::time_zone* zone) : zone_(zone) {}

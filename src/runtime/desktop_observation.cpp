@@ -79,6 +79,14 @@ std::vector<std::string> sessionBusNames(const QDBusConnection& bus) {
     return names;
 }
 
+// The desktop entries the backends name applications by, read when a backend
+// that needs them opens.
+linux_desktop::DesktopEntryIndex desktopEntries(
+    const DesktopObservation::Dependencies& dependencies) {
+    return linux_desktop::DesktopEntryIndex::load(
+        linux_desktop::applicationFolders(dependencies.environment));
+}
+
 std::string openFailure(std::string_view reason) {
     return std::string(reason) + " Recording goes on, with the application in front unknown.";
 }
@@ -100,9 +108,7 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
         }
         case observation::FrontmostBackend::wlrootsForeignToplevel: {
             auto opened = wayland::WlrFrontmostApplicationSource::open(
-                waylandConnection,
-                linux_desktop::DesktopEntryIndex::load(
-                    linux_desktop::applicationFolders(dependencies.environment)));
+                waylandConnection, desktopEntries(dependencies));
             if (!opened) {
                 openFailures.push_back(openFailure(describe(opened.error())));
                 return;
@@ -124,10 +130,7 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
         }
         case observation::FrontmostBackend::gnomeShellExtension: {
             auto opened = gnome::GnomeShellFrontmostApplicationSource::open(
-                dependencies.sessionBus,
-                linux_desktop::DesktopEntryIndex::load(
-                    linux_desktop::applicationFolders(dependencies.environment)),
-                [](std::uint32_t processID) {
+                dependencies.sessionBus, desktopEntries(dependencies), [](std::uint32_t processID) {
                     return linux_desktop::readProcessName(static_cast<long>(processID));
                 });
             if (!opened) {
@@ -214,9 +217,7 @@ DesktopObservation::Parts::openKWinScript(const Dependencies& dependencies) {
         return fail(staged.error());
     }
     return kde::KWinScriptFrontmostApplicationSource::open(
-        dependencies.sessionBus,
-        linux_desktop::DesktopEntryIndex::load(
-            linux_desktop::applicationFolders(dependencies.environment)),
+        dependencies.sessionBus, desktopEntries(dependencies),
         QString::fromStdString(staged->string()));
 }
 

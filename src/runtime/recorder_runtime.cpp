@@ -206,7 +206,8 @@ std::string RecorderRuntime::CommandAnswers::browserStatus() {
 RecorderStatus RecorderRuntime::status() {
     recording::SessionManager& recorder = manager();
     RecorderStatus status;
-    status.lastActivation = services_.desktop().health().lastActivation;
+    const platform::observation::ObservationHealth observing = services_.desktop().health();
+    status.lastActivation = observing.lastActivation;
     const auto& session = recorder.activeSession();
     if (!session) {
         return status;
@@ -223,8 +224,7 @@ RecorderStatus RecorderRuntime::status() {
     status.studyState = recorder.liveStudyState();
     status.asleep = recorder.isSleeping();
     status.browserWarning = services_.browserWarning();
-    status.observationWarning =
-        platform::observation::frontmostWarning(services_.desktop().health());
+    status.observationWarning = platform::observation::frontmostWarning(observing);
     return status;
 }
 

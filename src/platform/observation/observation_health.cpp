@@ -4,13 +4,6 @@ namespace lumenote::platform::observation {
 
 namespace {
 
-// "2026-11-25 10:04:12" in the calendar's zone.
-std::string localTime(Date date, const LocalCalendar& calendar) {
-    std::string text = calendar.formatIso8601(date).substr(0, 19);
-    text[10] = ' ';
-    return text;
-}
-
 bool reliesOnDesktopHelper(FrontmostBackend backend) {
     return backend == FrontmostBackend::gnomeShellExtension ||
            backend == FrontmostBackend::kwinScript;
@@ -85,7 +78,7 @@ std::vector<HealthLine> healthLines(const ObservationHealth& health,
     lines.push_back({health.idle != IdleBackend::none, idleLine(health.idle)});
     if (health.lastActivation) {
         lines.push_back({true, "The application in front last changed at " +
-                                   localTime(*health.lastActivation, calendar) + "."});
+                                   calendar.formatDateTime(*health.lastActivation) + "."});
     }
     for (const MissingPiece piece : health.choice.missing) {
         lines.push_back({false, std::string(describe(piece))});
