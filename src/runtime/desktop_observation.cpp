@@ -1,6 +1,8 @@
 #include "runtime/desktop_observation.hpp"
 
 #include <QDBusConnectionInterface>
+#include <QDBusServiceWatcher>
+#include <QTimer>
 #include <string>
 #include <utility>
 
@@ -29,11 +31,25 @@ namespace kde = platform::kde;
 namespace gnome = platform::gnome;
 
 struct DesktopObservation::Parts {
-    explicit Parts(recording::WallClock& clock) : wallClock(clock) {}
+    explicit Parts(const Dependencies& dependencies)
+        : environment(dependencies.environment),
+          sessionBus(dependencies.sessionBus),
+          monotonicClock(dependencies.monotonicClock),
+          wallClock(dependencies.wallClock) {}
 
+    // Kept for the backends that open after start-up.
+    EnvironmentLookup environment;
+    QDBusConnection sessionBus;
+    recording::MonotonicTimeProvider& monotonicClock;
     recording::WallClock& wallClock;
+
+    observation::SessionFacts facts;
     observation::ObservationChoice choice;
-    std::vector<std::string> openFailures;
+    // Why the display connection, the frontmost backend and the idle backend
+    // could not be opened.
+    std::optional<std::string> connectionFailure;
+    std::optional<std::string> frontmostFailure;
+    std::optional<std::string> idleFailure;
     platform::system::NoFrontmostApplication noFrontmost;
     platform::system::NoIdleTime noIdle;
     std::unique_ptr<linux_desktop::X11FrontmostApplicationSource> x11;
@@ -52,14 +68,27 @@ struct DesktopObservation::Parts {
     std::function<void()> activationHandler;
     bool activationPending = false;
     std::optional<Date> lastActivation;
+    // Late opening: the watcher and the retry timer live in `context`.
+    QObject context;
+    QTimer* retryTimer = nullptr;
+    int retryAttempts = 0;
 
-    void openFrontmost(const Dependencies& dependencies);
-    void openIdle(const Dependencies& dependencies);
+    void choose();
+    void openFrontmost();
+    void openIdle();
+    // Watches the bus names the choice reads and tries a failed bus backend
+    // again, while something that could be observed is not.
+    void followLateBackends();
+    // Makes the choice again with the bus's names now and opens what it
+    // offers in place of a backend that is none.
+    void reconsider();
+    void scheduleRetry();
     bool processBackendEvents();
     // What a backend that reports over D-Bus calls on each change.
     void announceActivation();
     Result<std::unique_ptr<kde::KWinScriptFrontmostApplicationSource>, kde::KWinScriptError>
-    openKWinScript(const Dependencies& dependencies);
+    openKWinScript();
+    linux_desktop::DesktopEntryIndex desktopEntries() const;
 };
 
 namespace {
@@ -79,27 +108,19 @@ std::vector<std::string> sessionBusNames(const QDBusConnection& bus) {
     return names;
 }
 
-// The desktop entries the backends name applications by, read when a backend
-// that needs them opens.
-linux_desktop::DesktopEntryIndex desktopEntries(
-    const DesktopObservation::Dependencies& dependencies) {
-    return linux_desktop::DesktopEntryIndex::load(
-        linux_desktop::applicationFolders(dependencies.environment));
-}
-
 std::string openFailure(std::string_view reason) {
     return std::string(reason) + " Recording goes on, with the application in front unknown.";
 }
 
 }  // namespace
 
-void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) {
+void DesktopObservation::Parts::openFrontmost() {
+    frontmostFailure.reset();
     switch (choice.frontmost) {
         case observation::FrontmostBackend::x11: {
-            auto opened =
-                linux_desktop::X11FrontmostApplicationSource::open(dependencies.environment);
+            auto opened = linux_desktop::X11FrontmostApplicationSource::open(environment);
             if (!opened) {
-                openFailures.push_back(openFailure(describe(opened.error())));
+                frontmostFailure = openFailure(describe(opened.error()));
                 return;
             }
             x11 = std::move(opened).value();
@@ -107,10 +128,10 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
             break;
         }
         case observation::FrontmostBackend::wlrootsForeignToplevel: {
-            auto opened = wayland::WlrFrontmostApplicationSource::open(
-                waylandConnection, desktopEntries(dependencies));
+            auto opened =
+                wayland::WlrFrontmostApplicationSource::open(waylandConnection, desktopEntries());
             if (!opened) {
-                openFailures.push_back(openFailure(describe(opened.error())));
+                frontmostFailure = openFailure(describe(opened.error()));
                 return;
             }
             wlroots = std::move(opened).value();
@@ -118,9 +139,9 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
             break;
         }
         case observation::FrontmostBackend::kwinScript: {
-            auto opened = openKWinScript(dependencies);
+            auto opened = openKWinScript();
             if (!opened) {
-                openFailures.push_back(openFailure(describe(opened.error())));
+                frontmostFailure = openFailure(describe(opened.error()));
                 return;
             }
             kwin = std::move(opened).value();
@@ -130,11 +151,11 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
         }
         case observation::FrontmostBackend::gnomeShellExtension: {
             auto opened = gnome::GnomeShellFrontmostApplicationSource::open(
-                dependencies.sessionBus, desktopEntries(dependencies), [](std::uint32_t processID) {
+                sessionBus, desktopEntries(), [](std::uint32_t processID) {
                     return linux_desktop::readProcessName(static_cast<long>(processID));
                 });
             if (!opened) {
-                openFailures.push_back(openFailure(describe(opened.error())));
+                frontmostFailure = openFailure(describe(opened.error()));
                 return;
             }
             gnomeShell = std::move(opened).value();
@@ -148,7 +169,8 @@ void DesktopObservation::Parts::openFrontmost(const Dependencies& dependencies) 
     frontmostBackend = choice.frontmost;
 }
 
-void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
+void DesktopObservation::Parts::openIdle() {
+    idleFailure.reset();
     switch (choice.idle) {
         case observation::IdleBackend::x11ScreenSaver:
             if (!x11) {
@@ -157,7 +179,7 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
             x11Idle =
                 std::make_unique<linux_desktop::XScreenSaverIdleTimeProvider>(x11->connection());
             if (!x11Idle->extensionAvailable()) {
-                openFailures.push_back(
+                idleFailure = std::string(
                     "The X server has no screen saver extension, so time without input cannot be "
                     "noticed.");
                 return;
@@ -166,10 +188,9 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
             break;
         case observation::IdleBackend::extIdleNotify:
         case observation::IdleBackend::kdeIdle: {
-            auto opened = wayland::WaylandIdleTimeProvider::open(waylandConnection,
-                                                                 dependencies.monotonicClock);
+            auto opened = wayland::WaylandIdleTimeProvider::open(waylandConnection, monotonicClock);
             if (!opened) {
-                openFailures.push_back(std::string(describe(opened.error())));
+                idleFailure = std::string(describe(opened.error()));
                 return;
             }
             waylandIdle = std::move(opened).value();
@@ -177,10 +198,9 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
             break;
         }
         case observation::IdleBackend::kdeScreenSaver:
-            kdeScreenSaver =
-                std::make_unique<kde::KdeScreenSaverIdleTimeProvider>(dependencies.sessionBus);
+            kdeScreenSaver = std::make_unique<kde::KdeScreenSaverIdleTimeProvider>(sessionBus);
             if (!kdeScreenSaver->available()) {
-                openFailures.push_back(
+                idleFailure = std::string(
                     "KDE's screen locker does not report the time since your last input, so "
                     "Lumenote cannot tell when you step away.");
                 return;
@@ -188,9 +208,9 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
             idle = kdeScreenSaver.get();
             break;
         case observation::IdleBackend::gnomeIdleMonitor:
-            mutterIdle = std::make_unique<gnome::MutterIdleTimeProvider>(dependencies.sessionBus);
+            mutterIdle = std::make_unique<gnome::MutterIdleTimeProvider>(sessionBus);
             if (!mutterIdle->available()) {
-                openFailures.push_back(
+                idleFailure = std::string(
                     "GNOME's idle monitor does not answer, so Lumenote cannot tell when you step "
                     "away.");
                 return;
@@ -204,11 +224,11 @@ void DesktopObservation::Parts::openIdle(const Dependencies& dependencies) {
 }
 
 Result<std::unique_ptr<kde::KWinScriptFrontmostApplicationSource>, kde::KWinScriptError>
-DesktopObservation::Parts::openKWinScript(const Dependencies& dependencies) {
+DesktopObservation::Parts::openKWinScript() {
     // KWin reads the script from a file of its choosing: a private copy in
     // the runtime folder, so that an upgrade never swaps it mid-session.
     const auto shipped = kde::shippedKWinScript(bridge::runningExecutableFolder());
-    const char* runtimeFolder = dependencies.environment("XDG_RUNTIME_DIR");
+    const char* runtimeFolder = environment("XDG_RUNTIME_DIR");
     if (!shipped || runtimeFolder == nullptr || *runtimeFolder == '\0') {
         return fail(kde::KWinScriptError::scriptNotFound);
     }
@@ -217,8 +237,7 @@ DesktopObservation::Parts::openKWinScript(const Dependencies& dependencies) {
         return fail(staged.error());
     }
     return kde::KWinScriptFrontmostApplicationSource::open(
-        dependencies.sessionBus, desktopEntries(dependencies),
-        QString::fromStdString(staged->string()));
+        sessionBus, desktopEntries(), QString::fromStdString(staged->string()));
 }
 
 void DesktopObservation::Parts::announceActivation() {
@@ -242,31 +261,104 @@ bool DesktopObservation::Parts::processBackendEvents() {
     return false;
 }
 
-std::unique_ptr<DesktopObservation> DesktopObservation::open(const Dependencies& dependencies) {
-    auto parts = std::make_unique<Parts>(dependencies.wallClock);
-    observation::SessionFacts facts{
-        observation::SessionEnvironment::fromEnvironment(dependencies.environment), {}, {}};
-    if (facts.environment.waylandDisplay && !facts.environment.waylandDisplay->empty()) {
-        auto connection = wayland::WaylandConnection::open(dependencies.environment);
-        if (connection) {
-            parts->waylandConnection = std::move(connection).value();
-            facts.waylandGlobals = parts->waylandConnection->globalInterfaces();
-        } else {
-            parts->openFailures.push_back(openFailure(describe(connection.error())));
-        }
-    }
-    facts.sessionBusNames = sessionBusNames(dependencies.sessionBus);
-    parts->choice = observation::chooseObservationBackends(facts);
-    if (facts.environment.waylandDisplay && !parts->waylandConnection) {
+linux_desktop::DesktopEntryIndex DesktopObservation::Parts::desktopEntries() const {
+    return linux_desktop::DesktopEntryIndex::load(linux_desktop::applicationFolders(environment));
+}
+
+void DesktopObservation::Parts::choose() {
+    facts.sessionBusNames = sessionBusNames(sessionBus);
+    choice = observation::chooseObservationBackends(facts);
+    if (facts.environment.waylandDisplay && !waylandConnection) {
         // The connection's failure is the reason; the protocols it would
         // have offered are not missing for a reason of their own.
-        std::erase_if(parts->choice.missing, [](observation::MissingPiece piece) {
+        std::erase_if(choice.missing, [](observation::MissingPiece piece) {
             return piece == observation::MissingPiece::foreignToplevelUnavailable ||
                    piece == observation::MissingPiece::idleProtocolUnavailable;
         });
     }
-    parts->openFrontmost(dependencies);
-    parts->openIdle(dependencies);
+}
+
+void DesktopObservation::Parts::followLateBackends() {
+    const bool waylandSession =
+        facts.environment.waylandDisplay && !facts.environment.waylandDisplay->empty();
+    if (!waylandSession || !sessionBus.isConnected()) {
+        return;
+    }
+    auto* watcher = new QDBusServiceWatcher(&context);
+    watcher->setConnection(sessionBus);
+    watcher->setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+    for (const std::string_view name : observation::kBusNamesTheChoiceReads) {
+        watcher->addWatchedService(QString::fromUtf8(name.data(), qsizetype(name.size())));
+    }
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceRegistered, &context, [this] {
+        retryAttempts = 0;
+        reconsider();
+    });
+    retryTimer = new QTimer(&context);
+    retryTimer->setSingleShot(true);
+    QObject::connect(retryTimer, &QTimer::timeout, &context, [this] { reconsider(); });
+    scheduleRetry();
+}
+
+void DesktopObservation::Parts::reconsider() {
+    if (frontmostBackend != observation::FrontmostBackend::none &&
+        idleBackend != observation::IdleBackend::none) {
+        return;
+    }
+    const auto opened = std::pair(frontmostBackend, idleBackend);
+    const auto before = choice;
+    choose();
+    // Backends that observe stay as they are: the choice only fills gaps.
+    if (frontmostBackend != observation::FrontmostBackend::none) {
+        choice.frontmost = before.frontmost;
+    } else {
+        openFrontmost();
+    }
+    if (idleBackend != observation::IdleBackend::none) {
+        choice.idle = before.idle;
+    } else {
+        openIdle();
+    }
+    if (frontmostBackend != opened.first) {
+        announceActivation();
+    }
+    scheduleRetry();
+}
+
+void DesktopObservation::Parts::scheduleRetry() {
+    // A service that owns its name before it answers (KWin exports
+    // /Scripting after taking org.kde.KWin) is tried again after 0.25 s,
+    // then after twice the previous wait, kOpenAttempts times in all
+    // (about two minutes).
+    constexpr int kOpenAttempts = 10;
+    const bool busBackendFailed = (frontmostBackend == observation::FrontmostBackend::none &&
+                                   observation::reportsOverSessionBus(choice.frontmost)) ||
+                                  (idleBackend == observation::IdleBackend::none &&
+                                   observation::reportsOverSessionBus(choice.idle));
+    if (retryTimer == nullptr || !busBackendFailed || retryAttempts >= kOpenAttempts) {
+        return;
+    }
+    retryTimer->start(std::chrono::milliseconds(250) * (1 << retryAttempts++));
+}
+
+std::unique_ptr<DesktopObservation> DesktopObservation::open(const Dependencies& dependencies) {
+    auto parts = std::make_unique<Parts>(dependencies);
+    parts->facts.environment =
+        observation::SessionEnvironment::fromEnvironment(dependencies.environment);
+    const auto& waylandDisplay = parts->facts.environment.waylandDisplay;
+    if (waylandDisplay && !waylandDisplay->empty()) {
+        auto connection = wayland::WaylandConnection::open(dependencies.environment);
+        if (connection) {
+            parts->waylandConnection = std::move(connection).value();
+            parts->facts.waylandGlobals = parts->waylandConnection->globalInterfaces();
+        } else {
+            parts->connectionFailure = openFailure(describe(connection.error()));
+        }
+    }
+    parts->choose();
+    parts->openFrontmost();
+    parts->openIdle();
+    parts->followLateBackends();
     return std::unique_ptr<DesktopObservation>(new DesktopObservation(std::move(parts)));
 }
 
@@ -326,7 +418,12 @@ observation::ObservationHealth DesktopObservation::health() const {
     health.choice = parts_->choice;
     health.frontmost = parts_->frontmostBackend;
     health.idle = parts_->idleBackend;
-    health.openFailures = parts_->openFailures;
+    for (const auto* failure :
+         {&parts_->connectionFailure, &parts_->frontmostFailure, &parts_->idleFailure}) {
+        if (*failure) {
+            health.openFailures.push_back(**failure);
+        }
+    }
     if (parts_->kwin) {
         if (const auto failure = parts_->kwin->reloadFailure()) {
             health.openFailures.emplace_back(describe(*failure));

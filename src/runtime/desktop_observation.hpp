@@ -1,9 +1,18 @@
 // The desktop's observers of the frontmost application and of idle time,
-// chosen once at start-up from the session's environment, the compositor's
+// chosen at start-up from the session's environment, the compositor's
 // globals and the session bus's names (platform/observation), and opened
 // together. What could not be opened is kept as a sentence in the health
 // report rather than stopping the recorder: the session still records its
 // time, with the application in front unknown.
+//
+// On a Wayland desktop a backend that is none may come later: the GNOME Shell
+// extension enabled during a session, KWin or the shell still starting. While
+// one is none, the bus names the choice reads are watched; when one of them
+// comes, the choice is made again and what it now offers is opened in the
+// gap (backends that observe are never replaced). A backend that reports
+// over the bus and fails to open is tried again after 0.25 s, doubling the
+// wait, ten times (about two minutes), and again whenever a watched name
+// comes. Both need the Qt event loop of the recorder.
 #pragma once
 
 #include <QDBusConnection>

@@ -156,6 +156,15 @@ std::string_view describe(MissingPiece piece) {
     return "";
 }
 
+bool reportsOverSessionBus(FrontmostBackend backend) {
+    return backend == FrontmostBackend::gnomeShellExtension ||
+           backend == FrontmostBackend::kwinScript;
+}
+
+bool reportsOverSessionBus(IdleBackend backend) {
+    return backend == IdleBackend::gnomeIdleMonitor || backend == IdleBackend::kdeScreenSaver;
+}
+
 SessionEnvironment SessionEnvironment::fromEnvironment(const EnvironmentLookup& lookup) {
     const auto read = [&](const char* name) -> std::optional<std::string> {
         const char* value = lookup(name);

@@ -44,6 +44,7 @@
 // only counts input delivered to X11 programs.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -84,6 +85,19 @@ std::string_view describe(MissingPiece piece);
 // The bus name the GNOME Shell extension owns while it runs.
 inline constexpr std::string_view kGnomeShellExtensionBusName =
     "com.tallywise.Lumenote.GnomeShellExtension";
+
+// The session bus names the choice reads. While a backend is none on a
+// Wayland desktop, one of them coming onto the bus (the extension enabled,
+// KWin or the shell started) may offer it.
+inline constexpr std::array<std::string_view, 4> kBusNamesTheChoiceReads = {
+    kGnomeShellExtensionBusName, "org.kde.KWin", "org.gnome.Mutter.IdleMonitor",
+    "org.freedesktop.ScreenSaver"};
+
+// Whether the backend talks to a service on the session bus, which may not
+// answer yet while the desktop starts: its failure to open is worth another
+// try, where a display connection's is not.
+bool reportsOverSessionBus(FrontmostBackend backend);
+bool reportsOverSessionBus(IdleBackend backend);
 
 // The variables the choice reads; nullopt when unset.
 struct SessionEnvironment {

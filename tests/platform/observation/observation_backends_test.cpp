@@ -415,6 +415,40 @@ TEST(SessionEnvironmentTest, ReadsTheFourVariablesAndKeepsUnsetApartFromEmpty) {
     EXPECT_EQ(environment.currentDesktop, std::nullopt);
 }
 
+// The recorder watches exactly these names to fill a gap later: each must
+// turn a backend that is none into one that reports over the bus, and a
+// name outside the list must change nothing.
+TEST(BusNamesTheChoiceReadsTest, EachNameFillsAGapWithABackendThatReportsOverTheBus) {
+    for (const char* desktop : {"GNOME", "KDE"}) {
+        const SessionFacts bare{{"wayland", "wayland-0", std::nullopt, desktop}, {"wl_seat"}, {}};
+        const auto before = chooseObservationBackends(bare);
+        int filled = 0;
+        for (const std::string_view name : kBusNamesTheChoiceReads) {
+            SessionFacts facts = bare;
+            facts.sessionBusNames = {std::string(name)};
+            const auto after = chooseObservationBackends(facts);
+            if (after.frontmost != before.frontmost) {
+                EXPECT_TRUE(reportsOverSessionBus(after.frontmost)) << desktop << " " << name;
+                ++filled;
+            }
+            if (after.idle != before.idle) {
+                EXPECT_TRUE(reportsOverSessionBus(after.idle)) << desktop << " " << name;
+                ++filled;
+            }
+        }
+        EXPECT_EQ(filled, 2) << desktop;
+        SessionFacts unrelated = bare;
+        unrelated.sessionBusNames = {"org.freedesktop.Notifications", "org.gnome.Shell"};
+        EXPECT_EQ(chooseObservationBackends(unrelated), before) << desktop;
+    }
+    for (const auto backend : {F::x11, F::wlrootsForeignToplevel, F::none}) {
+        EXPECT_FALSE(reportsOverSessionBus(backend)) << backendName(backend);
+    }
+    for (const auto backend : {I::x11ScreenSaver, I::extIdleNotify, I::kdeIdle, I::none}) {
+        EXPECT_FALSE(reportsOverSessionBus(backend)) << backendName(backend);
+    }
+}
+
 TEST(MissingPieceTest, EachPieceHasItsOwnSentence) {
     const std::vector<MissingPiece> pieces{M::noDisplay,
                                            M::waylandDisplayUnset,
