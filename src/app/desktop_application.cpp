@@ -229,6 +229,9 @@ void DesktopApplication::openOnboarding() {
         runtime::RecorderServices& services = *dependencies_.services;
         ui::OnboardingServices reach;
         reach.checkSetup = [&services] { return runtime::checkSetup(services.desktop().health()); };
+        reach.installGnomeExtension = [&services] {
+            return runtime::installShippedGnomeExtension(services.paths());
+        };
         reach.browserStatus = [&services] { return services.browserStatusRows(); };
         reach.registerBrowser = [&services](bridge::SupportedBrowser browser) {
             return services.registration().repair(browser);

@@ -1,38 +1,24 @@
 // `setup wayland`: what this desktop needs before Lumenote can see the
 // application in front, done where it can be done from here (installing and
 // enabling the GNOME Shell extension), said in one sentence where it cannot.
-#include <fmt/format.h>
-
-#include "bridge/native_host_registration.hpp"
 #include "cli/commands.hpp"
-#include "platform/gnome/gnome_extension_installer.hpp"
 #include "platform/observation/wayland_setup.hpp"
 #include "runtime/desktop_observation.hpp"
+#include "runtime/gnome_extension_setup.hpp"
 
 namespace lumenote::cli {
 
 namespace {
 
-namespace gnome = platform::gnome;
 namespace observation = platform::observation;
 
 void installGnomeExtension(CliContext& context) {
-    const auto shipped = gnome::shippedExtensionsFolder(bridge::runningExecutableFolder());
-    if (!shipped) {
-        context.err << gnome::describe(gnome::ExtensionInstallError::shippedExtensionMissing)
-                    << "\n";
-        context.exitCode = kExitRefused;
-        return;
+    const runtime::GnomeExtensionSetup setup = runtime::installShippedGnomeExtension(context.paths);
+    for (const std::string& sentence : setup.sentences) {
+        (setup.installed ? context.out : context.err) << sentence << "\n";
     }
-    const auto installed =
-        gnome::installGnomeShellExtension(*shipped, context.paths, gnome::processRunner());
-    if (!installed) {
-        context.err << gnome::describe(installed.error()) << "\n";
+    if (!setup.installed) {
         context.exitCode = kExitRefused;
-        return;
-    }
-    for (const std::string& sentence : gnome::describe(*installed)) {
-        context.out << sentence << "\n";
     }
 }
 

@@ -36,6 +36,7 @@ SetupCheck checkSetup(const std::optional<platform::observation::ObservationHeal
             health.lastActivation = running->lastActivation;
         }
     }
+    check.waylandStep = platform::observation::waylandSetupStep(health);
     for (const auto& [ok, text] :
          platform::observation::healthLines(health, LocalCalendar::current())) {
         check.report += line(ok, text);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/observation/observation_health.hpp"
+#include "platform/observation/wayland_setup.hpp"
 
 namespace lumenote::runtime {
 
@@ -13,6 +14,9 @@ namespace lumenote::runtime {
 struct SetupCheck {
     std::string report;
     bool complete = true;  // no gap
+    // What would let Lumenote see the application in front on this desktop.
+    platform::observation::WaylandSetupStep waylandStep =
+        platform::observation::WaylandSetupStep::notWayland;
 };
 // Runs inside the process's application object when there is one, else in
 // one of its own for the duration of the check. A process that records

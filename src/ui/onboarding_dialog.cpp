@@ -147,10 +147,23 @@ QWidget* OnboardingDialog::buildObservation() {
     again->setObjectName(QStringLiteral("onboardingCheckAgain"));
     again->setAutoDefault(false);
     connect(again, &QPushButton::clicked, this, [this] { showStep(OnboardingStep::observation); });
+    installExtension_ =
+        new QPushButton(QStringLiteral("Install the GNOME Shell Extension"), widget);
+    installExtension_->setAccessibleName(installExtension_->text());
+    installExtension_->setObjectName(QStringLiteral("onboardingInstallExtension"));
+    installExtension_->setAutoDefault(false);
+    installExtension_->hide();
+    connect(installExtension_, &QPushButton::clicked, this,
+            &OnboardingDialog::installGnomeExtension);
     auto* row = new QHBoxLayout;
+    row->addWidget(installExtension_);
     row->addWidget(again);
     row->addStretch(1);
     layout->addLayout(row);
+    extensionResult_ = paragraph({}, widget);
+    extensionResult_->setObjectName(QStringLiteral("onboardingExtensionResult"));
+    extensionResult_->hide();
+    layout->addWidget(extensionResult_);
     layout->addStretch(1);
     return widget;
 }
@@ -293,11 +306,36 @@ void OnboardingDialog::showStep(OnboardingStep step) {
     // Return goes on, whatever the page shows; the page's own buttons take
     // Space when the keyboard is on them.
     next_->setFocus();
-    if (step == OnboardingStep::observation && services_.checkSetup) {
-        observation_->setText(observationReportHtml(services_.checkSetup().report));
+    if (step == OnboardingStep::observation) {
+        refreshObservation();
     } else if (step == OnboardingStep::browsers) {
         refreshBrowsers();
     }
+}
+
+void OnboardingDialog::refreshObservation() {
+    if (!services_.checkSetup) {
+        return;
+    }
+    const runtime::SetupCheck check = services_.checkSetup();
+    observation_->setText(observationReportHtml(check.report));
+    installExtension_->setVisible(
+        services_.installGnomeExtension &&
+        check.waylandStep == platform::observation::WaylandSetupStep::installGnomeExtension);
+}
+
+void OnboardingDialog::installGnomeExtension() {
+    const runtime::GnomeExtensionSetup setup = services_.installGnomeExtension();
+    QStringList lines;
+    for (const std::string& sentence : setup.sentences) {
+        lines << qt(sentence);
+    }
+    extensionResult_->setText(lines.join(QLatin1Char('\n')));
+    extensionResult_->setVisible(true);
+    // Installed, it still waits for the next login: the check says so, and
+    // the button stays for a second try only after a failure.
+    refreshObservation();
+    installExtension_->setVisible(installExtension_->isVisible() && !setup.installed);
 }
 
 void OnboardingDialog::goForward() {

@@ -1,5 +1,6 @@
 // The setup assistant: welcome and the privacy promise, what this desktop
-// lets Lumenote observe, the browser set-up (register the helper, load the
+// lets Lumenote observe (with the GNOME Shell extension's installation where
+// GNOME needs it), the browser set-up (register the helper, load the
 // extension, test the connection), the starter classifications, the daily
 // goal and the global shortcut, and done. It opens at the first start and
 // from "Run Setup Assistant Again…", resumes at the step kept in
@@ -17,6 +18,7 @@
 #include "bridge/browser_status_report.hpp"
 #include "bridge/native_host_registration.hpp"
 #include "foundation/result.hpp"
+#include "runtime/gnome_extension_setup.hpp"
 #include "runtime/setup_check.hpp"
 #include "settings/preferences_store.hpp"
 #include "ui/models/onboarding.hpp"
@@ -34,6 +36,9 @@ namespace lumenote::ui {
 struct OnboardingServices {
     // The checks of `lumenote-cli check`.
     std::function<runtime::SetupCheck()> checkSetup;
+    // Installs and enables the GNOME Shell extension (offered when the check
+    // says GNOME needs it).
+    std::function<runtime::GnomeExtensionSetup()> installGnomeExtension;
     // Every registrable browser's state now.
     std::function<std::vector<bridge::BrowserStatusRow>()> browserStatus;
     std::function<Result<void, bridge::NativeHostRegistrationError>(bridge::SupportedBrowser)>
@@ -72,6 +77,8 @@ class OnboardingDialog final : public QDialog {
     QWidget* buildDone();
     void finish();
     void refreshShortcutState();
+    void refreshObservation();
+    void installGnomeExtension();
 
     settings::PreferencesStore& preferences_;
     OnboardingServices services_;
@@ -83,6 +90,8 @@ class OnboardingDialog final : public QDialog {
     QLabel* progress_;
     QStackedWidget* pages_;
     QLabel* observation_;
+    QPushButton* installExtension_;
+    QLabel* extensionResult_;
     QVBoxLayout* browserList_;
     QLabel* browserMessage_;
     QSpinBox* goal_;

@@ -134,12 +134,11 @@ TEST_F(DesktopObservationTest, AKWinThatAnswersOnlyAfterTakingItsNameIsTriedAgai
     startKWin({"--scripting-after-ms", "700"});
     ASSERT_TRUE(waitUntil(
         [this] { return health().frontmost == observation::FrontmostBackend::kwinScript; }));
-    EXPECT_FALSE(lacks(health(), observation::MissingPiece::kwinNotOnSessionBus));
-    EXPECT_TRUE(health().openFailures.empty() ||
-                std::none_of(health().openFailures.begin(), health().openFailures.end(),
-                             [](const std::string& failure) {
-                                 return failure.find("KWin") != std::string::npos;
-                             }));
+    const auto observing = health();
+    EXPECT_FALSE(lacks(observing, observation::MissingPiece::kwinNotOnSessionBus));
+    EXPECT_TRUE(std::none_of(
+        observing.openFailures.begin(), observing.openFailures.end(),
+        [](const std::string& failure) { return failure.find("KWin") != std::string::npos; }));
     EXPECT_GE(activations_, 1);
 }
 

@@ -138,6 +138,66 @@ TEST_F(OnboardingDialogTest, TheGoalStepWritesTheDailyGoal) {
     lumenote::testing::saveScreenshots(dialog, "onboarding-classifications");
 }
 
+TEST_F(OnboardingDialogTest, TheObservationStepInstallsTheGnomeExtensionOnlyWhereGnomeNeedsIt) {
+    using platform::observation::WaylandSetupStep;
+    WaylandSetupStep step = WaylandSetupStep::installGnomeExtension;
+    std::vector<runtime::GnomeExtensionSetup> outcomes{
+        {false, {"GNOME Shell could not be run, so the extension was not installed."}},
+        {true,
+         {"The GNOME Shell extension is installed and enabled.",
+          "Log out and log in again: GNOME Shell on Wayland loads new extensions only at "
+          "login."}}};
+    int installs = 0;
+    OnboardingServices made = services();
+    made.checkSetup = [&step] {
+        return runtime::SetupCheck{
+            "gap  On GNOME, Lumenote sees the application in front through its GNOME Shell "
+            "extension, which is not running.\n",
+            false, step};
+    };
+    made.installGnomeExtension = [&] { return outcomes.at(std::size_t(installs++)); };
+    OnboardingDialog dialog(preferences_, made);
+    dialog.show();
+    dialog.showStep(OnboardingStep::observation);
+    auto* install = dialog.findChild<QPushButton*>("onboardingInstallExtension");
+    auto* result = dialog.findChild<QLabel*>("onboardingExtensionResult");
+    ASSERT_TRUE(install->isVisible());
+    EXPECT_FALSE(result->isVisible());
+    lumenote::testing::saveScreenshots(dialog, "onboarding-gnome-extension");
+
+    // A failure says why and leaves the button for another try.
+    QTest::mouseClick(install, Qt::LeftButton);
+    EXPECT_EQ(installs, 1);
+    EXPECT_TRUE(result->isVisible());
+    EXPECT_EQ(result->text(), "GNOME Shell could not be run, so the extension was not installed.");
+    EXPECT_TRUE(install->isVisible());
+
+    // Installed, the extension waits for the next login: the check still
+    // shows the gap, and the button goes.
+    QTest::mouseClick(install, Qt::LeftButton);
+    EXPECT_EQ(installs, 2);
+    EXPECT_TRUE(
+        result->text().startsWith("The GNOME Shell extension is installed and enabled.\n"
+                                  "Log out and log in again"));
+    EXPECT_FALSE(install->isVisible());
+    lumenote::testing::saveScreenshots(dialog, "onboarding-gnome-extension-installed");
+
+    // Elsewhere there is nothing to install.
+    for (const auto other : {WaylandSetupStep::notWayland, WaylandSetupStep::nothingToInstall,
+                             WaylandSetupStep::startKwin}) {
+        step = other;
+        dialog.showStep(OnboardingStep::observation);
+        EXPECT_FALSE(install->isVisible());
+    }
+    step = WaylandSetupStep::installGnomeExtension;
+    made.installGnomeExtension = nullptr;
+    OnboardingDialog withoutInstaller(preferences_, made);
+    withoutInstaller.show();
+    withoutInstaller.showStep(OnboardingStep::observation);
+    EXPECT_FALSE(
+        withoutInstaller.findChild<QPushButton*>("onboardingInstallExtension")->isVisible());
+}
+
 TEST_F(OnboardingDialogTest, EveryStepsControlsHaveNames) {
     OnboardingDialog dialog(preferences_, services());
     dialog.show();
