@@ -162,3 +162,22 @@ login1() {
         --dest=org.freedesktop.login1 /org/freedesktop/login1 \
         "test.FakeLogin1.Control.$1" "${@:2}" >/dev/null || fail "the test logind refused $1"
 }
+
+# recording_loses_its_display SUBJECT DISPLAY_JOB: records an open-ended
+# session named SUBJECT, kills DISPLAY_JOB (the X server or the compositor)
+# two seconds in, and checks that the recorder says the display was lost,
+# leaves, and that its session waits for recovery, as at a shutdown.
+recording_loses_its_display() {
+    timeout 150 "$cli" record --subject "$1" --open-ended >"$work/lost.out" 2>"$work/lost.err" &
+    lost_job=$!
+    background+=("$lost_job")
+    poll_until "the recorder of \"$1\"" status_matches "$1"
+    poll_until "2 seconds of \"$1\"" elapsed_at_least 2
+    kill "$2"
+    poll_until "the recorder to leave without its display" recorder_gone
+    grep -q "The connection to the display was lost" "$work/lost.err" "$work/lost.out" ||
+        fail "the recorder did not say that the display was lost"
+    [[ "$("$cli" recovery status)" == *"Lumenote found an unfinished session."* ]] ||
+        fail "the session without a display is not offered for recovery"
+}
+recorder_gone() { ! kill -0 "$lost_job" 2>/dev/null; }

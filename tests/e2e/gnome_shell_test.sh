@@ -32,57 +32,29 @@ if ! command -v gnome-shell >/dev/null; then
 fi
 
 STARTED_AT=$SECONDS
+here=$(cd "$(dirname "$0")" && pwd)
 PROBE="$1/lumenote-gnome-probe"
 SHIPPED="$(cd "$1/.." && pwd)/gnome-shell"
-WORK="$(mktemp -d)"
-STARTED=()
-
-cleanup() {
-    local pid
-    for pid in "${STARTED[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${STARTED[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    rm -rf "$WORK"
-}
+work=$(mktemp -d)
+deadline_seconds=60
+background=()
+# shellcheck source=desktop_session.sh
+source "$here/desktop_session.sh"
+# shellcheck source=wayland_session.sh
+source "$here/wayland_session.sh"
+# shellcheck source=probe_watch.sh
+source "$here/probe_watch.sh"
 trap cleanup EXIT
-
-fail() {
-    echo "FAIL: $*" >&2
-    local log
-    for log in "$WORK"/*.log; do
-        [ -e "$log" ] && { echo "--- $(basename "$log")" >&2; tail -n 30 "$log" >&2; }
-    done
-    exit 1
-}
-
-# wait_until SECONDS DESCRIPTION COMMAND...: polls COMMAND until it succeeds.
-wait_until() {
-    local deadline=$((SECONDS + $1)) description="$2"
-    shift 2
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "timed out waiting until $description"
-        sleep 0.1
-    done
-}
 
 [ -x "$PROBE" ] || fail "no probe at $PROBE"
 [ -f "$SHIPPED/legacy/lumenote@tallywise.com/metadata.json" ] || fail "no extension built in $SHIPPED"
 command -v foot >/dev/null || fail "foot is not installed"
 [ -x /usr/libexec/dconf-service ] || fail "dconf-service is not installed"
 
-# The session's user, its private runtime folder and home.
-AS_USER=()
-if [ "$(id -u)" -eq 0 ]; then
-    AS_USER=(setpriv --reuid=nobody --regid="$(id -g nobody)" --clear-groups)
-    chmod 0755 "$WORK"
-fi
-RUNTIME="$WORK/runtime"
-HOME_DIR="$WORK/home"
+RUNTIME="$work/runtime"
+HOME_DIR="$work/home"
 mkdir -m 0700 "$RUNTIME"
-mkdir -p "$HOME_DIR/.local/share/applications" "$WORK/system/applications"
+mkdir -p "$HOME_DIR/.local/share/applications" "$work/system/applications"
 # A desktop entry both the shell and the probe see: the shell names the
 # window study-alpha by it, the probe takes its name from it.
 cat >"$HOME_DIR/.local/share/applications/study-alpha.desktop" <<'ENTRY'
@@ -91,75 +63,60 @@ Type=Application
 Name=Écrire Ünïcode
 Exec=foot --app-id=study-alpha
 ENTRY
-if [ "$(id -u)" -eq 0 ]; then
-    chown -R nobody:"$(id -g nobody)" "$RUNTIME" "$HOME_DIR"
-fi
+for_compositor_user "$RUNTIME" "$HOME_DIR"
 
-cat >"$WORK/bus.conf" <<'CONF'
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
+write_bus_config
 SESSION_BUS="unix:path=$RUNTIME/bus"
 SYSTEM_BUS="unix:path=$RUNTIME/system_bus"
 for bus in bus system_bus; do
-    "${AS_USER[@]}" timeout 170 dbus-daemon --config-file="$WORK/bus.conf" --nofork \
-        --address="unix:path=$RUNTIME/$bus" >"$WORK/$bus.log" 2>&1 &
-    STARTED+=($!)
+    "${as_compositor_user[@]}" timeout 170 dbus-daemon --config-file="$work/bus.conf" --nofork \
+        --address="unix:path=$RUNTIME/$bus" >"$work/$bus.log" 2>&1 &
+    background+=($!)
 done
 bus_ready() { [ -S "$RUNTIME/bus" ] && [ -S "$RUNTIME/system_bus" ]; }
-wait_until 20 "the buses listen" bus_ready
+poll_until "the buses" bus_ready
 
 # Everything of the session runs with this environment.
 USER_ENV=(env -i PATH=/usr/bin:/bin "HOME=$HOME_DIR" "XDG_RUNTIME_DIR=$RUNTIME"
     "DBUS_SESSION_BUS_ADDRESS=$SESSION_BUS" "DBUS_SYSTEM_BUS_ADDRESS=$SYSTEM_BUS"
-    "XDG_DATA_DIRS=$WORK/system:/usr/share" XDG_CURRENT_DESKTOP=GNOME XDG_SESSION_TYPE=wayland
+    "XDG_DATA_DIRS=$work/system:/usr/share" XDG_CURRENT_DESKTOP=GNOME XDG_SESSION_TYPE=wayland
     LANG=C.UTF-8)
 # For commands waited for; one started in the background is spelled out, so
 # that $! is its process and not a subshell's.
-as_user() { "${AS_USER[@]}" "${USER_ENV[@]}" "$@"; }
+as_user() { "${as_compositor_user[@]}" "${USER_ENV[@]}" "$@"; }
 
-has_owner() {
+user_bus_has_owner() {
     as_user timeout 5 gdbus call --session --dest org.freedesktop.DBus --object-path /org/freedesktop/DBus \
         --method org.freedesktop.DBus.NameHasOwner "$1" 2>/dev/null | grep -qF "(true,)"
 }
 
 # The probe sees the test's desktop entries only (and the system's, for the
 # browser's entry if one is installed).
-probe_env=("${USER_ENV[@]}" "XDG_DATA_DIRS=$WORK/system")
+probe_env=("${USER_ENV[@]}" "XDG_DATA_DIRS=$work/system")
 probe_watch() {
-    "${AS_USER[@]}" "${probe_env[@]}" timeout 170 "$PROBE" --watch >"$WORK/watch.log" 2>&1 &
+    "${as_compositor_user[@]}" "${probe_env[@]}" timeout 170 "$PROBE" --watch >"$work/watch.log" 2>&1 &
     WATCH=$!
-    STARTED+=("$WATCH")
+    background+=("$WATCH")
 }
 
 start_shell_without_extension() {
-    "${AS_USER[@]}" "${USER_ENV[@]}" timeout 170 gnome-shell --headless --no-x11 --wayland --virtual-monitor 1280x800 \
-        >>"$WORK/shell.log" 2>&1 &
+    "${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 170 gnome-shell --headless --no-x11 --wayland --virtual-monitor 1280x800 \
+        >>"$work/shell.log" 2>&1 &
     SHELL_PID=$!
-    STARTED+=("$SHELL_PID")
-    wait_until 60 "the shell is on the bus" has_owner org.gnome.Shell
-    wait_until 30 "the shell's Wayland socket exists" test -S "$RUNTIME/wayland-0"
+    background+=("$SHELL_PID")
+    poll_until "the shell on the bus" user_bus_has_owner org.gnome.Shell
+    poll_until "the shell's Wayland socket" test -S "$RUNTIME/wayland-0"
 }
 start_shell() {
     start_shell_without_extension
-    wait_until 60 "the extension is on the bus" has_owner com.tallywise.Lumenote.GnomeShellExtension
+    poll_until "the extension on the bus" user_bus_has_owner com.tallywise.Lumenote.GnomeShellExtension
     # The shell shows the overview once it has started up; leaving it
     # before then would be undone.
-    wait_until 30 "the shell shows the overview" overview_is true
+    poll_until "the overview" overview_is true
     as_user timeout 5 gdbus call --session --dest org.gnome.Shell --object-path /org/gnome/Shell \
         --method org.freedesktop.DBus.Properties.Set org.gnome.Shell OverviewActive "<false>" \
         >/dev/null || fail "could not leave the overview"
-    wait_until 30 "the shell leaves the overview" overview_is false
+    poll_until "the overview to close" overview_is false
 }
 overview_is() {
     as_user timeout 5 gdbus call --session --dest org.gnome.Shell --object-path /org/gnome/Shell \
@@ -169,9 +126,9 @@ overview_is() {
 # The settings service, as in a real session: the shell, gnome-extensions
 # and gsettings share the settings through it (the database is in the test
 # home).
-"${AS_USER[@]}" "${USER_ENV[@]}" timeout 170 /usr/libexec/dconf-service >"$WORK/dconf.log" 2>&1 &
-STARTED+=($!)
-wait_until 20 "the settings service is on the bus" has_owner ca.desrt.dconf
+"${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 170 /usr/libexec/dconf-service >"$work/dconf.log" 2>&1 &
+background+=($!)
+poll_until "the settings service" user_bus_has_owner ca.desrt.dconf
 
 # A session that runs before the extension is installed.
 shell_started_at=$SECONDS
@@ -189,7 +146,7 @@ again="$(as_user timeout 30 "$PROBE" --install "$SHIPPED")" || fail "installing 
 grep -qF '"replacedPrevious":true' <<<"$again" || fail "the second install did not replace the first: $again"
 
 # GNOME Shell on Wayland loads a new extension only at login: not now...
-has_owner com.tallywise.Lumenote.GnomeShellExtension && fail "the running shell loaded the new extension"
+user_bus_has_owner com.tallywise.Lumenote.GnomeShellExtension && fail "the running shell loaded the new extension"
 # ...but after the user logs out and in. The shell leaves a marker in the
 # runtime folder for its first minute and starts without extensions when
 # it finds one (its guard against an extension that crashes it); logging
@@ -201,41 +158,33 @@ start_shell
 echo "the shell and the extension were up after $((SECONDS - shell_started_at)) s"
 
 # Everything the extension says on the bus, to look for titles in.
-"${AS_USER[@]}" "${USER_ENV[@]}" timeout 170 gdbus monitor --session --dest com.tallywise.Lumenote.GnomeShellExtension \
-    >"$WORK/monitor.log" 2>&1 &
-STARTED+=($!)
+"${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 170 gdbus monitor --session --dest com.tallywise.Lumenote.GnomeShellExtension \
+    >"$work/monitor.log" 2>&1 &
+background+=($!)
 
 probe_watch
-wait_until 30 "the probe watches" grep -qs '"event":"ready"' "$WORK/watch.log"
-grep -F '"event":"ready"' "$WORK/watch.log" | grep -qF '"observing":true' ||
-    fail "the probe does not observe: $(cat "$WORK/watch.log")"
-
-# activated_since LINE IDENTITY NAME: an activation line after line LINE
-# names IDENTITY and NAME.
-activated_since() {
-    tail -n +"$(($1 + 1))" "$WORK/watch.log" | grep -F '"event":"activated"' |
-        grep -F "\"bundleIdentifier\":\"$2\"" | grep -qF "\"localizedName\":\"$3\""
-}
-lines() { wc -l <"$WORK/watch.log"; }
+poll_until "the probe's readiness" grep -qs '"event":"ready"' "$work/watch.log"
+grep -F '"event":"ready"' "$work/watch.log" | grep -qF '"observing":true' ||
+    fail "the probe does not observe: $(cat "$work/watch.log")"
 
 # open APP_ID IDENTITY NAME: starts foot with APP_ID and a title that must
 # never show, and waits until its focus is announced. Sets CLIENT_PID.
 open_client() {
     local before
-    before="$(lines)"
-    "${AS_USER[@]}" "${USER_ENV[@]}" "WAYLAND_DISPLAY=wayland-0" timeout 170 foot --app-id="$1" \
-        --title="private title of $1" sleep 600 >"$WORK/foot-$1.log" 2>&1 &
+    before="$(watch_lines)"
+    "${as_compositor_user[@]}" "${USER_ENV[@]}" "WAYLAND_DISPLAY=wayland-0" timeout 170 foot --app-id="$1" \
+        --title="private title of $1" sleep 600 >"$work/foot-$1.log" 2>&1 &
     CLIENT_PID=$!
-    STARTED+=("$CLIENT_PID")
-    wait_until 30 "$2 opens and its focus is announced" activated_since "$before" "$2" "$3"
+    background+=("$CLIENT_PID")
+    poll_until "the announced focus on new $2" activated_since "$before" "$2" "$3"
 }
 # close PID IDENTITY NAME: closes a window and waits until the focus on the
 # one beneath it is announced.
 close_client() {
     local before
-    before="$(lines)"
+    before="$(watch_lines)"
     kill "$1"
-    wait_until 30 "the focus returns to $2" activated_since "$before" "$2" "$3"
+    poll_until "the focus back on $2" activated_since "$before" "$2" "$3"
 }
 
 open_client study-alpha "study-alpha" "Écrire Ünïcode"
@@ -248,44 +197,36 @@ close_client "$BETA" "study-alpha" "Écrire Ünïcode"
 
 # Idle time: the headless shell has no input devices, so the user has been
 # idle since it started, and the readings grow with the clock.
-idle_of() { sed -n 's/.*"idleSeconds":\([0-9.eE+-]*\).*/\1/p' <<<"$1"; }
-last_tick() { grep -F '"event":"tick"' "$WORK/watch.log" | tail -n 1; }
-tick_idle_at_least() {
-    local tick
-    tick="$(last_tick)"
-    [ -n "$tick" ] && awk -v idle="$(idle_of "$tick")" -v least="$1" 'BEGIN { exit !(idle >= least) }'
-}
 grep -qF '"idleAvailable":true' <<<"$(last_tick)" || fail "Mutter's idle monitor did not answer: $(last_tick)"
 first="$(idle_of "$(last_tick)")"
-wait_until 10 "idle time grows by two seconds from $first" tick_idle_at_least "$(awk -v f="$first" 'BEGIN { print f + 2 }')"
+poll_until "two more seconds of idle time after $first" tick_idle_at_least "$(seconds_after 2 "$first")"
 
 # The extension disabled and enabled again in the running shell: the probe
 # follows its name.
-before="$(lines)"
+before="$(watch_lines)"
 as_user timeout 10 gnome-extensions disable lumenote@tallywise.com || fail "could not disable the extension"
-not_observing() { tail -n +"$((before + 1))" "$WORK/watch.log" | grep -qF '"observing":false'; }
-wait_until 20 "the probe notices the extension is gone" not_observing
-before="$(lines)"
+poll_until "the probe to notice the extension gone" reported_since "$before" '"observing":false'
+before="$(watch_lines)"
 as_user timeout 10 gnome-extensions enable lumenote@tallywise.com || fail "could not enable the extension"
-wait_until 20 "the probe asks the extension again" activated_since "$before" "study-alpha" "Écrire Ünïcode"
+poll_until "the extension's report after enabling it" activated_since "$before" "study-alpha" "Écrire Ünïcode"
 
 # The cost of a sample, for the record.
-bench="$("${AS_USER[@]}" "${probe_env[@]}" timeout 60 "$PROBE" --bench 1000)" || fail "benchmark failed: $bench"
+bench="$("${as_compositor_user[@]}" "${probe_env[@]}" timeout 60 "$PROBE" --bench 1000)" || fail "benchmark failed: $bench"
 grep -qF '"samplesWithFrontmost":1000' <<<"$bench" || fail "benchmark lost the frontmost window: $bench"
 echo "sample cost: $bench"
 
 # The shell goes away: the probe reports it and carries on.
-before="$(lines)"
+before="$(watch_lines)"
 kill "$SHELL_PID"
 wait "$SHELL_PID" 2>/dev/null || true
-wait_until 20 "the probe notices the shell is gone" not_observing
+poll_until "the probe to notice the shell gone" reported_since "$before" '"observing":false'
 kill -0 "$WATCH" 2>/dev/null || fail "the probe ended with the shell"
-tail -n 1 "$WORK/watch.log" | grep -qF '"bundleIdentifier":null' || fail "a frontmost application without a shell"
+tail -n 1 "$work/watch.log" | grep -qF '"bundleIdentifier":null' || fail "a frontmost application without a shell"
 
 # Titles are never read: none reaches the probe's output or the bus.
-if grep -qF "private title" "$WORK/watch.log" "$WORK/monitor.log"; then
+if grep -qF "private title" "$work/watch.log" "$work/monitor.log"; then
     fail "a window title was seen"
 fi
-grep -qF "FocusedWindowChanged" "$WORK/monitor.log" || fail "the bus monitor saw no signal"
+grep -qF "FocusedWindowChanged" "$work/monitor.log" || fail "the bus monitor saw no signal"
 
 echo "PASS in $((SECONDS - STARTED_AT)) s"

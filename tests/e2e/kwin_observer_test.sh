@@ -27,61 +27,32 @@ if ! command -v kwin_wayland >/dev/null; then
     exit 77
 fi
 
+here=$(cd "$(dirname "$0")" && pwd)
 PROBE="$1/lumenote-kwin-probe"
-WORK="$(mktemp -d)"
-STARTED=()
+work=$(mktemp -d)
+deadline_seconds=60
+background=()
 began=$SECONDS
-
-cleanup() {
-    local pid
-    for pid in "${STARTED[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${STARTED[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    rm -rf "$WORK"
-}
+# shellcheck source=desktop_session.sh
+source "$here/desktop_session.sh"
+# shellcheck source=wayland_session.sh
+source "$here/wayland_session.sh"
+# shellcheck source=probe_watch.sh
+source "$here/probe_watch.sh"
 trap cleanup EXIT
-
-fail() {
-    echo "FAIL: $*" >&2
-    local log
-    for log in "$WORK"/*.log; do
-        [ -e "$log" ] && { echo "--- $(basename "$log")" >&2; tail -n 40 "$log" >&2; }
-    done
-    exit 1
-}
-
-# wait_until SECONDS DESCRIPTION COMMAND...: polls COMMAND until it succeeds.
-wait_until() {
-    local deadline=$((SECONDS + $1)) description="$2"
-    shift 2
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "timed out waiting until $description"
-        sleep 0.1
-    done
-}
 
 [ -x "$PROBE" ] || fail "no probe at $PROBE"
 command -v xterm >/dev/null || fail "xterm is not installed"
 command -v Xwayland >/dev/null || fail "Xwayland is not installed"
 
-AS_USER=()
-if [ "$(id -u)" -eq 0 ]; then
-    AS_USER=(setpriv --reuid=nobody --regid="$(id -g nobody)" --clear-groups)
-    chmod 0755 "$WORK"
-fi
-RUNTIME="$WORK/runtime"
+RUNTIME="$work/runtime"
 mkdir -m 0700 "$RUNTIME"
-mkdir "$WORK/home"
-mkdir -p "$WORK/data/applications/study" "$WORK/system/applications"
-if [ "$(id -u)" -eq 0 ]; then
-    chown nobody:"$(id -g nobody)" "$RUNTIME" "$WORK/home"
-fi
-cp "$(command -v kwin_wayland)" "$WORK/kwin_wayland"
+mkdir "$work/home"
+mkdir -p "$work/data/applications/study" "$work/system/applications"
+for_compositor_user "$RUNTIME" "$work/home"
+cp "$(command -v kwin_wayland)" "$work/kwin_wayland"
 
-cat >"$WORK/data/applications/study/alpha.desktop" <<'ENTRY'
+cat >"$work/data/applications/study/alpha.desktop" <<'ENTRY'
 [Desktop Entry]
 Type=Application
 Name=Écrire Ünïcode
@@ -89,30 +60,17 @@ Name[de]=Schreiben
 Exec=xterm
 ENTRY
 
-cat >"$WORK/bus.conf" <<'CONF'
-<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:tmpdir=/tmp</listen>
-  <auth>EXTERNAL</auth>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-CONF
-"${AS_USER[@]}" timeout 170 dbus-daemon --config-file="$WORK/bus.conf" --nofork \
-    --print-address=1 >"$WORK/bus.address" 2>"$WORK/bus.log" &
-STARTED+=($!)
-wait_until 10 "the session bus starts" test -s "$WORK/bus.address"
-BUS="$(head -n 1 "$WORK/bus.address")"
-USER_ENV=(env -i PATH=/usr/bin:/bin "HOME=$WORK/home" "XDG_RUNTIME_DIR=$RUNTIME"
-    "DBUS_SESSION_BUS_ADDRESS=$BUS" "XDG_DATA_HOME=$WORK/data" "XDG_DATA_DIRS=$WORK/system")
+write_bus_config
+"${as_compositor_user[@]}" timeout 170 dbus-daemon --config-file="$work/bus.conf" --nofork \
+    --print-address=1 >"$work/bus.address" 2>"$work/bus.log" &
+background+=($!)
+poll_until "the session bus" test -s "$work/bus.address"
+BUS="$(head -n 1 "$work/bus.address")"
+USER_ENV=(env -i PATH=/usr/bin:/bin "HOME=$work/home" "XDG_RUNTIME_DIR=$RUNTIME"
+    "DBUS_SESSION_BUS_ADDRESS=$BUS" "XDG_DATA_HOME=$work/data" "XDG_DATA_DIRS=$work/system")
 
 bus_call() {
-    "${AS_USER[@]}" "${USER_ENV[@]}" timeout 5 dbus-send --session --print-reply "$@"
+    "${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 5 dbus-send --session --print-reply "$@"
 }
 kwin_owns_its_name() {
     bus_call --dest=org.freedesktop.DBus /org/freedesktop/DBus \
@@ -126,49 +84,42 @@ script_loaded() {
 # start_kwin: a headless KWin with Xwayland; its pid in KWIN. The session
 # program tells the X display that Xwayland serves.
 start_kwin() {
-    rm -f "$WORK/home/display"
-    "${AS_USER[@]}" "${USER_ENV[@]}" timeout 170 "$WORK/kwin_wayland" --virtual --no-lockscreen \
+    rm -f "$work/home/display"
+    "${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 170 "$work/kwin_wayland" --virtual --no-lockscreen \
         --xwayland --width 1024 --height 768 --socket wayland-lumenote --exit-with-session \
-        "sh -c 'echo \$DISPLAY >$WORK/home/display; exec sleep 170'" >>"$WORK/kwin.log" 2>&1 &
+        "sh -c 'echo \$DISPLAY >$work/home/display; exec sleep 170'" >>"$work/kwin.log" 2>&1 &
     KWIN=$!
-    STARTED+=("$KWIN")
-    wait_until 60 "KWin owns org.kde.KWin" kwin_owns_its_name
-    wait_until 60 "KWin starts Xwayland" test -s "$WORK/home/display"
+    background+=("$KWIN")
+    poll_until "KWin on the bus" kwin_owns_its_name
+    poll_until "KWin's Xwayland" test -s "$work/home/display"
 }
 start_kwin
-X_DISPLAY="$(cat "$WORK/home/display")"
+X_DISPLAY="$(cat "$work/home/display")"
 
 # Everything sent to the observer, to check that no title is among it.
-"${AS_USER[@]}" "${USER_ENV[@]}" timeout 170 dbus-monitor --session \
-    "interface='com.tallywise.Lumenote.KWinObserver'" >"$WORK/monitor.log" 2>&1 &
-STARTED+=($!)
+"${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 170 dbus-monitor --session \
+    "interface='com.tallywise.Lumenote.KWinObserver'" >"$work/monitor.log" 2>&1 &
+background+=($!)
 
-"${AS_USER[@]}" "${USER_ENV[@]}" timeout 170 "$PROBE" --watch >"$WORK/watch.log" 2>&1 &
+"${as_compositor_user[@]}" "${USER_ENV[@]}" timeout 170 "$PROBE" --watch >"$work/watch.log" 2>&1 &
 PROBE_PID=$!
-STARTED+=("$PROBE_PID")
-wait_until 30 "the probe is ready" grep -qs '"event":"ready"' "$WORK/watch.log"
+background+=("$PROBE_PID")
+poll_until "the probe's readiness" grep -qs '"event":"ready"' "$work/watch.log"
 script_loaded lumenote-activation || fail "KWin does not have the script loaded"
 # The script reports the window active at load time: none yet.
-wait_until 10 "the first report arrives" grep -qs '"event":"activated"' "$WORK/watch.log"
-grep -F '"event":"activated"' "$WORK/watch.log" | head -n 1 | grep -qF '"bundleIdentifier":null' ||
+poll_until "the first report" grep -qs '"event":"activated"' "$work/watch.log"
+grep -F '"event":"activated"' "$work/watch.log" | head -n 1 | grep -qF '"bundleIdentifier":null' ||
     fail "a window was reported before any existed"
-
-# activated_since LINE IDENTITY NAME: an activation line after line LINE
-# names IDENTITY and NAME.
-activated_since() {
-    tail -n +"$(($1 + 1))" "$WORK/watch.log" | grep -F '"event":"activated"' |
-        grep -F "\"bundleIdentifier\":\"$2\"" | grep -qF "\"localizedName\":\"$3\""
-}
 
 # start_client CLASS IDENTITY NAME: an xterm of that class with a title the
 # output must never show; KWin activates new windows.
 start_client() {
     local before
-    before="$(wc -l <"$WORK/watch.log")"
-    "${AS_USER[@]}" env -i PATH=/usr/bin:/bin "HOME=$WORK/home" "DISPLAY=$X_DISPLAY" timeout 170 \
-        xterm -class "$1" -T "private title of $1" -e sleep 170 >"$WORK/xterm-$1.log" 2>&1 &
-    STARTED+=($!)
-    wait_until 30 "$2 starts and is activated" activated_since "$before" "$2" "$3"
+    before="$(watch_lines)"
+    "${as_compositor_user[@]}" env -i PATH=/usr/bin:/bin "HOME=$work/home" "DISPLAY=$X_DISPLAY" timeout 170 \
+        xterm -class "$1" -T "private title of $1" -e sleep 170 >"$work/xterm-$1.log" 2>&1 &
+    background+=($!)
+    poll_until "the activation of new $2" activated_since "$before" "$2" "$3"
 }
 
 # focus KWIN_CLASS IDENTITY NAME: a throwaway KWin script activates the
@@ -176,10 +127,10 @@ start_client() {
 focus_count=0
 focus() {
     local before plugin script id
-    before="$(wc -l <"$WORK/watch.log")"
+    before="$(watch_lines)"
     focus_count=$((focus_count + 1))
     plugin="lumenote-test-focus-$focus_count"
-    script="$WORK/home/$plugin.js"
+    script="$work/home/$plugin.js"
     cat >"$script" <<SCRIPT
 var windows = workspace.clientList();
 for (var i = 0; i < windows.length; ++i) {
@@ -195,7 +146,7 @@ SCRIPT
     bus_call --dest=org.kde.KWin "/$id" org.kde.kwin.Script.run >/dev/null ||
         bus_call --dest=org.kde.KWin "/Scripting/Script$id" org.kde.kwin.Script.run >/dev/null ||
         fail "KWin did not run the focus script"
-    wait_until 10 "the activation of $2 is reported" activated_since "$before" "$2" "$3"
+    poll_until "the activation of $2" activated_since "$before" "$2" "$3"
     bus_call --dest=org.kde.KWin /Scripting org.kde.kwin.Scripting.unloadScript \
         "string:$plugin" >/dev/null
 }
@@ -210,36 +161,30 @@ focus firefox-esr "org.mozilla.firefox" "Firefox"
 focus study-alpha "study-alpha" "Écrire Ünïcode"
 
 # The calls on the bus carry the class, instance, desktop file name and pid.
-grep -q 'member=WindowActivated' "$WORK/monitor.log" || fail "no WindowActivated call was seen"
+grep -q 'member=WindowActivated' "$work/monitor.log" || fail "no WindowActivated call was seen"
 # kwin_wayland started without its lock screen owns no screen saver: every
 # idle reading is 0 (the user counts as present), marked unavailable.
-if grep -F '"event":"activated"' "$WORK/watch.log" | grep -vF '"idleAvailable":false,"idleSeconds":0.0' |
+if grep -F '"event":"activated"' "$work/watch.log" | grep -vF '"idleAvailable":false,"idleSeconds":0.0' |
     grep -q .; then
     fail "an idle reading without a screen saver is not 0"
 fi
 
 # Titles are never read: none reaches the bus or the output.
-if grep -qF "private title" "$WORK/watch.log" "$WORK/monitor.log"; then
+if grep -qF "private title" "$work/watch.log" "$work/monitor.log"; then
     fail "a window title reached the bus or the output"
 fi
 
 # KWin restarts: the probe reports that it no longer observes, then loads
 # and runs its script in the new KWin, which reports the window active then.
-before="$(wc -l <"$WORK/watch.log")"
+before="$(watch_lines)"
 kill "$KWIN"
 wait "$KWIN" 2>/dev/null || true
-stopped_observing() {
-    tail -n +"$((before + 1))" "$WORK/watch.log" | grep -qF '"observing":false'
-}
-wait_until 30 "the probe sees KWin go" stopped_observing
-before="$(wc -l <"$WORK/watch.log")"
+poll_until "the probe to see KWin go" reported_since "$before" '"observing":false'
+before="$(watch_lines)"
 start_kwin
-observing_again() {
-    tail -n +"$((before + 1))" "$WORK/watch.log" | grep -qF '"observing":true'
-}
-wait_until 30 "the probe observes the new KWin" observing_again
+poll_until "the probe to observe the new KWin" reported_since "$before" '"observing":true'
 script_loaded lumenote-activation || fail "the new KWin does not have the script loaded"
-X_DISPLAY="$(cat "$WORK/home/display")"
+X_DISPLAY="$(cat "$work/home/display")"
 start_client LumenoteBeta "lumenotebeta" "lumenotebeta"
 
 # The probe exits on SIGTERM and takes its script out of KWin.
@@ -249,7 +194,7 @@ wait "$PROBE_PID"
 probe_status=$?
 set -e
 [ "$probe_status" -eq 0 ] || fail "the probe ended with status $probe_status"
-grep -qF '"event":"stopped"' "$WORK/watch.log" || fail "the probe did not stop cleanly"
+grep -qF '"event":"stopped"' "$work/watch.log" || fail "the probe did not stop cleanly"
 if script_loaded lumenote-activation; then
     fail "the script is still loaded after the probe exited"
 fi

@@ -212,20 +212,7 @@ CHECK
     fail "the recovered session is still offered"
 
 # ---- the display goes away: the recorder saves what it saw and exits ----
-timeout 150 "$cli" record --subject "Display lost" --open-ended \
-    >"$work/lost.out" 2>"$work/lost.err" &
-lost_job=$!
-background+=("$lost_job")
-poll_until "the third recorder" status_matches "Display lost"
-poll_until "2 seconds of the third recording" elapsed_at_least 2
-kill "$xvfb_job"
-recorder_gone() { ! kill -0 "$lost_job" 2>/dev/null; }
-poll_until "the recorder to leave after its display" recorder_gone
-grep -q "The connection to the display was lost" "$work/lost.err" "$work/lost.out" ||
-    fail "the recorder did not say that the display was lost"
-# As at a shutdown, what was confirmed is saved and waits for recovery.
-[[ "$("$cli" recovery status)" == *"Lumenote found an unfinished session."* ]] ||
-    fail "the session without a display is not offered for recovery"
+recording_loses_its_display "Display lost" "$xvfb_job"
 "$cli" recovery end >/dev/null || fail "recovery end failed after the display was lost"
 "$python" - "$("$cli" sessions --json)" <<'CHECK' || fail "the session without a display is wrong"
 import json, sys

@@ -9,10 +9,8 @@
 # time grows without input and resets on a key press (wtype), that a closed
 # active window is harmless, that connection failures are explained, and
 # that a compositor that goes away is reported instead of ending the
-# process.
+# process. The compositor comes from wayland_session.sh.
 #
-# sway refuses to run as root: as root, the compositor and its clients run as
-# the unprivileged user "nobody" and the probe connects to their socket.
 # Exit 77 (skipped) only when sway is not installed.
 #
 # Usage: wayland_observer_test.sh BINARY_FOLDER
@@ -23,87 +21,31 @@ if ! command -v sway >/dev/null || ! command -v swaymsg >/dev/null; then
     exit 77
 fi
 
+here=$(cd "$(dirname "$0")" && pwd)
 PROBE="$1/lumenote-wayland-probe"
-WORK="$(mktemp -d)"
-STARTED=()
-
-cleanup() {
-    local pid
-    for pid in "${STARTED[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${STARTED[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    rm -rf "$WORK"
-}
+work=$(mktemp -d)
+deadline_seconds=30
+background=()
+# shellcheck source=desktop_session.sh
+source "$here/desktop_session.sh"
+# shellcheck source=wayland_session.sh
+source "$here/wayland_session.sh"
+# shellcheck source=probe_watch.sh
+source "$here/probe_watch.sh"
 trap cleanup EXIT
-
-fail() {
-    echo "FAIL: $*" >&2
-    local log
-    for log in "$WORK"/*.log; do
-        [ -e "$log" ] && { echo "--- $(basename "$log")" >&2; tail -n 40 "$log" >&2; }
-    done
-    exit 1
-}
-
-# wait_until SECONDS DESCRIPTION COMMAND...: polls COMMAND until it succeeds.
-wait_until() {
-    local deadline=$((SECONDS + $1)) description="$2"
-    shift 2
-    until "$@"; do
-        [ "$SECONDS" -lt "$deadline" ] || fail "timed out waiting until $description"
-        sleep 0.1
-    done
-}
 
 [ -x "$PROBE" ] || fail "no probe at $PROBE"
 command -v foot >/dev/null || fail "foot is not installed"
 command -v wtype >/dev/null || fail "wtype is not installed"
 
-# The compositor's user, its private runtime folder and home.
-AS_USER=()
-if [ "$(id -u)" -eq 0 ]; then
-    AS_USER=(setpriv --reuid=nobody --regid="$(id -g nobody)" --clear-groups)
-    chmod 0755 "$WORK"
-fi
-RUNTIME="$WORK/runtime"
-mkdir -m 0700 "$RUNTIME"
-mkdir "$WORK/home"
-if [ "$(id -u)" -eq 0 ]; then
-    chown nobody:"$(id -g nobody)" "$RUNTIME" "$WORK/home"
-fi
-USER_ENV=(env -i PATH=/usr/bin:/bin "HOME=$WORK/home" "XDG_RUNTIME_DIR=$RUNTIME")
-
-cat >"$WORK/sway.conf" <<'EOF'
-# The test's compositor: no bar, no Xwayland, no background program.
-xwayland disable
-# A small output: the compositor's and its clients' buffers stay small.
-output * mode --custom 640x480@60Hz
-EOF
-
-"${AS_USER[@]}" "${USER_ENV[@]}" WLR_BACKENDS=headless WLR_LIBINPUT_NO_DEVICES=1 \
-    WLR_RENDERER=pixman timeout 170 sway -c "$WORK/sway.conf" >"$WORK/sway.log" 2>&1 &
-SWAY=$!
-STARTED+=("$SWAY")
-compositor_ready() {
-    compgen -G "$RUNTIME/wayland-*[0-9]" >/dev/null && compgen -G "$RUNTIME/sway-ipc.*.sock" >/dev/null
-}
-wait_until 30 "sway creates its sockets" compositor_ready
-SOCKET_NAME="$(basename "$(compgen -G "$RUNTIME/wayland-*[0-9]" | head -n 1)")"
-export SWAYSOCK
-SWAYSOCK="$(compgen -G "$RUNTIME/sway-ipc.*.sock" | head -n 1)"
-sway_answers() {
-    timeout 5 swaymsg -t get_version >/dev/null 2>&1
-}
-wait_until 30 "sway answers on its IPC socket" sway_answers
+start_sway
+SOCKET_NAME=$(basename "$WAYLAND_DISPLAY")
 
 # The probe sees only the test's desktop entries.
-PROBE_ENV=(env -i "HOME=$WORK/probe-home" "XDG_DATA_HOME=$WORK/data" "XDG_DATA_DIRS=$WORK/system"
-    "WAYLAND_DISPLAY=$RUNTIME/$SOCKET_NAME" XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=sway)
-mkdir -p "$WORK/probe-home" "$WORK/data/applications/study" "$WORK/system/applications"
-cat >"$WORK/data/applications/study/alpha-notes.desktop" <<'EOF'
+PROBE_ENV=(env -i "HOME=$work/probe-home" "XDG_DATA_HOME=$work/data" "XDG_DATA_DIRS=$work/system"
+    "WAYLAND_DISPLAY=$WAYLAND_DISPLAY" XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=sway)
+mkdir -p "$work/probe-home" "$work/data/applications/study" "$work/system/applications"
+cat >"$work/data/applications/study/alpha-notes.desktop" <<'EOF'
 [Desktop Entry]
 Type=Application
 Name=Écrire Ünïcode
@@ -122,37 +64,27 @@ grep -qF '"frontmostBackend":"wlrootsForeignToplevel"' <<<"$globals" ||
 grep -qE '"idleBackend":"(extIdleNotify|kdeIdle)"' <<<"$globals" || fail "no idle backend chosen: $globals"
 grep -qF '"missing":[]' <<<"$globals" || fail "something reported missing: $globals"
 
-"${PROBE_ENV[@]}" timeout 170 "$PROBE" --watch >"$WORK/watch.log" 2>&1 &
+"${PROBE_ENV[@]}" timeout 600 "$PROBE" --watch >"$work/watch.log" 2>&1 &
 WATCH=$!
-STARTED+=("$WATCH")
-wait_until 30 "the probe watches activations" grep -qs '"event":"ready"' "$WORK/watch.log"
+background+=("$WATCH")
+poll_until "the probe's readiness" grep -qs '"event":"ready"' "$work/watch.log"
 
-# activated_since LINE IDENTITY NAME: an activation line after line LINE
-# names IDENTITY and NAME.
-activated_since() {
-    tail -n +"$(($1 + 1))" "$WORK/watch.log" | grep -F '"event":"activated"' |
-        grep -F "\"bundleIdentifier\":\"$2\"" | grep -qF "\"localizedName\":\"$3\""
-}
-
-# start_client APP_ID IDENTITY NAME: starts foot with APP_ID and a title
-# the output must never show, and waits until sway has focused it (sway
-# focuses new windows). Sets CLIENT_PID.
+# start_client APP_ID IDENTITY NAME: starts foot with APP_ID (start_foot)
+# and waits until its activation is announced. Sets CLIENT_PID.
 start_client() {
     local before
-    before="$(wc -l <"$WORK/watch.log")"
-    "${AS_USER[@]}" "${USER_ENV[@]}" "WAYLAND_DISPLAY=$SOCKET_NAME" timeout 170 \
-        foot --app-id="$1" --title="private title of $1" sleep 600 >"$WORK/foot-$1.log" 2>&1 &
-    CLIENT_PID=$!
-    STARTED+=("$CLIENT_PID")
-    wait_until 30 "$2 starts and is focused" activated_since "$before" "$2" "$3"
+    before="$(watch_lines)"
+    start_foot "$1"
+    CLIENT_PID=$foot_job
+    poll_until "the activation of $2" activated_since "$before" "$2" "$3"
 }
 
 # focus APP_ID IDENTITY NAME: APP_ID must not be the focused one.
 focus() {
     local before sample
-    before="$(wc -l <"$WORK/watch.log")"
-    timeout 5 swaymsg "[app_id=\"$1\"] focus" >/dev/null || fail "swaymsg could not focus $1"
-    wait_until 10 "the focus on $2 is announced" activated_since "$before" "$2" "$3"
+    before="$(watch_lines)"
+    focus_window "$1"
+    poll_until "the announced focus on $2" activated_since "$before" "$2" "$3"
     sample="$(probe --once)" || fail "sampling failed: $sample"
     grep -qF "\"bundleIdentifier\":\"$2\"" <<<"$sample" || fail "sampled $sample, not $2"
     grep -qF "\"localizedName\":\"$3\"" <<<"$sample" || fail "sampled $sample, not named $3"
@@ -171,20 +103,9 @@ focus study-alpha-notes "study-alpha-notes" "Écrire Ünïcode"
 # Idle time: sway has no input devices here, so the user has been idle since
 # start-up. Readings are 0 until the notification's one-second timeout, then
 # grow with the clock.
-idle_of() {
-    sed -n 's/.*"idleSeconds":\([0-9.eE+-]*\).*/\1/p' <<<"$1"
-}
-last_tick() {
-    grep -F '"event":"tick"' "$WORK/watch.log" | tail -n 1
-}
-tick_idle_at_least() {
-    local tick
-    tick="$(last_tick)"
-    [ -n "$tick" ] && awk -v idle="$(idle_of "$tick")" -v least="$1" 'BEGIN { exit !(idle >= least) }'
-}
-wait_until 30 "idle time reaches 1.5 seconds" tick_idle_at_least 1.5
+poll_until "an idle time of 1.5 seconds" tick_idle_at_least 1.5
 first="$(idle_of "$(last_tick)")"
-wait_until 30 "idle time grows by two seconds" tick_idle_at_least "$(awk -v f="$first" 'BEGIN { print f + 2 }')"
+poll_until "two more seconds of idle time" tick_idle_at_least "$(seconds_after 2 "$first")"
 grep -qE '"idleProtocol":"(ext_idle_notifier_v1|org_kde_kwin_idle)"' <<<"$(last_tick)" ||
     fail "no idle protocol named: $(last_tick)"
 
@@ -194,17 +115,17 @@ grep -qE '"idleProtocol":"(ext_idle_notifier_v1|org_kde_kwin_idle)"' <<<"$(last_
 # in a file in /dev/shm and crashes when it cannot write one: where the
 # compositor's user cannot write there (a chroot that binds /dev without its
 # /dev/shm mount), the key press is left out and said so.
-if "${AS_USER[@]}" test -w /dev/shm; then
+if "${as_compositor_user[@]}" test -w /dev/shm; then
     grown="$(idle_of "$(last_tick)")"
-    before="$(wc -l <"$WORK/watch.log")"
-    "${AS_USER[@]}" "${USER_ENV[@]}" "WAYLAND_DISPLAY=$SOCKET_NAME" timeout 10 wtype -k Shift_L ||
+    before="$(watch_lines)"
+    "${as_compositor_user[@]}" "${compositor_env[@]}" "WAYLAND_DISPLAY=$SOCKET_NAME" timeout 10 wtype -k Shift_L ||
         fail "wtype could not press a key"
     reset_seen() {
-        tail -n +"$((before + 1))" "$WORK/watch.log" | grep -F '"event":"tick"' |
+        tail -n +"$((before + 1))" "$work/watch.log" | grep -F '"event":"tick"' |
             grep -qF '"idleSeconds":0.0'
     }
-    wait_until 10 "idle time resets after a key press (was $grown)" reset_seen
-    wait_until 30 "idle time grows again after the key press" tick_idle_at_least 1.5
+    poll_until "the idle time reset by a key press (was $grown)" reset_seen
+    poll_until "idle time again after the key press" tick_idle_at_least 1.5
 else
     echo "NOTE: /dev/shm is not writable for the compositor's user; no key press is sent"
 fi
@@ -212,17 +133,17 @@ fi
 # The active window closes: the observer carries on with whatever sway
 # focuses next.
 focus LumenoteBeta "LumenoteBeta" "LumenoteBeta"
-before="$(wc -l <"$WORK/watch.log")"
+before="$(watch_lines)"
 kill "$BETA_PID"
 after_beta() {
-    tail -n +"$((before + 1))" "$WORK/watch.log" | grep -F '"event":"activated"' |
+    tail -n +"$((before + 1))" "$work/watch.log" | grep -F '"event":"activated"' |
         grep -vqF '"bundleIdentifier":"LumenoteBeta"'
 }
-wait_until 10 "the focus after the closed window is announced" after_beta
+poll_until "the focus after the closed window" after_beta
 kill -0 "$WATCH" 2>/dev/null || fail "the watching probe ended when a window closed"
 
 # Titles are never read: none of them reaches the output.
-if grep -qF "private title" "$WORK/watch.log"; then
+if grep -qF "private title" "$work/watch.log"; then
     fail "a window title reached the output"
 fi
 
@@ -242,14 +163,14 @@ expect_error() {
     [ "$status" -eq 2 ] && grep -qF "$EXPECTED" <<<"$output" ||
         fail "with $*: status $status, $output"
 }
-EXPECTED="WAYLAND_DISPLAY is not set" expect_error "HOME=$WORK/probe-home"
-EXPECTED="XDG_RUNTIME_DIR is not set" expect_error "HOME=$WORK/probe-home" WAYLAND_DISPLAY=wayland-1
-EXPECTED="does not accept a connection" expect_error "HOME=$WORK/probe-home" \
-    "WAYLAND_DISPLAY=$WORK/no-such-socket"
+EXPECTED="WAYLAND_DISPLAY is not set" expect_error "HOME=$work/probe-home"
+EXPECTED="XDG_RUNTIME_DIR is not set" expect_error "HOME=$work/probe-home" WAYLAND_DISPLAY=wayland-1
+EXPECTED="does not accept a connection" expect_error "HOME=$work/probe-home" \
+    "WAYLAND_DISPLAY=$work/no-such-socket"
 
 # The compositor goes away: the watcher reports it and ends normally.
-kill "$SWAY"
-wait_until 20 "the probe reports the lost connection" grep -q '"event":"connectionLost"' "$WORK/watch.log"
+kill "$sway_job"
+poll_until "the reported loss of the connection" grep -q '"event":"connectionLost"' "$work/watch.log"
 set +e
 wait "$WATCH"
 watch_status=$?

@@ -86,16 +86,4 @@ CHECK
 ! grep -rqa "private title" "$HOME" || fail "a window title was stored"
 
 # ---- the compositor goes away: the recorder saves what it saw and exits ----
-timeout 150 "$cli" record --subject "Compositor lost" --open-ended \
-    >"$work/lost.out" 2>"$work/lost.err" &
-lost_job=$!
-background+=("$lost_job")
-poll_until "the second recorder" status_matches "Compositor lost"
-poll_until "2 seconds of the second recording" elapsed_at_least 2
-kill "$sway_job"
-recorder_gone() { ! kill -0 "$lost_job" 2>/dev/null; }
-poll_until "the recorder to leave after its compositor" recorder_gone
-grep -q "The connection to the display was lost" "$work/lost.err" "$work/lost.out" ||
-    fail "the recorder did not say that the compositor went away"
-[[ "$("$cli" recovery status)" == *"Lumenote found an unfinished session."* ]] ||
-    fail "the session without a compositor is not offered for recovery"
+recording_loses_its_display "Compositor lost" "$sway_job"

@@ -2,24 +2,18 @@
 # $work, `background`, poll_until and fail): sway with no bar and no
 # Xwayland, and foot terminals with chosen app ids focused through swaymsg.
 #
-# sway refuses to run as root: as root, the compositor and its clients run as
-# the unprivileged user "nobody", and the process under test connects to
-# their socket by its absolute path.
+# Compositors refuse to run as root or keep their clients' settings in the
+# user's home: as root, the compositor and its clients run as the
+# unprivileged user "nobody" (for_compositor_user), and the process under
+# test connects to their socket by its absolute path.
 
 # start_sway: exports WAYLAND_DISPLAY (absolute), SWAYSOCK,
 # XDG_SESSION_TYPE=wayland and XDG_CURRENT_DESKTOP=sway, and unsets DISPLAY;
 # the compositor's job (its timeout) in $sway_job.
 start_sway() {
-    as_compositor_user=()
-    if [ "$(id -u)" -eq 0 ]; then
-        as_compositor_user=(setpriv --reuid=nobody --regid="$(id -g nobody)" --clear-groups)
-        chmod 0755 "$work"
-    fi
     sway_runtime="$work/sway-runtime"
     mkdir -m 0700 "$sway_runtime" "$work/sway-home"
-    if [ "$(id -u)" -eq 0 ]; then
-        chown nobody:"$(id -g nobody)" "$sway_runtime" "$work/sway-home"
-    fi
+    for_compositor_user "$sway_runtime" "$work/sway-home"
     compositor_env=(env -i PATH=/usr/bin:/bin "HOME=$work/sway-home"
         "XDG_RUNTIME_DIR=$sway_runtime")
     # A small output: the compositor's and its clients' buffers stay small.
@@ -45,11 +39,12 @@ sway_answers() { timeout 5 swaymsg -t get_version >/dev/null 2>&1; }
 
 # start_foot APP_ID: a foot terminal with that app id and a title that must
 # never be recorded; waits until sway has focused it (sway focuses new
-# windows).
+# windows). Its job in $foot_job.
 start_foot() {
     "${as_compositor_user[@]}" "${compositor_env[@]}" "WAYLAND_DISPLAY=$(basename "$WAYLAND_DISPLAY")" \
         timeout 600 foot --app-id="$1" --title="private title of $1" sleep 600 \
         >"$work/foot-$1.log" 2>&1 &
+    foot_job=$!
     background+=($!)
     poll_until "foot $1 in front" sway_focused "$1"
 }
@@ -73,4 +68,16 @@ sys.exit(0 if walk(json.load(sys.stdin)) == sys.argv[1] else 1)' "$1"
 focus_window() {
     timeout 5 swaymsg "[app_id=\"$1\"] focus" >/dev/null || fail "swaymsg could not focus $1"
     poll_until "the focus on $1" sway_focused "$1"
+}
+
+# for_compositor_user FOLDER...: as root, sets as_compositor_user to run a
+# compositor and its clients as "nobody", opens $work to that user and hands
+# it FOLDER... (recursively); as anyone else, as_compositor_user is empty.
+for_compositor_user() {
+    as_compositor_user=()
+    if [ "$(id -u)" -eq 0 ]; then
+        as_compositor_user=(setpriv --reuid=nobody --regid="$(id -g nobody)" --clear-groups)
+        chmod 0755 "$work"
+        chown -R nobody:"$(id -g nobody)" "$@"
+    fi
 }
