@@ -208,7 +208,8 @@ void DesktopObservation::Parts::openIdle() {
             idle = kdeScreenSaver.get();
             break;
         case observation::IdleBackend::gnomeIdleMonitor:
-            mutterIdle = std::make_unique<gnome::MutterIdleTimeProvider>(sessionBus);
+            mutterIdle =
+                std::make_unique<gnome::MutterIdleTimeProvider>(sessionBus, monotonicClock);
             if (!mutterIdle->available()) {
                 idleFailure = std::string(
                     "GNOME's idle monitor does not answer, so Lumenote cannot tell when you step "

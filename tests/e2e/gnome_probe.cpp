@@ -47,6 +47,7 @@ nlohmann::json sample(gnome::GnomeShellFrontmostApplicationSource& frontmost,
     line["observing"] = frontmost.observing();
     line["idleSeconds"] = idle.idleSeconds();
     line["idleAvailable"] = idle.available();
+    line["idleWatched"] = idle.watched();
     return line;
 }
 
@@ -72,6 +73,11 @@ double secondsOn(clockid_t clock) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
+class MonotonicClock final : public lumenote::recording::MonotonicTimeProvider {
+  public:
+    double now() override { return secondsOn(CLOCK_MONOTONIC); }
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -93,7 +99,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     auto frontmost = std::move(opened.value());
-    gnome::MutterIdleTimeProvider idle(QDBusConnection::sessionBus());
+    MonotonicClock clock;
+    gnome::MutterIdleTimeProvider idle(QDBusConnection::sessionBus(), clock);
 
     if (mode == "--bench") {
         const int samples = std::stoi(argv[2]);

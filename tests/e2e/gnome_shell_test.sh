@@ -9,10 +9,10 @@
 # moves: a new window takes the focus, closing it gives the focus back.
 # Checks that each focus change is announced with the right identity and
 # display name (a desktop entry the shell matches, a window it matches to
-# none, a browser's app id), that idle time from Mutter grows without input,
-# that disabling and enabling the extension in the running shell is
-# followed, that a vanished shell is reported, and that window titles appear
-# neither in the probe's output nor on the bus.
+# none, a browser's app id), that idle time from Mutter's watches grows
+# without input, that disabling and enabling the extension in the running
+# shell is followed, that a vanished shell is reported, and that window
+# titles appear neither in the probe's output nor on the bus.
 #
 # GNOME Shell refuses nothing as root but its clients and settings belong to
 # the user: as root, the buses, the shell and its clients run as the
@@ -197,7 +197,10 @@ close_client "$BETA" "study-alpha" "Écrire Ünïcode"
 
 # Idle time: the headless shell has no input devices, so the user has been
 # idle since it started, and the readings grow with the clock.
-grep -qF '"idleAvailable":true' <<<"$(last_tick)" || fail "Mutter's idle monitor did not answer: $(last_tick)"
+poll_until "a tick of the probe" tick_seen
+grep -qF '"idleAvailable":true,"idleSeconds"' <<<"$(last_tick)" ||
+    fail "Mutter's idle monitor did not answer: $(last_tick)"
+grep -qF '"idleWatched":true' <<<"$(last_tick)" || fail "Mutter refused the idle watches: $(last_tick)"
 first="$(idle_of "$(last_tick)")"
 poll_until "two more seconds of idle time after $first" tick_idle_at_least "$(seconds_after 2 "$first")"
 

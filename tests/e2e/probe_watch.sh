@@ -18,6 +18,7 @@ reported_since() { tail -n +"$(($1 + 1))" "$work/watch.log" | grep -qF "$2"; }
 # tick's idle time is at least $1 seconds.
 idle_of() { sed -n 's/.*"idleSeconds":\([0-9.eE+-]*\).*/\1/p' <<<"$1"; }
 last_tick() { grep -F '"event":"tick"' "$work/watch.log" | tail -n 1; }
+tick_seen() { [ -n "$(last_tick)" ]; }
 tick_idle_at_least() {
     local tick
     tick="$(last_tick)"
