@@ -312,8 +312,11 @@ ui::SettingsDependencies DesktopApplication::settingsDependencies() {
         return runtime::gatherSetupTestInput({services.paths(), LUMENOTE_VERSION,
                                               LUMENOTE_BUILD_NUMBER, services.desktop().health()});
     };
-    settings.observedOnThisDesktop = [&services] {
-        return runtime::checkSetup(services.desktop().health()).report;
+    settings.checkDesktop = [&services] {
+        return runtime::checkSetup(services.desktop().health());
+    };
+    settings.installGnomeExtension = [&services] {
+        return runtime::installShippedGnomeExtension(services.paths());
     };
     return settings;
 }

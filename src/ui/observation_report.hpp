@@ -1,7 +1,6 @@
 // What this desktop lets Lumenote observe, as the setup check reports it,
 // turned into rich text: one line each, a check mark for what works and a
-// warning sign for a gap. Shared by the setup assistant and the Tracking
-// settings.
+// warning sign for a gap (DesktopObservationView shows it).
 #pragma once
 
 #include <QString>

@@ -15,7 +15,7 @@
 #include "ui/design/page_title.hpp"
 #include "ui/design/qt_text.hpp"
 #include "ui/design/row.hpp"
-#include "ui/observation_report.hpp"
+#include "ui/desktop_observation_view.hpp"
 
 namespace lumenote::ui {
 
@@ -138,32 +138,9 @@ QWidget* OnboardingDialog::buildObservation() {
         QStringLiteral("Lumenote asks your desktop which application is in front and how long "
                        "since your last input. This is what it found:"),
         widget));
-    observation_ = paragraph({}, widget);
-    observation_->setObjectName(QStringLiteral("onboardingObservation"));
-    observation_->setTextFormat(Qt::RichText);
+    observation_ =
+        new DesktopObservationView({services_.checkSetup, services_.installGnomeExtension}, widget);
     layout->addWidget(observation_);
-    auto* again = new QPushButton(QStringLiteral("Check Again"), widget);
-    again->setAccessibleName(QStringLiteral("Check this desktop again"));
-    again->setObjectName(QStringLiteral("onboardingCheckAgain"));
-    again->setAutoDefault(false);
-    connect(again, &QPushButton::clicked, this, [this] { showStep(OnboardingStep::observation); });
-    installExtension_ =
-        new QPushButton(QStringLiteral("Install the GNOME Shell Extension"), widget);
-    installExtension_->setAccessibleName(installExtension_->text());
-    installExtension_->setObjectName(QStringLiteral("onboardingInstallExtension"));
-    installExtension_->setAutoDefault(false);
-    installExtension_->hide();
-    connect(installExtension_, &QPushButton::clicked, this,
-            &OnboardingDialog::installGnomeExtension);
-    auto* row = new QHBoxLayout;
-    row->addWidget(installExtension_);
-    row->addWidget(again);
-    row->addStretch(1);
-    layout->addLayout(row);
-    extensionResult_ = paragraph({}, widget);
-    extensionResult_->setObjectName(QStringLiteral("onboardingExtensionResult"));
-    extensionResult_->hide();
-    layout->addWidget(extensionResult_);
     layout->addStretch(1);
     return widget;
 }
@@ -307,35 +284,10 @@ void OnboardingDialog::showStep(OnboardingStep step) {
     // Space when the keyboard is on them.
     next_->setFocus();
     if (step == OnboardingStep::observation) {
-        refreshObservation();
+        observation_->refresh();
     } else if (step == OnboardingStep::browsers) {
         refreshBrowsers();
     }
-}
-
-void OnboardingDialog::refreshObservation() {
-    if (!services_.checkSetup) {
-        return;
-    }
-    const runtime::SetupCheck check = services_.checkSetup();
-    observation_->setText(observationReportHtml(check.report));
-    installExtension_->setVisible(
-        services_.installGnomeExtension &&
-        check.waylandStep == platform::observation::WaylandSetupStep::installGnomeExtension);
-}
-
-void OnboardingDialog::installGnomeExtension() {
-    const runtime::GnomeExtensionSetup setup = services_.installGnomeExtension();
-    QStringList lines;
-    for (const std::string& sentence : setup.sentences) {
-        lines << qt(sentence);
-    }
-    extensionResult_->setText(lines.join(QLatin1Char('\n')));
-    extensionResult_->setVisible(true);
-    // Installed, it still waits for the next login: the check says so, and
-    // the button stays for a second try only after a failure.
-    refreshObservation();
-    installExtension_->setVisible(installExtension_->isVisible() && !setup.installed);
 }
 
 void OnboardingDialog::goForward() {

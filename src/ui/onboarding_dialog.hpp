@@ -32,6 +32,8 @@ class QVBoxLayout;
 
 namespace lumenote::ui {
 
+class DesktopObservationView;
+
 // What the assistant reads and changes beyond the preferences.
 struct OnboardingServices {
     // The checks of `lumenote-cli check`.
@@ -77,8 +79,6 @@ class OnboardingDialog final : public QDialog {
     QWidget* buildDone();
     void finish();
     void refreshShortcutState();
-    void refreshObservation();
-    void installGnomeExtension();
 
     settings::PreferencesStore& preferences_;
     OnboardingServices services_;
@@ -89,9 +89,7 @@ class OnboardingDialog final : public QDialog {
     QLabel* title_;
     QLabel* progress_;
     QStackedWidget* pages_;
-    QLabel* observation_;
-    QPushButton* installExtension_;
-    QLabel* extensionResult_;
+    DesktopObservationView* observation_;
     QVBoxLayout* browserList_;
     QLabel* browserMessage_;
     QSpinBox* goal_;

@@ -20,6 +20,8 @@
 #include "recording/session_history.hpp"
 #include "recording/session_history_reader.hpp"
 #include "recording/time_providers.hpp"
+#include "runtime/gnome_extension_setup.hpp"
+#include "runtime/setup_check.hpp"
 #include "settings/preferences_store.hpp"
 #include "settings/session_template_store.hpp"
 
@@ -47,9 +49,11 @@ struct SettingsDependencies {
     // it is, or when it is off). Empty: the preferences' hotkey status
     // message, which the shortcut coordinator keeps.
     std::function<std::string()> shortcutUnavailableSentence;
-    // The report of what this desktop lets Lumenote observe. Empty: the
-    // checks of `lumenote-cli check`, run on this machine.
-    std::function<std::string()> observedOnThisDesktop;
+    // What this desktop lets Lumenote observe. Empty: the checks of
+    // `lumenote-cli check`, run on this machine.
+    std::function<runtime::SetupCheck()> checkDesktop;
+    // Installs and enables the GNOME Shell extension. Empty: not offered.
+    std::function<runtime::GnomeExtensionSetup()> installGnomeExtension;
     // What the diagnostic report states at this moment. Empty: gathered
     // from the files under `paths`, as `lumenote-cli report` does.
     std::function<portability::DiagnosticReportFacts()> diagnosticFacts;

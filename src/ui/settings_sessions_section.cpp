@@ -220,7 +220,7 @@ void SessionsSettingsSection::refresh() {
 void SessionsSettingsSection::refreshTemplates() {
     const settings::SessionTemplateStore& store = dependencies_.templates;
     const QSignalBlocker blocker(templates_);
-    const int row = templates_->currentRow();
+    const int selected = templates_->currentRow();
     templates_->clear();
     for (const settings::SessionTemplate& sessionTemplate : store.templates()) {
         const QString name = qt(sessionTemplate.name);
@@ -233,7 +233,7 @@ void SessionsSettingsSection::refreshTemplates() {
         item->setSizeHint(row->sizeHint());
         templates_->setItemWidget(item, row);
     }
-    templates_->setCurrentRow(std::min(row, templates_->count() - 1));
+    templates_->setCurrentRow(std::min(selected, templates_->count() - 1));
     templates_->setVisible(templates_->count() > 0);
     templatesEmpty_->setVisible(templates_->count() == 0 && !store.isReadOnly());
     const auto& message = store.loadMessage();

@@ -14,7 +14,7 @@
 #include "ui/design/card.hpp"
 #include "ui/design/named_controls.hpp"
 #include "ui/design/qt_text.hpp"
-#include "ui/observation_report.hpp"
+#include "ui/desktop_observation_view.hpp"
 #include "ui/settings_number_field.hpp"
 #include "ui/settings_section_frame.hpp"
 
@@ -99,19 +99,12 @@ TrackingSettingsSection::TrackingSettingsSection(SettingsDependencies& dependenc
     auto* desktop =
         new design::Card(QStringLiteral("On This Desktop"),
                          QStringLiteral("What this desktop lets Lumenote observe."), this);
-    observed_ = new QLabel(desktop);
-    observed_->setObjectName(QStringLiteral("observedReport"));
-    observed_->setTextFormat(Qt::RichText);
-    observed_->setWordWrap(true);
-    observed_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    observed_ = new DesktopObservationView(
+        {dependencies_.checkDesktop ? dependencies_.checkDesktop
+                                    : [] { return runtime::checkSetup(); },
+         dependencies_.installGnomeExtension},
+        desktop);
     desktop->bodyLayout()->addWidget(observed_);
-    auto* checkRow = new QHBoxLayout;
-    auto* checkAgain = new QPushButton(QStringLiteral("Check Again"), desktop);
-    checkAgain->setObjectName(QStringLiteral("checkDesktop"));
-    checkAgain->setAccessibleName(QStringLiteral("Check this desktop again"));
-    checkRow->addWidget(checkAgain);
-    checkRow->addStretch(1);
-    desktop->bodyLayout()->addLayout(checkRow);
     layout->addWidget(desktop);
     layout->addStretch(1);
 
@@ -131,7 +124,6 @@ TrackingSettingsSection::TrackingSettingsSection(SettingsDependencies& dependenc
         connect(box, &QCheckBox::toggled, this,
                 [&preferences, setter](bool on) { (preferences.*setter)(on); });
     }
-    connect(checkAgain, &QPushButton::clicked, this, &TrackingSettingsSection::checkDesktop);
 
     token_ = preferences.addObserver([this](settings::PreferenceProperty property) {
         using P = settings::PreferenceProperty;
@@ -151,7 +143,7 @@ TrackingSettingsSection::TrackingSettingsSection(SettingsDependencies& dependenc
         }
     });
     refresh();
-    checkDesktop();
+    observed_->refresh();
 }
 
 TrackingSettingsSection::~TrackingSettingsSection() {
@@ -183,12 +175,6 @@ void TrackingSettingsSection::refresh() {
     pauseBrowsers_->setEnabled(browsing);
     localPDFs_->setEnabled(browsing);
     manualPDFLabels_->setEnabled(browsing && preferences.localPDFDetectionEnabled());
-}
-
-void TrackingSettingsSection::checkDesktop() {
-    observed_->setText(observationReportHtml(dependencies_.observedOnThisDesktop
-                                                 ? dependencies_.observedOnThisDesktop()
-                                                 : runtime::checkSetup().report));
 }
 
 }  // namespace lumenote::ui

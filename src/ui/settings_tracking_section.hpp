@@ -14,6 +14,7 @@ class QLabel;
 
 namespace lumenote::ui {
 
+class DesktopObservationView;
 class NumberField;
 
 class TrackingSettingsSection final : public QWidget {
@@ -25,8 +26,6 @@ class TrackingSettingsSection final : public QWidget {
 
     // Shows the store's values again.
     void refresh();
-    // Runs the desktop checks again and shows their report.
-    void checkDesktop();
 
   private:
     SettingsDependencies& dependencies_;
@@ -39,7 +38,7 @@ class TrackingSettingsSection final : public QWidget {
     QCheckBox* pauseBrowsers_;
     QCheckBox* localPDFs_;
     QCheckBox* manualPDFLabels_;
-    QLabel* observed_;
+    DesktopObservationView* observed_;
 };
 
 }  // namespace lumenote::ui

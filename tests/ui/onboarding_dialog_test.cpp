@@ -74,7 +74,7 @@ TEST_F(OnboardingDialogTest, ItResumesAtTheStepLeftAndFinishingKeepsItsVersion) 
         EXPECT_FALSE(dialog.findChild<QPushButton*>("onboardingBack")->isEnabled());
         QTest::mouseClick(dialog.findChild<QPushButton*>("onboardingNext"), Qt::LeftButton);
         EXPECT_EQ(dialog.step(), OnboardingStep::observation);
-        EXPECT_TRUE(dialog.findChild<QLabel*>("onboardingObservation")
+        EXPECT_TRUE(dialog.findChild<QLabel*>("observationReport")
                         ->text()
                         .contains(QStringLiteral("No notification server answers.")));
         dialog.goForward();
@@ -159,8 +159,8 @@ TEST_F(OnboardingDialogTest, TheObservationStepInstallsTheGnomeExtensionOnlyWher
     OnboardingDialog dialog(preferences_, made);
     dialog.show();
     dialog.showStep(OnboardingStep::observation);
-    auto* install = dialog.findChild<QPushButton*>("onboardingInstallExtension");
-    auto* result = dialog.findChild<QLabel*>("onboardingExtensionResult");
+    auto* install = dialog.findChild<QPushButton*>("observationInstallExtension");
+    auto* result = dialog.findChild<QLabel*>("observationInstallResult");
     ASSERT_TRUE(install->isVisible());
     EXPECT_FALSE(result->isVisible());
     lumenote::testing::saveScreenshots(dialog, "onboarding-gnome-extension");
@@ -195,7 +195,7 @@ TEST_F(OnboardingDialogTest, TheObservationStepInstallsTheGnomeExtensionOnlyWher
     withoutInstaller.show();
     withoutInstaller.showStep(OnboardingStep::observation);
     EXPECT_FALSE(
-        withoutInstaller.findChild<QPushButton*>("onboardingInstallExtension")->isVisible());
+        withoutInstaller.findChild<QPushButton*>("observationInstallExtension")->isVisible());
 }
 
 TEST_F(OnboardingDialogTest, EveryStepsControlsHaveNames) {

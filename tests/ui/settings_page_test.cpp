@@ -94,15 +94,22 @@ class SettingsPageTest : public ::testing::Test {
             .appVersion = "1.4.0",
             .appBuild = "12",
             .shortcutUnavailableSentence = [this] { return shortcutSentence_; },
-            .observedOnThisDesktop =
+            .checkDesktop =
                 [] {
-                    return std::string(
+                    return runtime::SetupCheck{
                         "gap  Lumenote cannot see which application is in front.\n"
                         "ok   The time since your last input comes from GNOME's idle monitor.\n"
                         "gap  On GNOME, Lumenote sees the application in front through its "
                         "GNOME Shell extension, which is not running. Run \"lumenote-cli setup "
                         "wayland\" to install and enable it, then log out and back in.\n"
-                        "ok   logind and the screen saver report sleep, locking and shutdown.");
+                        "ok   logind and the screen saver report sleep, locking and shutdown.",
+                        false, platform::observation::WaylandSetupStep::installGnomeExtension};
+                },
+            .installGnomeExtension =
+                [this] {
+                    ++extensionInstalls_;
+                    return runtime::GnomeExtensionSetup{
+                        true, {"The GNOME Shell extension is installed and enabled."}};
                 },
             .nativeHost = nativeHost,
             .browserStatus =
@@ -186,6 +193,7 @@ class SettingsPageTest : public ::testing::Test {
     std::unique_ptr<classification::ClassificationRules> rules_;
     std::unique_ptr<recording::SessionHistory> history_;
     std::string shortcutSentence_;
+    int extensionInstalls_ = 0;
     settings::FileSessionTemplateRepository templateFile_{
         settings::FileSessionTemplateRepository::pathFor(home_.paths()),
         [this] { return machine_.clock.wallNow(); }};
@@ -465,12 +473,20 @@ TEST_F(SettingsPageTest, SwitchesAndChoicesWriteTheirPreferences) {
     QTest::keyClick(subject, Qt::Key_Return);
     EXPECT_EQ(preferences_.defaultSubject(), "Organic chemistry");
     // Each line of the desktop's check is marked: a gap with a warning sign.
-    const QString observed = labelText("observedReport");
+    const QString observed = labelText("observationReport");
     EXPECT_TRUE(observed.contains(
         QStringLiteral("⚠ Lumenote cannot see which application is in front.<br>")))
         << observed.toStdString();
     EXPECT_TRUE(observed.contains(QStringLiteral("✓ The time since your last input")))
         << observed.toStdString();
+    // GNOME without the extension: it can be installed from here too.
+    auto* install = child<QPushButton>("observationInstallExtension");
+    ASSERT_FALSE(install->isHidden());
+    QTest::mouseClick(install, Qt::LeftButton);
+    EXPECT_EQ(extensionInstalls_, 1);
+    EXPECT_EQ(labelText("observationInstallResult"),
+              "The GNOME Shell extension is installed and enabled.");
+    EXPECT_TRUE(install->isHidden());
 }
 
 TEST_F(SettingsPageTest, TemplatesAreAddedEditedAndDeletedThroughTheStore) {
