@@ -65,6 +65,20 @@ struct DesktopObservation::Parts {
     observation::IdleBackend idleBackend = observation::IdleBackend::none;
     recording::FrontmostApplicationSource* frontmost = &noFrontmost;
     recording::IdleTimeProvider* idle = &noIdle;
+    // What the recorder holds: they read whichever backend observes now, so
+    // that one opened later takes over without the recorder knowing.
+    struct CurrentFrontmost final : recording::FrontmostApplicationSource {
+        explicit CurrentFrontmost(Parts& owner) : parts(owner) {}
+        std::optional<recording::FrontmostApplication> frontmostApplication() override {
+            return parts.frontmost->frontmostApplication();
+        }
+        Parts& parts;
+    } currentFrontmost{*this};
+    struct CurrentIdle final : recording::IdleTimeProvider {
+        explicit CurrentIdle(Parts& owner) : parts(owner) {}
+        double idleSeconds() override { return parts.idle->idleSeconds(); }
+        Parts& parts;
+    } currentIdle{*this};
     std::function<void()> activationHandler;
     bool activationPending = false;
     std::optional<Date> lastActivation;
@@ -368,11 +382,11 @@ DesktopObservation::DesktopObservation(std::unique_ptr<Parts> parts) : parts_(st
 DesktopObservation::~DesktopObservation() = default;
 
 recording::FrontmostApplicationSource& DesktopObservation::frontmost() {
-    return *parts_->frontmost;
+    return parts_->currentFrontmost;
 }
 
 recording::IdleTimeProvider& DesktopObservation::idle() {
-    return *parts_->idle;
+    return parts_->currentIdle;
 }
 
 int DesktopObservation::activationDescriptor() const {

@@ -43,6 +43,8 @@ class DesktopObservation {
     DesktopObservation(const DesktopObservation&) = delete;
     DesktopObservation& operator=(const DesktopObservation&) = delete;
 
+    // Stable for the observation's life: they read whichever backend
+    // observes at the moment, including one opened after start-up.
     recording::FrontmostApplicationSource& frontmost();
     recording::IdleTimeProvider& idle();
 

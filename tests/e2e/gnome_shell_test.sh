@@ -11,8 +11,10 @@
 # display name (a desktop entry the shell matches, a window it matches to
 # none, a browser's app id), that idle time from Mutter's watches grows
 # without input, that disabling and enabling the extension in the running
-# shell is followed, that a vanished shell is reported, and that window
-# titles appear neither in the probe's output nor on the bus.
+# shell is followed, that `lumenote-cli record` started while the extension
+# is off warns, then takes the extension up once it is enabled and records
+# the windows, that a vanished shell is reported, and that window titles
+# appear neither in the probe's output nor on the bus.
 #
 # GNOME Shell refuses nothing as root but its clients and settings belong to
 # the user: as root, the buses, the shell and its clients run as the
@@ -34,6 +36,7 @@ fi
 STARTED_AT=$SECONDS
 here=$(cd "$(dirname "$0")" && pwd)
 PROBE="$1/lumenote-gnome-probe"
+CLI="$1/lumenote-cli"
 SHIPPED="$(cd "$1/.." && pwd)/gnome-shell"
 work=$(mktemp -d)
 deadline_seconds=60
@@ -212,6 +215,39 @@ poll_until "the probe to notice the extension gone" reported_since "$before" '"o
 before="$(watch_lines)"
 as_user timeout 10 gnome-extensions enable lumenote@tallywise.com || fail "could not enable the extension"
 poll_until "the extension's report after enabling it" activated_since "$before" "study-alpha" "Écrire Ünïcode"
+
+# The recorder, started while the extension is off, takes it up once it is
+# enabled in the middle of the session, and says until then why the time
+# goes to "Unknown application".
+before="$(watch_lines)"
+as_user timeout 10 gnome-extensions disable lumenote@tallywise.com || fail "could not disable the extension"
+poll_until "the probe to notice the extension gone" reported_since "$before" '"observing":false'
+"${as_compositor_user[@]}" "${USER_ENV[@]}" WAYLAND_DISPLAY=wayland-0 timeout 120 "$CLI" record \
+    --subject "GNOME" --open-ended \
+    >"$work/recorder.out" 2>"$work/recorder.err" &
+recorder_job=$!
+background+=("$recorder_job")
+# desktop_session.sh's status readers call "$cli": here the session's user
+# runs it.
+user_cli() { as_user timeout 10 "$CLI" "$@"; }
+cli=user_cli
+poll_until "the recorder's warning" status_matches 'This time is recorded as "Unknown application".'
+poll_until "2 seconds of unknown time" elapsed_at_least 2
+as_user timeout 10 gnome-extensions enable lumenote@tallywise.com || fail "could not enable the extension"
+poll_until "the recorder to see study-alpha" status_matches "Écrire Ünïcode"
+status_matches "Unknown application" && fail "the recorder still warns with the extension running"
+open_client LumenoteBeta "LumenoteBeta" "LumenoteBeta"
+poll_until "the recorder to see LumenoteBeta" status_matches "LumenoteBeta"
+user_cli end >/dev/null || fail "the session did not end"
+wait "$recorder_job" || fail "the recorder ended with status $?"
+"$python" - "$(user_cli show "$(newest_session_id)" --json)" <<'CHECK' || fail "the recorded segments are wrong"
+import json, sys
+segments = json.loads(sys.argv[1])["segments"]
+order = [g["bundleIdentifier"] for g in segments]
+assert order[-2:] == ["study-alpha", "LumenoteBeta"], order
+assert order[0] not in ("study-alpha", "LumenoteBeta"), order
+CHECK
+kill "$CLIENT_PID"
 
 # The cost of a sample, for the record.
 bench="$("${as_compositor_user[@]}" "${probe_env[@]}" timeout 60 "$PROBE" --bench 1000)" || fail "benchmark failed: $bench"

@@ -92,6 +92,10 @@ class DesktopObservationTest : public ::testing::Test {
 
 TEST_F(DesktopObservationTest, TheGnomeExtensionEnabledDuringASessionIsPickedUp) {
     openOn("ubuntu:GNOME");
+    // The recorder keeps these from the start.
+    recording::FrontmostApplicationSource& frontmost = desktop_->frontmost();
+    recording::IdleTimeProvider& idle = desktop_->idle();
+    EXPECT_EQ(frontmost.frontmostApplication(), std::nullopt);
     ASSERT_EQ(health().frontmost, observation::FrontmostBackend::none);
     EXPECT_TRUE(lacks(health(), observation::MissingPiece::gnomeShellExtensionNotRunning));
     EXPECT_FALSE(observation::frontmostWarning(health()).empty());
@@ -105,7 +109,7 @@ TEST_F(DesktopObservationTest, TheGnomeExtensionEnabledDuringASessionIsPickedUp)
     EXPECT_EQ(observation::frontmostWarning(health()), "");
     EXPECT_GE(activations_, 1);
     EXPECT_TRUE(desktop_->takeActivation());
-    const auto application = desktop_->frontmost().frontmostApplication();
+    const auto application = frontmost.frontmostApplication();
     ASSERT_TRUE(application);
     // Named by the desktop entries of the session's data folders.
     EXPECT_EQ(application->bundleIdentifier, "org.gnome.Nautilus");
@@ -121,6 +125,7 @@ TEST_F(DesktopObservationTest, TheGnomeExtensionEnabledDuringASessionIsPickedUp)
     ASSERT_TRUE(waitUntil([this] { return health().idle != observation::IdleBackend::none; }));
     EXPECT_EQ(health().idle, observation::IdleBackend::gnomeIdleMonitor);
     EXPECT_EQ(health().frontmost, observation::FrontmostBackend::gnomeShellExtension);
+    EXPECT_EQ(idle.idleSeconds(), 0.0);
     EXPECT_EQ(activations_, before);
 }
 
