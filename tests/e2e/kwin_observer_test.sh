@@ -8,7 +8,8 @@
 # subfolder, a bare class, a browser's class), that no window title appears
 # on the bus or in the output, that the idle reading is 0 where no screen
 # saver answers, that a KWin restart is followed by the script running in the
-# new KWin, and that the script is unloaded when the probe exits.
+# new KWin, that the script is unloaded when the probe exits, and that
+# `lumenote-cli record` loads the script itself and records the windows.
 #
 # The installed kwin_wayland carries a file capability (cap_sys_resource or
 # cap_sys_nice) that keeps it from starting here; a plain copy carries none
@@ -29,6 +30,7 @@ fi
 
 here=$(cd "$(dirname "$0")" && pwd)
 PROBE="$1/lumenote-kwin-probe"
+CLI="$1/lumenote-cli"
 work=$(mktemp -d)
 deadline_seconds=60
 background=()
@@ -111,14 +113,19 @@ poll_until "the first report" grep -qs '"event":"activated"' "$work/watch.log"
 grep -F '"event":"activated"' "$work/watch.log" | head -n 1 | grep -qF '"bundleIdentifier":null' ||
     fail "a window was reported before any existed"
 
-# start_client CLASS IDENTITY NAME: an xterm of that class with a title the
-# output must never show; KWin activates new windows.
-start_client() {
-    local before
-    before="$(watch_lines)"
+# open_xterm CLASS: an xterm of that class with a title that must never
+# show; KWin activates new windows.
+open_xterm() {
     "${as_compositor_user[@]}" env -i PATH=/usr/bin:/bin "HOME=$work/home" "DISPLAY=$X_DISPLAY" timeout 170 \
         xterm -class "$1" -T "private title of $1" -e sleep 170 >"$work/xterm-$1.log" 2>&1 &
     background+=($!)
+}
+# start_client CLASS IDENTITY NAME: open_xterm, and wait until the probe
+# reports the new window.
+start_client() {
+    local before
+    before="$(watch_lines)"
+    open_xterm "$1"
     poll_until "the activation of new $2" activated_since "$before" "$2" "$3"
 }
 
@@ -199,6 +206,36 @@ if script_loaded lumenote-activation; then
     fail "the script is still loaded after the probe exited"
 fi
 kill -0 "$KWIN" 2>/dev/null || fail "KWin ended during the test"
+
+# The recorder loads the script itself and records the windows KWin
+# activates; desktop_session.sh's status readers call "$cli", here run by
+# the session's user, who keeps Lumenote's data in the test home and finds
+# the test's desktop entries among the system's.
+RECORDER_ENV=("${USER_ENV[@]}" "XDG_DATA_HOME=$work/home/data" "XDG_DATA_DIRS=$work/data:$work/system")
+user_cli() { "${as_compositor_user[@]}" "${RECORDER_ENV[@]}" timeout 10 "$CLI" "$@"; }
+cli=user_cli
+"${as_compositor_user[@]}" "${RECORDER_ENV[@]}" WAYLAND_DISPLAY=wayland-lumenote XDG_SESSION_TYPE=wayland \
+    XDG_CURRENT_DESKTOP=KDE timeout 120 "$CLI" record --subject "KDE" --open-ended \
+    >"$work/recorder.out" 2>"$work/recorder.err" &
+recorder_job=$!
+background+=("$recorder_job")
+poll_until "the recorder to see lumenotebeta" status_matches "lumenotebeta"
+script_loaded lumenote-activation || fail "the recorder did not load its script"
+poll_until "2 seconds of recording" elapsed_at_least 2
+open_xterm Study-Alpha
+poll_until "the recorder to see study-alpha" status_matches "Écrire Ünïcode"
+user_cli end >/dev/null || fail "the session did not end"
+wait "$recorder_job" || fail "the recorder ended with status $?"
+"$python" - "$(user_cli show "$(newest_session_id)" --json)" <<'CHECK' || fail "the recorded segments are wrong"
+import json, sys
+segments = json.loads(sys.argv[1])["segments"]
+order = [g["bundleIdentifier"] for g in segments]
+assert order == ["lumenotebeta", "study-alpha"], order
+CHECK
+if script_loaded lumenote-activation; then
+    fail "the script is still loaded after the recorder ended"
+fi
+! grep -rqa "private title" "$work/home" || fail "a window title was stored"
 
 echo "real KWin test took $((SECONDS - began)) s"
 echo "PASS"
