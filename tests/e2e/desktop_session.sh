@@ -156,6 +156,14 @@ newest_session_id() {
     "$cli" sessions --json | "$python" -c 'import json, sys; print(json.load(sys.stdin)[0]["id"])'
 }
 
+# The application ids of the newest session's segments, in order, on one
+# line ("None" for a stretch with nothing in front).
+newest_session_applications() {
+    "$cli" show "$(newest_session_id)" --json | "$python" -c '
+import json, sys
+print(" ".join(str(g["bundleIdentifier"]) for g in json.load(sys.stdin)["segments"]))'
+}
+
 # login1 METHOD [ARGS...]: drives the test logind.
 login1() {
     timeout 5 dbus-send --bus="$DBUS_SYSTEM_BUS_ADDRESS" --print-reply \
