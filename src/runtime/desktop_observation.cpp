@@ -320,7 +320,7 @@ void DesktopObservation::Parts::reconsider() {
         idleBackend != observation::IdleBackend::none) {
         return;
     }
-    const auto opened = std::pair(frontmostBackend, idleBackend);
+    const auto frontmostBefore = frontmostBackend;
     const auto before = choice;
     choose();
     // Backends that observe stay as they are: the choice only fills gaps.
@@ -334,7 +334,7 @@ void DesktopObservation::Parts::reconsider() {
     } else {
         openIdle();
     }
-    if (frontmostBackend != opened.first) {
+    if (frontmostBackend != frontmostBefore) {
         announceActivation();
     }
     scheduleRetry();
